@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QStringView>
+
+namespace orvane {
+
+/// Writes "orvane: ", the message and a line feed to standard error, in one write.
+/// Standard output belongs to the tool server's replies, so nothing else may be used for logging.
+/// Any thread.
+void logLine(QStringView message);
+
+} // namespace orvane

@@ -1,0 +1,228 @@
+#include "OrvaneCore/capture/ToolHandler.h"
+
+#include "OrvaneCore/capture/OrvaneError.h"
+#include "OrvaneCore/capture/ToolResult.h"
+#include "OrvaneCore/capture/TypedObject.h"
+#include "OrvaneCore/capture/WindowCrop.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QLatin1String appNameKey("app_name");
+
+/// A rectangle in an agent's whole numbers.
+struct IntegerRect {
+    qint64 x;
+    qint64 y;
+    qint64 width;
+    qint64 height;
+
+    QRectF asPoints() const {
+        return {static_cast<qreal>(x), static_cast<qreal>(y), static_cast<qreal>(width),
+                static_cast<qreal>(height)};
+    }
+};
+
+std::optional<IntegerRect> readRect(const TypedObject& arguments) {
+    const auto x = arguments.integer(QLatin1String("x"));
+    const auto y = arguments.integer(QLatin1String("y"));
+    const auto width = arguments.integer(QLatin1String("width"));
+    const auto height = arguments.integer(QLatin1String("height"));
+    if (!x || !y || !width || !height)
+        return std::nullopt;
+    return IntegerRect{*x, *y, *width, *height};
+}
+
+QString requireAppName(const QJsonObject& arguments) {
+    const auto appName = TypedObject(arguments).string(appNameKey);
+    if (!appName)
+        throw OrvaneError::invalidArguments(u"app_name is required"_s);
+    return *appName;
+}
+
+QString isoTime(const QDateTime& time) {
+    return time.toUTC().toString(Qt::ISODate);
+}
+
+} // namespace
+
+ToolHandler::ToolHandler(WindowDiscovery& discovery, ScreenCapture& screenCapture, StorageManager& storage,
+                         const PngWriter& pngWriter, Clock clock)
+    : m_discovery(discovery)
+    , m_screenCapture(screenCapture)
+    , m_clock(std::move(clock))
+    , m_files(storage, pngWriter, m_clock) {
+    storage.ensureDirectories();
+}
+
+const std::vector<ToolHandler::Tool>& ToolHandler::tools() {
+    static const std::vector<Tool> all{
+        {"list_windows", &ToolHandler::listWindows},
+        {"capture_window", &ToolHandler::captureWindow},
+        {"capture_region", &ToolHandler::captureRegion},
+        {"activate_window", &ToolHandler::activateWindow},
+        {"capture_window_region", &ToolHandler::captureWindowRegion},
+        {"capture_annotated", nullptr},
+        {"capture_diff", &ToolHandler::captureDiff},
+        {"start_recording", nullptr},
+        {"stop_recording", nullptr},
+        {"poll_recording", nullptr},
+        {"read_frame", nullptr},
+        {"get_annotations", nullptr},
+        {"annotate_understanding", nullptr},
+        {"get_annotation_feedback", nullptr},
+    };
+    return all;
+}
+
+QStringList ToolHandler::toolNames() {
+    QStringList names;
+    for (const Tool& tool : tools())
+        names.append(QLatin1String(tool.name));
+    return names;
+}
+
+QJsonObject ToolHandler::handleToolCall(const QString& name, const QJsonObject& arguments) {
+    const auto tool = std::find_if(tools().begin(), tools().end(), [&name](const Tool& candidate) {
+        return name == QLatin1String(candidate.name);
+    });
+    if (tool == tools().end())
+        return ToolResult::error(u"Unknown tool: "_s + name);
+    if (tool->handler == nullptr)
+        return ToolResult::error(u"Not available in this build: "_s + name);
+    try {
+        return (this->*tool->handler)(arguments);
+    } catch (const OrvaneError& error) {
+        return ToolResult::error(error.localizedDescription());
+    } catch (const std::exception& error) {
+        return ToolResult::error(QString::fromUtf8(error.what()));
+    }
+}
+
+QJsonObject ToolHandler::listWindows(const QJsonObject& /*arguments*/) {
+    const std::vector<WindowInfo> windows = m_discovery.listWindows();
+    // An empty list would be a lie where the desktop cannot be asked at all.
+    const auto reason = windows.empty() ? m_discovery.unavailableReason() : std::nullopt;
+    return reason ? ToolResult::error(*reason)
+                  : ToolResult::text(QString::fromUtf8(encodeWindowInfos(windows)));
+}
+
+QJsonObject ToolHandler::activateWindow(const QJsonObject& arguments) {
+    const auto appName = TypedObject(arguments).string(appNameKey);
+    if (!appName)
+        return ToolResult::error(u"app_name is required"_s);
+    const ActivateResult result = m_discovery.activate(*appName);
+    return result.success ? ToolResult::text(result.message) : ToolResult::error(result.message);
+}
+
+QJsonObject ToolHandler::captureWindow(const QJsonObject& arguments) {
+    const QString appName = requireAppName(arguments);
+    const WindowInfo window = findWindow(appName, [&] {
+        QStringList names;
+        for (const WindowInfo& other : m_discovery.listWindows())
+            names.append(other.appName);
+        return u"No window found for '"_s + appName + u"'. Available: "_s + joinedNames(names);
+    });
+    const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
+    const EncodedCapture encoded = m_files.encode(captured.image);
+    m_files.save(encoded, appName);
+
+    const QString id = QString::number(window.windowId);
+    const QString text = u"Captured "_s + window.appName + u" — "_s + window.windowTitle + u".\nwindowId: "_s + id +
+                         u"  (pass to annotate_understanding as frame {\"type\":\"window\",\"windowId\":"_s + id +
+                         u"})\nReturned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
+                         QString::number(encoded.agentSize.height()) +
+                         u" px — measure any annotation coordinates in THIS image and pass these as the "_s
+                         u"frame's imageWidth/imageHeight.\nNative window: "_s +
+                         QString::number(captured.width) + u"×"_s + QString::number(captured.height) + u" pt."_s;
+    return ToolResult::textWithImage(text, encoded.agentPng);
+}
+
+QJsonObject ToolHandler::captureWindowRegion(const QJsonObject& arguments) {
+    const TypedObject typed(arguments);
+    const auto appName = typed.string(appNameKey);
+    const auto rect = readRect(typed);
+    if (!appName || !rect)
+        throw OrvaneError::invalidArguments(u"app_name, x, y, width, height are all required"_s);
+    const WindowInfo window = findWindow(*appName);
+    const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
+    const QImage crop = cropWindow(captured, rect->asPoints());
+    const EncodedCapture encoded = m_files.encode(crop);
+    m_files.save(encoded, *appName, u"-region"_s);
+
+    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) +
+                         u" "_s + QString::number(rect->width) + u"x"_s + QString::number(rect->height) +
+                         u") of "_s + window.appName + u" - "_s + window.windowTitle + u". Returned image: "_s +
+                         QString::number(encoded.agentSize.width()) + u"×"_s +
+                         QString::number(encoded.agentSize.height()) + u" px."_s;
+    return ToolResult::textWithImage(text, encoded.agentPng);
+}
+
+QJsonObject ToolHandler::captureRegion(const QJsonObject& arguments) {
+    const auto rect = readRect(TypedObject(arguments));
+    if (!rect)
+        throw OrvaneError::invalidArguments(
+            u"x, y, width, height are all required as integers"_s);
+    const QImage image = m_screenCapture.captureRegion(rect->x, rect->y, rect->width, rect->height, false);
+    const EncodedCapture encoded = m_files.encode(image);
+    m_files.save(encoded, std::nullopt, u"-region"_s);
+
+    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) +
+                         u") "_s + QString::number(rect->width) + u"x"_s + QString::number(rect->height) +
+                         u". Returned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
+                         QString::number(encoded.agentSize.height()) + u" px."_s;
+    return ToolResult::textWithImage(text, encoded.agentPng);
+}
+
+QJsonObject ToolHandler::captureDiff(const QJsonObject& arguments) {
+    const QString appName = requireAppName(arguments);
+    const WindowInfo window = findWindow(appName);
+    const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
+    const EncodedCapture encoded = m_files.encode(captured.image);
+    const PendingDiff latest{.agentPng = encoded.agentPng, .timestamp = m_clock()};
+    const std::optional<PendingDiff> before = exchangeDiff(appName.toLower(), latest);
+    m_files.save(encoded, appName, before ? u"-after"_s : u"-before"_s);
+
+    const QString nameAndSize = window.appName + u" ("_s + QString::number(captured.width) + u"x"_s +
+                                QString::number(captured.height) + u")"_s;
+    if (!before) {
+        return ToolResult::text(u"Stored 'before' snapshot of "_s + nameAndSize +
+                                u". Make your changes, then call capture_diff again with the same app_name to "_s
+                                u"get the before/after comparison."_s);
+    }
+    return ToolResult::textWithImages(u"BEFORE ("_s + isoTime(before->timestamp) + u") and AFTER ("_s +
+                                          isoTime(latest.timestamp) + u") of "_s + nameAndSize,
+                                      before->agentPng, latest.agentPng);
+}
+
+WindowInfo ToolHandler::findWindow(const QString& appName, const std::function<QString()>& notFound) {
+    const std::vector<WindowInfo> windows = m_discovery.findWindows(appName);
+    if (windows.empty())
+        throw OrvaneError::invalidArguments(notFound());
+    return windows.front();
+}
+
+WindowInfo ToolHandler::findWindow(const QString& appName) {
+    return findWindow(appName, [&] { return u"No window found for '"_s + appName + u"'"_s; });
+}
+
+std::optional<ToolHandler::PendingDiff> ToolHandler::exchangeDiff(const QString& key,
+                                                                  const PendingDiff& latest) {
+    const std::scoped_lock lock(m_mutex);
+    const auto stored = m_diffStore.constFind(key);
+    if (stored == m_diffStore.constEnd()) {
+        m_diffStore.insert(key, latest);
+        return std::nullopt;
+    }
+    const PendingDiff before = *stored;
+    m_diffStore.erase(stored);
+    return before;
+}
+
+} // namespace orvane

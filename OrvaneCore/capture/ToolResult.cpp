@@ -1,0 +1,45 @@
+#include "OrvaneCore/capture/ToolResult.h"
+
+#include <QJsonArray>
+
+namespace orvane::ToolResult {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonObject textItem(const QString& text) {
+    return {{u"type"_s, u"text"_s}, {u"text"_s, text}};
+}
+
+QJsonObject imageItem(const QByteArray& png) {
+    return {{u"type"_s, u"image"_s},
+            {u"data"_s, QString::fromLatin1(png.toBase64())},
+            {u"mimeType"_s, u"image/png"_s}};
+}
+
+QJsonObject content(const QJsonArray& items) {
+    return {{u"content"_s, items}};
+}
+
+} // namespace
+
+QJsonObject text(const QString& text) {
+    return content({textItem(text)});
+}
+
+QJsonObject textWithImage(const QString& text, const QByteArray& png) {
+    return content({textItem(text), imageItem(png)});
+}
+
+QJsonObject textWithImages(const QString& text, const QByteArray& firstPng, const QByteArray& secondPng) {
+    return content({textItem(text), imageItem(firstPng), imageItem(secondPng)});
+}
+
+QJsonObject error(const QString& message) {
+    QJsonObject result = text(u"Error: "_s + message);
+    result.insert(u"isError"_s, true);
+    return result;
+}
+
+} // namespace orvane::ToolResult

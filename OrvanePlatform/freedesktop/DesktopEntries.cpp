@@ -1,0 +1,150 @@
+#include "OrvanePlatform/freedesktop/DesktopEntries.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace orvane::freedesktop {
+
+namespace {
+
+const QLatin1String fileEnding(".desktop");
+
+/// The forms in which a localised key may be given, the best first: lang_COUNTRY@MODIFIER, lang_COUNTRY,
+/// lang@MODIFIER, lang.
+QStringList localeForms(const QString& locale) {
+    const QString modifier = locale.contains(u'@') ? locale.mid(locale.indexOf(u'@')) : QString();
+    const QString withoutModifier = locale.left(locale.size() - modifier.size());
+    const QString languageAndCountry = withoutModifier.section(u'.', 0, 0);
+    const QString language = languageAndCountry.section(u'_', 0, 0);
+    QStringList forms{languageAndCountry + modifier, languageAndCountry, language + modifier, language};
+    forms.removeDuplicates();
+    return forms;
+}
+
+QString unescaped(const QString& value) {
+    QString result;
+    result.reserve(value.size());
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        const QChar next = i + 1 < value.size() ? value[i + 1] : QChar();
+        if (value[i] != u'\\' || next.isNull()) {
+            result += value[i];
+            continue;
+        }
+        ++i;
+        result += next == u's' ? QChar(u' ') : next == u'n' ? QChar(u'\n') : next == u't' ? QChar(u'\t') : next;
+    }
+    return result;
+}
+
+qint64 stampOf(const QString& folder) {
+    return QFileInfo(folder).lastModified().toMSecsSinceEpoch();
+}
+
+} // namespace
+
+std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArray& contents,
+                                              const QString& locale) {
+    QHash<QString, QString> values;
+    bool inGroup = false;
+    for (const QByteArray& rawLine : contents.split('\n')) {
+        const QByteArray line = rawLine.trimmed();
+        if (line.startsWith('[')) {
+            inGroup = line == "[Desktop Entry]";
+            continue;
+        }
+        const qsizetype equals = line.indexOf('=');
+        if (!inGroup || equals <= 0 || line.startsWith('#'))
+            continue;
+        const QString key = QString::fromUtf8(line.left(equals)).trimmed();
+        if (!values.contains(key))
+            values.insert(key, unescaped(QString::fromUtf8(line.mid(equals + 1)).trimmed()));
+    }
+
+    DesktopEntry entry{.id = id, .name = {}, .startupWMClass = values.value(QStringLiteral("StartupWMClass"))};
+    for (const QString& form : localeForms(locale)) {
+        entry.name = values.value(QStringLiteral("Name[%1]").arg(form));
+        if (!entry.name.isEmpty())
+            break;
+    }
+    if (entry.name.isEmpty())
+        entry.name = values.value(QStringLiteral("Name"));
+    const bool application = values.value(QStringLiteral("Type")) == u"Application";
+    const bool deleted = values.value(QStringLiteral("Hidden")) == u"true";
+    if (!application || deleted || entry.name.isEmpty())
+        return std::nullopt;
+    return entry;
+}
+
+DesktopEntries::DesktopEntries(QStringList folders, QString locale)
+    : m_folders(std::move(folders))
+    , m_locale(std::move(locale)) {}
+
+QStringList DesktopEntries::standardFolders() {
+    return QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
+}
+
+QString DesktopEntries::processLocale() {
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const QString value = qEnvironmentVariable(variable);
+        if (!value.isEmpty())
+            return value;
+    }
+    return QStringLiteral("C");
+}
+
+std::optional<QString> DesktopEntries::applicationName(const QString& instanceName, const QString& className) {
+    const std::scoped_lock lock(m_mutex);
+    refreshIfChanged();
+    for (const auto* names : {&m_nameByWMClass, &m_nameById}) {
+        for (const QString& key : {className.toLower(), instanceName.toLower()}) {
+            const auto name = names->constFind(key);
+            if (!key.isEmpty() && name != names->constEnd())
+                return *name;
+        }
+    }
+    return std::nullopt;
+}
+
+void DesktopEntries::refreshIfChanged() {
+    QList<qint64> stamps;
+    stamps.reserve(m_folders.size());
+    for (const QString& folder : m_folders)
+        stamps.append(stampOf(folder));
+    if (stamps == m_stamps)
+        return;
+    m_stamps = stamps;
+    m_nameByWMClass.clear();
+    m_nameById.clear();
+    for (const QString& folder : m_folders)
+        addFolder(folder);
+}
+
+void DesktopEntries::addFolder(const QString& folder) {
+    QDirIterator files(folder, {u'*' + fileEnding}, QDir::Files, QDirIterator::Subdirectories);
+    QStringList paths;
+    while (files.hasNext())
+        paths.append(files.next());
+    paths.sort();
+    for (const QString& path : paths) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        QString id = QDir(folder).relativeFilePath(path).replace(u'/', u'-');
+        id.chop(fileEnding.size());
+        const auto entry = parseDesktopEntry(id, file.readAll(), m_locale);
+        if (!entry)
+            continue;
+        // An earlier folder is the more important one, so the first name for a key stays.
+        if (!m_nameById.contains(id.toLower()))
+            m_nameById.insert(id.toLower(), entry->name);
+        const QString windowClass = entry->startupWMClass.toLower();
+        if (!windowClass.isEmpty() && !m_nameByWMClass.contains(windowClass))
+            m_nameByWMClass.insert(windowClass, entry->name);
+    }
+}
+
+} // namespace orvane::freedesktop

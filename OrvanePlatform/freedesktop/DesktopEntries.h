@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <mutex>
+#include <optional>
+
+namespace orvane::freedesktop {
+
+/// One installed application (Desktop Entry Specification 1.5), the parts that name its windows.
+struct DesktopEntry {
+    /// The file's name relative to its applications folder, '/' as '-', without ".desktop".
+    QString id;
+    QString name;
+    QString startupWMClass;
+};
+
+/// Reads the [Desktop Entry] group. `locale` is as in LC_MESSAGES, for example "pt_BR.UTF-8".
+/// Nothing when it is not an application with a name, or is marked deleted (Hidden).
+std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArray& contents,
+                                              const QString& locale);
+
+/// The names of installed applications by the class of their windows. Read at the first question and again
+/// when an applications folder has changed. Any thread.
+class DesktopEntries {
+public:
+    /// `folders` are applications folders, the most important first.
+    DesktopEntries(QStringList folders, QString locale);
+
+    /// The folders the XDG Base Directory Specification names, and the locale of this process.
+    static QStringList standardFolders();
+    static QString processLocale();
+
+    /// The name of the application with such windows (the two parts of WM_CLASS): by StartupWMClass, else by
+    /// desktop id, letter case ignored. Never by executable: an interpreter is not an application.
+    std::optional<QString> applicationName(const QString& instanceName, const QString& className);
+
+private:
+    void refreshIfChanged();
+    void addFolder(const QString& folder);
+
+    const QStringList m_folders;
+    const QString m_locale;
+    std::mutex m_mutex;
+    QList<qint64> m_stamps;
+    QHash<QString, QString> m_nameByWMClass;
+    QHash<QString, QString> m_nameById;
+};
+
+} // namespace orvane::freedesktop

@@ -1,0 +1,164 @@
+#include "OrvanePlatform/x11/DesktopComposer.h"
+
+#include "OrvanePlatform/x11/ManagedWindows.h"
+#include "OrvanePlatform/x11/Properties.h"
+#include "OrvanePlatform/x11/TopLevelPixels.h"
+
+#include <QPainter>
+#include <QRegion>
+#include <QSet>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+#include <xcb/composite.h>
+#include <xcb/xfixes.h>
+
+namespace orvane::x11 {
+
+namespace {
+
+constexpr double fullyOpaque = 0xffffffff;
+
+struct TopLevel {
+    xcb_window_t window;
+    QRect rect;
+};
+
+/// The window a compositor draws the screen on. It belongs to the server and shows everything, so it is part of
+/// no picture made of the windows themselves.
+xcb_window_t overlayWindow(const X11Connection& connection, const Redirection& redirection) {
+    if (!redirection.composited())
+        return XCB_WINDOW_NONE;
+    const auto reply = connection.reply<xcb_composite_get_overlay_window_reply>(
+        xcb_composite_get_overlay_window(connection.raw(), connection.root()));
+    xcb_composite_release_overlay_window(connection.raw(), connection.root());
+    return reply ? reply->overlay_win : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+/// The visible children of the root window, bottom to top.
+std::vector<TopLevel> visibleTopLevels(const X11Connection& connection) {
+    const auto tree =
+        connection.reply<xcb_query_tree_reply>(xcb_query_tree(connection.raw(), connection.root()));
+    if (!tree)
+        return {};
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    const auto count = static_cast<size_t>(xcb_query_tree_children_length(tree.get()));
+    std::vector<xcb_get_window_attributes_cookie_t> attributeCookies;
+    std::vector<xcb_get_geometry_cookie_t> geometryCookies;
+    for (size_t i = 0; i < count; ++i) {
+        attributeCookies.push_back(xcb_get_window_attributes(connection.raw(), children[i]));
+        geometryCookies.push_back(xcb_get_geometry(connection.raw(), children[i]));
+    }
+    std::vector<TopLevel> topLevels;
+    for (size_t i = 0; i < count; ++i) {
+        const auto attributes = connection.reply<xcb_get_window_attributes_reply>(attributeCookies[i]);
+        const auto geometry = connection.reply<xcb_get_geometry_reply>(geometryCookies[i]);
+        if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+            attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT)
+            continue;
+        const int borders = 2 * geometry->border_width;
+        topLevels.push_back({children[i], QRect(geometry->x, geometry->y, geometry->width + borders,
+                                                geometry->height + borders)});
+    }
+    return topLevels;
+}
+
+/// The top-level windows of this process: those it made itself and the frames around its managed ones.
+QSet<xcb_window_t> ownTopLevels(const X11Connection& connection, const std::vector<TopLevel>& topLevels) {
+    const qint32 self = ::getpid();
+    QSet<xcb_window_t> own;
+    for (const TopLevel& topLevel : topLevels) {
+        if (processOf(connection, topLevel.window) == self)
+            own.insert(topLevel.window);
+    }
+    for (const ManagedWindow& window : readManagedWindows(connection)) {
+        if (window.pid == self)
+            own.insert(window.placement.frame);
+    }
+    return own;
+}
+
+/// The visible shape of a window (SHAPE extension), in root-window pixels.
+QRegion shapeOf(const X11Connection& connection, const TopLevel& topLevel) {
+    if (!connection.extensions().xfixes)
+        return topLevel.rect;
+    const xcb_xfixes_region_t id = xcb_generate_id(connection.raw());
+    xcb_xfixes_create_region_from_window(connection.raw(), id, topLevel.window, XCB_SHAPE_SK_BOUNDING);
+    const auto reply =
+        connection.reply<xcb_xfixes_fetch_region_reply>(xcb_xfixes_fetch_region(connection.raw(), id));
+    xcb_xfixes_destroy_region(connection.raw(), id);
+    if (!reply)
+        return topLevel.rect;
+    QRegion region;
+    const xcb_rectangle_t* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
+    for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i)
+        region += QRect(rectangles[i].x, rectangles[i].y, rectangles[i].width, rectangles[i].height);
+    return region.translated(topLevel.rect.topLeft());
+}
+
+void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
+                    const QRect& area) {
+    std::optional<uint32_t> pixmap;
+    for (const xcb_atom_t property : {connection.atoms().rootPixmapId, connection.atoms().esetrootPixmapId}) {
+        if (!pixmap)
+            pixmap = requestProperty(connection, connection.root(), property).number();
+    }
+    if (!pixmap)
+        return;
+    const auto geometry =
+        connection.reply<xcb_get_geometry_reply>(xcb_get_geometry(connection.raw(), *pixmap));
+    if (!geometry || geometry->width == 0 || geometry->height == 0)
+        return;
+    const auto tile = reader.read(*pixmap, QRect(0, 0, geometry->width, geometry->height), geometry->depth,
+                                  connection.screen().root_visual, Alpha::ignored);
+    if (tile) {
+        // The root window repeats its background from its own corner on.
+        for (int y = 0; y <= area.bottom(); y += tile->height()) {
+            for (int x = 0; x <= area.right(); x += tile->width())
+                painter.drawImage(x, y, *tile);
+        }
+    }
+}
+
+} // namespace
+
+bool ownWindowsLieOn(const X11Connection& connection, const QRect& area) {
+    const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
+    const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
+    return std::any_of(topLevels.begin(), topLevels.end(), [&](const TopLevel& topLevel) {
+        return own.contains(topLevel.window) && topLevel.rect.intersects(area);
+    });
+}
+
+QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader, Redirection& redirection,
+                                const QRect& area) {
+    const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
+    const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
+    const xcb_window_t overlay = overlayWindow(connection, redirection);
+    const Alpha alpha = redirection.composited() ? Alpha::counts : Alpha::ignored;
+
+    QImage picture(area.size(), QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    painter.translate(-area.topLeft());
+    paintWallpaper(painter, connection, reader, area);
+    for (const TopLevel& topLevel : topLevels) {
+        if (topLevel.window == overlay || own.contains(topLevel.window) || !topLevel.rect.intersects(area))
+            continue;
+        redirection.prepare(topLevel.window);
+        const auto opacity =
+            requestProperty(connection, topLevel.window, connection.atoms().netWmWindowOpacity).number();
+        const QRect visible = topLevel.rect & area;
+        const auto pixels = readTopLevel(connection, reader, topLevel.window, visible, alpha);
+        if (!pixels)
+            continue;
+        painter.setClipRegion(shapeOf(connection, topLevel));
+        painter.setOpacity(opacity && alpha == Alpha::counts ? *opacity / fullyOpaque : 1.0);
+        painter.drawImage(visible.topLeft(), *pixels);
+    }
+    return picture;
+}
+
+} // namespace orvane::x11

@@ -1,0 +1,149 @@
+#include "OrvanePlatform/x11/ManagedWindows.h"
+
+#include "OrvanePlatform/x11/Properties.h"
+
+#include <QList>
+
+#include <algorithm>
+
+#include <xcb/res.h>
+
+namespace orvane::x11 {
+
+namespace {
+
+constexpr uint32_t allDesktops = 0xffffffffU;
+// WM_STATE values of ICCCM 2.0, section 4.1.3.1.
+constexpr uint32_t iconicState = 3;
+
+bool contains(const std::vector<uint32_t>& atoms, xcb_atom_t atom) {
+    return std::find(atoms.begin(), atoms.end(), atom) != atoms.end();
+}
+
+std::optional<xcb_res_query_client_ids_cookie_t> requestProcess(const X11Connection& connection,
+                                                                xcb_window_t window) {
+    if (!connection.extensions().resourceClientIds)
+        return std::nullopt;
+    const xcb_res_client_id_spec_t spec{.client = window, .mask = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    return xcb_res_query_client_ids(connection.raw(), 1, &spec);
+}
+
+qint32 readProcess(const X11Connection& connection,
+                   const std::optional<xcb_res_query_client_ids_cookie_t>& cookie) {
+    if (!cookie)
+        return 0;
+    const auto reply = connection.reply<xcb_res_query_client_ids_reply>(*cookie);
+    if (!reply)
+        return 0;
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0;
+         xcb_res_client_id_value_next(&it)) {
+        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(it.data) > 0)
+            return static_cast<qint32>(*xcb_res_client_id_value_value(it.data));
+    }
+    return 0;
+}
+
+struct WindowRequests {
+    std::optional<xcb_res_query_client_ids_cookie_t> process;
+    PendingProperty netWmPid;
+    PendingProperty netWmName;
+    PendingProperty wmName;
+    PendingProperty wmClass;
+    PendingProperty windowType;
+    PendingProperty netWmState;
+    PendingProperty wmState;
+    PendingProperty desktop;
+};
+
+WindowRequests requestWindow(const X11Connection& connection, xcb_window_t client) {
+    const Atoms& atoms = connection.atoms();
+    const auto property = [&](xcb_atom_t atom) { return requestProperty(connection, client, atom); };
+    return {requestProcess(connection, client), property(atoms.netWmPid),
+            property(atoms.netWmName),          property(XCB_ATOM_WM_NAME),
+            property(XCB_ATOM_WM_CLASS),        property(atoms.netWmWindowType),
+            property(atoms.netWmState),         property(atoms.wmState),
+            property(atoms.netWmDesktop)};
+}
+
+ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, const WindowRequests& requests,
+                         const WindowPlacement& placement, uint32_t currentDesktop) {
+    const Atoms& atoms = connection.atoms();
+    ManagedWindow window;
+    window.client = client;
+    window.placement = placement;
+
+    // The server's word comes first: a window of a sandboxed program tells the number of another name space.
+    window.pid = readProcess(connection, requests.process);
+    const auto toldPid = requests.netWmPid.number();
+    if (window.pid == 0)
+        window.pid = static_cast<qint32>(toldPid.value_or(0));
+
+    const QString netTitle = requests.netWmName.text();
+    const QString oldTitle = requests.wmName.text();
+    window.title = netTitle.isEmpty() ? oldTitle : netTitle;
+
+    const QList<QByteArray> classParts = requests.wmClass.bytes().split('\0');
+    window.instanceName = QString::fromLatin1(classParts.value(0));
+    window.className = QString::fromLatin1(classParts.value(1));
+
+    const std::vector<uint32_t> types = requests.windowType.numbers();
+    const std::vector<uint32_t> states = requests.netWmState.numbers();
+    // The types come in order of preference; the first one says what the window is.
+    const xcb_atom_t type = types.empty() ? xcb_atom_t(XCB_ATOM_NONE) : types.front();
+    const bool skipsTaskList = contains(states, atoms.netWmStateSkipTaskbar);
+    window.desktopPart = type != XCB_ATOM_NONE &&
+                         (type == atoms.netWmWindowTypeDesktop || type == atoms.netWmWindowTypeDock);
+    window.floating = type != XCB_ATOM_NONE && (type == atoms.netWmWindowTypeUtility ||
+                                                type == atoms.netWmWindowTypeToolbar ||
+                                                type == atoms.netWmWindowTypeSplash);
+    window.floating = window.floating || (skipsTaskList && contains(states, atoms.netWmStateAbove));
+    window.inTaskList = !window.desktopPart && !skipsTaskList;
+
+    const uint32_t wmState = requests.wmState.number().value_or(0);
+    const uint32_t desktop = requests.desktop.number().value_or(allDesktops);
+    window.onScreen = placement.viewable && wmState != iconicState &&
+                      !contains(states, atoms.netWmStateHidden) &&
+                      (desktop == allDesktops || desktop == currentDesktop);
+    return window;
+}
+
+} // namespace
+
+std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection) {
+    const Atoms& atoms = connection.atoms();
+    const auto clientList = requestProperty(connection, connection.root(), atoms.netClientList);
+    const auto currentDesktop = requestProperty(connection, connection.root(), atoms.netCurrentDesktop);
+    const std::vector<xcb_window_t> clients = clientList.numbers();
+    const uint32_t desktop = currentDesktop.number().value_or(0);
+
+    std::vector<WindowRequests> requests;
+    requests.reserve(clients.size());
+    for (const xcb_window_t client : clients)
+        requests.push_back(requestWindow(connection, client));
+    const auto placements = readPlacements(connection, clients);
+
+    std::vector<ManagedWindow> windows;
+    windows.reserve(clients.size());
+    for (size_t i = 0; i < clients.size(); ++i) {
+        // The answers are fetched for a window that is gone, too: what is asked for must be taken.
+        ManagedWindow window = readWindow(connection, clients[i], requests[i],
+                                          placements[i].value_or(WindowPlacement()), desktop);
+        if (placements[i])
+            windows.push_back(std::move(window));
+    }
+    return windows;
+}
+
+std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection) {
+    std::vector<xcb_window_t> order =
+        requestProperty(connection, connection.root(), connection.atoms().netClientListStacking).numbers();
+    std::reverse(order.begin(), order.end());
+    return order;
+}
+
+qint32 processOf(const X11Connection& connection, xcb_window_t window) {
+    return readProcess(connection, requestProcess(connection, window));
+}
+
+} // namespace orvane::x11

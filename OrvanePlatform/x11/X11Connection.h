@@ -1,0 +1,92 @@
+#pragma once
+
+#include "OrvaneCore/platform/PlatformError.h"
+#include "OrvanePlatform/x11/Atoms.h"
+
+#include <QString>
+
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
+
+#include <xcb/xcb.h>
+
+namespace orvane::x11 {
+
+struct FreeDeleter {
+    void operator()(void* pointer) const { std::free(pointer); }
+};
+
+/// Owns a reply (or error) that xcb allocated.
+template <typename T>
+using Owned = std::unique_ptr<T, FreeDeleter>;
+
+/// Which of the extensions this program can use are there.
+struct Extensions {
+    bool composite = false;
+    bool damage = false;
+    bool randrMonitors = false;
+    bool resourceClientIds = false;
+    bool sharedMemory = false;
+    bool xfixes = false;
+};
+
+/// One connection to an X server. Any thread: xcb serialises requests, and each reply goes to the thread that
+/// asked for it. No events are selected on it.
+class X11Connection {
+public:
+    /// Connects to the server that DISPLAY names. Throws PlatformError with a sentence naming the display when
+    /// it does not answer within `timeoutSeconds`.
+    static std::shared_ptr<X11Connection> open(double timeoutSeconds = 5.0);
+
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    xcb_connection_t* raw() const { return m_connection; }
+    const xcb_setup_t& setup() const { return *xcb_get_setup(m_connection); }
+    const xcb_screen_t& screen() const { return *m_screen; }
+    int screenNumber() const { return m_screenNumber; }
+    xcb_window_t root() const { return m_screen->root; }
+    const Atoms& atoms() const { return m_atoms; }
+    const Extensions& extensions() const { return m_extensions; }
+
+    /// True once the server is gone or `abandon` was called; the connection is of no use from then on.
+    bool lost() const;
+
+    /// Ends the connection under all threads that wait for a reply on it: they get an error at once.
+    void abandon();
+
+    /// Waits for the reply to a request, for example `reply<xcb_get_geometry_reply>(cookie)`.
+    /// Null when the server refused this request (the window is gone, say); throws PlatformError when the
+    /// connection is lost.
+    template <auto ReplyFunction, typename Cookie>
+    auto reply(Cookie cookie) const {
+        using Result = std::remove_pointer_t<std::invoke_result_t<
+            decltype(ReplyFunction), xcb_connection_t*, Cookie, xcb_generic_error_t**>>;
+        xcb_generic_error_t* error = nullptr;
+        Owned<Result> result(ReplyFunction(m_connection, cookie, &error));
+        Owned<xcb_generic_error_t> ownedError(error);
+        if (!result)
+            throwIfLost();
+        return result;
+    }
+
+    /// Waits until the server has dealt with everything sent so far, and drops errors and events that came.
+    /// Throws PlatformError when the connection is lost.
+    void sync() const;
+
+    void throwIfLost() const;
+
+private:
+    X11Connection(xcb_connection_t* connection, int screenNumber);
+    void queryExtensions();
+
+    xcb_connection_t* m_connection;
+    int m_screenNumber;
+    xcb_screen_t* m_screen = nullptr;
+    Atoms m_atoms;
+    Extensions m_extensions;
+};
+
+} // namespace orvane::x11

@@ -1,0 +1,152 @@
+#include "OrvanePlatform/x11/X11WindowServer.h"
+
+#include "OrvanePlatform/x11/ManagedWindows.h"
+#include "OrvanePlatform/x11/Properties.h"
+#include "OrvanePlatform/x11/X11Displays.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace orvane::x11 {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// How long an application may take to come to the front before the caller goes on without it.
+constexpr auto activationLimit = 500ms;
+constexpr auto activationPoll = 4ms;
+
+/// The rank of each client from the front; clients the window manager did not stack come last.
+QHash<xcb_window_t, qsizetype> frontRanks(const std::vector<xcb_window_t>& frontToBack) {
+    QHash<xcb_window_t, qsizetype> ranks;
+    for (const xcb_window_t client : frontToBack)
+        ranks.insert(client, ranks.size());
+    return ranks;
+}
+
+/// The one client message of EWMH 1.5 that asks for attention on behalf of a pager (source indication 2).
+void sendActivate(const X11Connection& connection, xcb_window_t client, xcb_window_t nowActive) {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = client;
+    event.type = connection.atoms().netActiveWindow;
+    event.data.data32[0] = 2;
+    event.data.data32[1] = XCB_CURRENT_TIME;
+    event.data.data32[2] = nowActive;
+    xcb_send_event(connection.raw(), 0, connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+}
+
+xcb_window_t activeWindow(const X11Connection& connection) {
+    return requestProperty(connection, connection.root(), connection.atoms().netActiveWindow)
+        .number()
+        .value_or(XCB_WINDOW_NONE);
+}
+
+std::optional<QString> optionalText(const QString& text) {
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+} // namespace
+
+WindowSnapshot X11WindowServer::snapshot(std::stop_token stop) {
+    const auto connection = m_session.connection();
+    const std::stop_callback abandon(stop, [&connection] { connection->abandon(); });
+
+    const ScreenLayout layout = readScreenLayout(*connection);
+    std::vector<ManagedWindow> windows = readManagedWindows(*connection);
+    const auto nameOf = [this](const ManagedWindow& window) {
+        return optionalText(m_entries.applicationName(window.instanceName, window.className)
+                                .value_or(window.className));
+    };
+
+    WindowSnapshot snapshot;
+    QHash<qint32, size_t> applicationOf;
+    for (const ManagedWindow& window : windows) {
+        if (!window.inTaskList || window.pid == 0 || applicationOf.contains(window.pid))
+            continue;
+        applicationOf.insert(window.pid, snapshot.applications.size());
+        snapshot.applications.push_back({.pid = window.pid, .localizedName = nameOf(window), .windows = {}});
+    }
+
+    const auto ranks = frontRanks(readStackingOrder(*connection));
+    std::stable_sort(windows.begin(), windows.end(), [&ranks](const auto& a, const auto& b) {
+        return ranks.value(a.client, ranks.size()) < ranks.value(b.client, ranks.size());
+    });
+    for (const ManagedWindow& window : windows) {
+        const QRectF boundsPoints = layout.toPoints(window.placement.visibleRect);
+        const auto application = applicationOf.constFind(window.pid);
+        if (application != applicationOf.constEnd()) {
+            snapshot.applications[*application].windows.push_back(
+                {.handle = window.client,
+                 .role = window.desktopPart ? WindowRole::other : WindowRole::window,
+                 .floating = window.floating,
+                 .boundsPoints = boundsPoints,
+                 .title = window.title});
+        }
+        if (window.onScreen && !window.desktopPart && window.pid != 0) {
+            const auto owner = application != applicationOf.constEnd()
+                                   ? snapshot.applications[*application].localizedName
+                                   : nameOf(window);
+            snapshot.onScreen.push_back({.windowId = window.client,
+                                         .pid = window.pid,
+                                         .ownerName = owner,
+                                         .title = optionalText(window.title),
+                                         .boundsPoints = boundsPoints});
+        }
+    }
+    return snapshot;
+}
+
+std::optional<QRectF> X11WindowServer::bounds(qint64 windowId) {
+    const auto connection = m_session.connection();
+    const auto placement = readPlacements(*connection, {static_cast<xcb_window_t>(windowId)}).front();
+    if (!placement || !placement->viewable)
+        return std::nullopt;
+    return readScreenLayout(*connection).toPoints(placement->visibleRect);
+}
+
+void X11WindowServer::activate(const RunningApplication& application, const std::vector<qint64>& handles) {
+    if (handles.empty())
+        return;
+    const auto connection = m_session.connection();
+    // The rear-most first, so that the front one ends in front.
+    for (auto handle = handles.rbegin(); handle != handles.rend(); ++handle) {
+        const uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(*handle),
+                             XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    }
+    sendActivate(*connection, static_cast<xcb_window_t>(handles.front()), activeWindow(*connection));
+    connection->sync();
+
+    const auto isOurs = [&application](xcb_window_t window) {
+        return std::any_of(application.windows.begin(), application.windows.end(),
+                           [window](const ApplicationWindow& own) { return own.handle == window; });
+    };
+    const auto limit = std::chrono::steady_clock::now() + activationLimit;
+    while (!isOurs(activeWindow(*connection)) && std::chrono::steady_clock::now() < limit)
+        std::this_thread::sleep_for(activationPoll);
+}
+
+std::optional<QString> X11WindowServer::unavailableReason() {
+    try {
+        const auto connection = m_session.connection();
+        const auto manager =
+            requestProperty(*connection, connection->root(), connection->atoms().netSupportingWmCheck);
+        if (!manager.number())
+            return QStringLiteral("No window manager runs on the display \"%1\", so its windows cannot be "
+                                  "told apart. Start one that follows EWMH.")
+                .arg(qEnvironmentVariable("DISPLAY"));
+        return std::nullopt;
+    } catch (const PlatformError& error) {
+        return error.message();
+    }
+}
+
+} // namespace orvane::x11
