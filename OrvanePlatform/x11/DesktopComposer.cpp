@@ -4,6 +4,7 @@
 #include "OrvanePlatform/x11/Properties.h"
 #include "OrvanePlatform/x11/TopLevelPixels.h"
 
+#include <QBrush>
 #include <QPainter>
 #include <QRegion>
 #include <QSet>
@@ -98,28 +99,48 @@ QRegion shapeOf(const X11Connection& connection, const TopLevel& topLevel) {
     return region.translated(topLevel.rect.topLeft());
 }
 
-void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
-                    const QRect& area) {
+/// The wallpaper where a property names it, as a tile that repeats from the root window's corner on.
+std::optional<QImage> namedWallpaper(const X11Connection& connection, PixelReader& reader) {
     std::optional<uint32_t> pixmap;
     for (const xcb_atom_t property : {connection.atoms().rootPixmapId, connection.atoms().esetrootPixmapId}) {
         if (!pixmap)
             pixmap = requestProperty(connection, connection.root(), property).number();
     }
     if (!pixmap)
-        return;
+        return std::nullopt;
     const auto geometry =
         connection.reply<xcb_get_geometry_reply>(xcb_get_geometry(connection.raw(), *pixmap));
-    if (!geometry || geometry->width == 0 || geometry->height == 0)
-        return;
-    const auto tile = reader.read(*pixmap, QRect(0, 0, geometry->width, geometry->height), geometry->depth,
-                                  connection.screen().root_visual, Alpha::ignored);
-    if (tile) {
-        // The root window repeats its background from its own corner on.
-        for (int y = 0; y <= area.bottom(); y += tile->height()) {
-            for (int x = 0; x <= area.right(); x += tile->width())
-                painter.drawImage(x, y, *tile);
-        }
-    }
+    if (!geometry)
+        return std::nullopt;
+    return reader.read(*pixmap, QRect(0, 0, geometry->width, geometry->height), geometry->depth,
+                       connection.screen().root_visual, Alpha::ignored);
+}
+
+/// The root window's own background, which the protocol cannot tell: a window that takes its background from
+/// the root window is shown to nobody (redirected, at the very bottom) and read.
+std::optional<QImage> rootBackground(const X11Connection& connection, PixelReader& reader, const QRect& area) {
+    const xcb_window_t probe = xcb_generate_id(connection.raw());
+    const uint32_t values[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE, 1};
+    xcb_create_window(connection.raw(), XCB_COPY_FROM_PARENT, probe, connection.root(),
+                      static_cast<int16_t>(area.x()), static_cast<int16_t>(area.y()),
+                      static_cast<uint16_t>(area.width()), static_cast<uint16_t>(area.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_composite_redirect_window(connection.raw(), probe, XCB_COMPOSITE_REDIRECT_MANUAL);
+    const uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(connection.raw(), probe, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    xcb_map_window(connection.raw(), probe);
+    auto background = readTopLevel(connection, reader, probe, area, Alpha::ignored);
+    xcb_destroy_window(connection.raw(), probe);
+    return background;
+}
+
+void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
+                    const QRect& area) {
+    if (const auto tile = namedWallpaper(connection, reader))
+        painter.fillRect(area, QBrush(*tile));
+    else if (const auto background = rootBackground(connection, reader, area))
+        painter.drawImage(area.topLeft(), *background);
 }
 
 } // namespace

@@ -15,12 +15,12 @@ class ScaleFactors {
 public:
     /// What the rules look at: environment variables and the desktop's font resolution.
     struct Inputs {
-        QString scaleFactor;          ///< QT_SCALE_FACTOR
-        QString screenScaleFactors;   ///< QT_SCREEN_SCALE_FACTORS
-        QString highDpiScaling;       ///< QT_ENABLE_HIGHDPI_SCALING
-        QString roundingPolicy;       ///< QT_SCALE_FACTOR_ROUNDING_POLICY
-        QString fontDpi;              ///< QT_FONT_DPI
-        std::optional<int> xftDpi;    ///< The X resource Xft.dpi
+        QString scaleFactor = {}; ///< QT_SCALE_FACTOR
+        QString screenScaleFactors = {}; ///< QT_SCREEN_SCALE_FACTORS
+        QString highDpiScaling = {}; ///< QT_ENABLE_HIGHDPI_SCALING
+        QString roundingPolicy = {}; ///< QT_SCALE_FACTOR_ROUNDING_POLICY
+        QString fontDpi = {}; ///< QT_FONT_DPI
+        std::optional<int> xftDpi = {}; ///< The X resource Xft.dpi
     };
 
     explicit ScaleFactors(const Inputs& inputs);

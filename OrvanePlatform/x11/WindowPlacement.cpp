@@ -93,7 +93,8 @@ std::optional<WindowPlacement> readPlacement(const X11Connection& connection, xc
 QRect visibleRect(const QRect& frameRect, const QRect& clientRect, const std::optional<QMargins>& decorations,
                   const QMargins& shadows) {
     const QRect decorated = decorations ? clientRect.marginsAdded(*decorations) : frameRect;
-    const QRect visible = decorated.marginsRemoved(shadows) & frameRect;
+    const QRect withoutShadows = decorated.marginsRemoved(shadows);
+    const QRect visible = withoutShadows.isEmpty() ? QRect() : withoutShadows & frameRect;
     return visible.isEmpty() ? frameRect : visible;
 }
 

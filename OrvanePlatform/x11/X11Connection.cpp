@@ -134,6 +134,9 @@ void X11Connection::abandon() {
 
 void X11Connection::sync() const {
     reply<xcb_get_input_focus_reply>(xcb_get_input_focus(m_connection));
+}
+
+void X11Connection::dropEvents() const {
     while (Owned<xcb_generic_event_t>(xcb_poll_for_event(m_connection))) {
     }
 }

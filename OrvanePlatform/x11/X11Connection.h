@@ -72,9 +72,12 @@ public:
         return result;
     }
 
-    /// Waits until the server has dealt with everything sent so far, and drops errors and events that came.
-    /// Throws PlatformError when the connection is lost.
+    /// Waits until the server has dealt with everything sent so far. Throws PlatformError when the connection is
+    /// lost.
     void sync() const;
+
+    /// Frees what the server sent unasked: errors of requests without a reply. Nobody waits for those.
+    void dropEvents() const;
 
     void throwIfLost() const;
 

@@ -8,6 +8,7 @@ std::shared_ptr<X11Connection> X11Session::connection() {
         m_connection.reset();
     if (!m_connection)
         m_connection = X11Connection::open();
+    m_connection->dropEvents();
     return m_connection;
 }
 

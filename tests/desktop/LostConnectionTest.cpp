@@ -1,0 +1,78 @@
+// An X server that dies or stops answering is an error, not the end of the program and not a hang.
+#include "OrvaneCore/capture/OrvaneError.h"
+#include "OrvaneCore/platform/PlatformError.h"
+#include "tests/desktop/DesktopFixture.h"
+
+#include <QElapsedTimer>
+
+#include <csignal>
+
+namespace orvane::test {
+
+namespace {
+
+class LostConnection : public DesktopFixture {
+protected:
+    ~LostConnection() override { signalServer(SIGCONT); }
+
+    void signalServer(int signal) { ::kill(static_cast<pid_t>(desktop.xServerPid()), signal); }
+};
+
+} // namespace
+
+TEST_F(LostConnection, IsAnErrorOfACapture) {
+    const TestWindow window;
+    ASSERT_NO_THROW(capture.captureWindow(window.id(), false));
+    signalServer(SIGKILL);
+    EXPECT_THROW(
+        {
+            for (int i = 0; i < 1000; ++i)
+                capture.captureRegion(0, 0, 100, 100, false);
+        },
+        PlatformError);
+    EXPECT_THROW(capture.captureWindow(window.id(), false), PlatformError);
+    EXPECT_TRUE(eventually([this] { return windowServer.unavailableReason().has_value(); }));
+    EXPECT_TRUE(windowServer.unavailableReason()->contains(u"display"_s));
+    EXPECT_TRUE(discovery.listWindows().empty());
+}
+
+TEST_F(LostConnection, EndsAStoppedServersListingAfterFiveSeconds) {
+    const TestWindow window;
+    ASSERT_NO_THROW(capture.captureWindow(window.id(), false));
+    signalServer(SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        capture.captureWindow(window.id(), false);
+        FAIL() << "a stopped server answered";
+    } catch (const OrvaneError& error) {
+        EXPECT_EQ(error.errorCase(), OrvaneError::Case::permissionDenied);
+    }
+    EXPECT_GE(timer.elapsed(), 4900);
+    EXPECT_LT(timer.elapsed(), 9000);
+    signalServer(SIGCONT);
+    EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
+}
+
+TEST_F(LostConnection, DoesNotWaitForeverToConnect) {
+    signalServer(SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(windowServer.unavailableReason());
+    EXPECT_LT(timer.elapsed(), 9000);
+}
+
+TEST(RefusedDisplay, IsAnErrorThatNamesIt) {
+    qputenv("DISPLAY", ":7777");
+    x11::X11Session session;
+    try {
+        session.connection();
+        FAIL() << "there is no such display";
+    } catch (const PlatformError& error) {
+        EXPECT_TRUE(error.message().contains(u":7777"_s));
+    }
+    qunsetenv("DISPLAY");
+    EXPECT_THROW(session.connection(), PlatformError);
+}
+
+} // namespace orvane::test

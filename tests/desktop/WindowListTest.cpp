@@ -1,0 +1,155 @@
+// Which windows an agent is told of, in which order, and raising them.
+#include "tests/desktop/DesktopFixture.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <atomic>
+#include <thread>
+
+namespace orvane::test {
+
+namespace {
+
+class WindowList : public DesktopFixture {
+protected:
+    std::vector<qint64> zOrder() {
+        std::vector<qint64> ids;
+        for (const WindowInfo& info : discovery.listWindowsByZOrder())
+            ids.push_back(info.windowId);
+        return ids;
+    }
+};
+
+} // namespace
+
+TEST_F(WindowList, TellsEverythingOfAWindow) {
+    const TestWindow window({u"--geometry"_s, u"300x200+100+100"_s, u"--title"_s, u"Übersicht — 日本"_s,
+                             u"--class"_s, u"Planner"_s, u"--undecorated"_s});
+    EXPECT_EQ(listed(window), (WindowInfo{u"Planner"_s, u"Übersicht — 日本"_s, qint32(window.pid()), window.id(),
+                                          100, 100, 300, 200, displays.list().front().id, u"0,0,1280,800"_s}));
+}
+
+TEST_F(WindowList, CountsDecorationsAsTheWindow) {
+    const TestWindow window;
+    const WindowInfo info = listed(window).value();
+    EXPECT_GT(info.height, 205);
+    EXPECT_GE(info.width, 300);
+}
+
+TEST_F(WindowList, KnowsTheProcessOfAWindowThatDoesNotTell) {
+    const TestWindow window({u"--no-pid"_s});
+    EXPECT_EQ(listed(window)->pid, window.pid());
+}
+
+TEST_F(WindowList, NamesApplicationsAfterTheirDesktopEntries) {
+    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/applications"_s;
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile entry(folder + u"/org.example.planner.desktop"_s);
+    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
+    entry.write("[Desktop Entry]\nType=Application\nName=Holiday Planner\nStartupWMClass=Planner\nExec=x\n");
+    entry.close();
+    const TestWindow window({u"--class"_s, u"Planner"_s});
+    freedesktop::DesktopEntries fresh(freedesktop::DesktopEntries::standardFolders(), u"C"_s);
+    x11::X11WindowServer server(session, fresh);
+    WindowDiscovery named(server, displays);
+    ASSERT_EQ(named.listWindows().size(), 1U);
+    EXPECT_EQ(named.listWindows().front().appName, u"Holiday Planner");
+}
+
+TEST_F(WindowList, LeavesOutWhatIsNoWindowOfAnApplication) {
+    const TestWindow window;
+    const TestWindow menu({u"--override-redirect"_s});
+    const TestWindow dock({u"--type"_s, u"dock"_s});
+    const TestWindow desktopWindow({u"--type"_s, u"desktop"_s});
+    const std::vector<WindowInfo> windows = discovery.listWindows();
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_EQ(windows.front().windowId, window.id());
+    EXPECT_EQ(zOrder(), std::vector{window.id()});
+}
+
+TEST_F(WindowList, LeavesFloatingWindowsToTheZOrder) {
+    const TestWindow window;
+    const TestWindow palette({u"--type"_s, u"utility"_s});
+    const TestWindow kept({u"--above-without-taskbar"_s});
+    EXPECT_TRUE(listed(window));
+    EXPECT_FALSE(listed(palette));
+    EXPECT_FALSE(listed(kept));
+    EXPECT_EQ(zOrder().size(), 3U);
+}
+
+TEST_F(WindowList, ListsDialogs) {
+    const TestWindow dialog({u"--type"_s, u"dialog"_s});
+    EXPECT_TRUE(listed(dialog));
+}
+
+TEST_F(WindowList, IsInTheOrderOfAppearanceAndOfTheStack) {
+    const TestWindow first({u"--geometry"_s, u"300x200+10+40"_s, u"--class"_s, u"Zed"_s});
+    const TestWindow second({u"--geometry"_s, u"300x200+50+80"_s, u"--class"_s, u"Abc"_s});
+    EXPECT_EQ(discovery.listWindows()[0].appName, u"Zed");
+    EXPECT_TRUE(eventually([&] { return zOrder() == std::vector{second.id(), first.id()}; }));
+    discovery.activate(u"zed"_s);
+    EXPECT_TRUE(eventually([&] { return zOrder() == std::vector{first.id(), second.id()}; }));
+    EXPECT_EQ(discovery.listWindows()[0].appName, u"Zed");
+}
+
+TEST_F(WindowList, ListsAMinimisedWindowWithoutAnId) {
+    TestWindow window({u"--class"_s, u"Planner"_s});
+    window.command(u"iconify"_s);
+    ASSERT_TRUE(eventually([&] { return zOrder().empty(); }));
+    const std::vector<WindowInfo> windows = discovery.listWindows();
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_EQ(windows.front().appName, u"Planner");
+    EXPECT_EQ(windows.front().windowId, 0);
+    EXPECT_TRUE(eventually([&] { return !discovery.bounds(window.id()); }));
+}
+
+TEST_F(WindowList, BringsAMinimisedWindowBack) {
+    TestWindow window({u"--class"_s, u"Planner"_s});
+    window.command(u"iconify"_s);
+    ASSERT_TRUE(eventually([&] { return zOrder().empty(); }));
+    EXPECT_EQ(discovery.activate(u"plan"_s).message, u"Activated Planner (1 window(s) raised)");
+    EXPECT_TRUE(eventually([&] { return zOrder() == std::vector{window.id()}; }));
+}
+
+TEST_F(WindowList, ActivationShowsOnTheScreenAtOnce) {
+    const auto red = colorWindow(u"300x200+100+100"_s, u"red"_s, {u"--class"_s, u"Red"_s, u"--undecorated"_s});
+    const auto blue = colorWindow(u"300x200+150+150"_s, u"blue"_s, {u"--class"_s, u"Blue"_s, u"--undecorated"_s});
+    ASSERT_TRUE(screenShows({300, 250}, 0xff0000ffU));
+    EXPECT_TRUE(discovery.activate(u"red"_s).success);
+    EXPECT_TRUE(screenShows({300, 250}, 0xffff0000U));
+    EXPECT_EQ(runCommand(u"xdotool"_s, {u"getactivewindow"_s}).trimmed().toLongLong(), red->id());
+}
+
+TEST_F(WindowList, TellsBoundsOfAWindowThatMoved) {
+    TestWindow window({u"--undecorated"_s});
+    EXPECT_EQ(discovery.bounds(window.id()), QRectF(100, 100, 300, 200));
+    window.command(u"move 333 222"_s);
+    EXPECT_TRUE(eventually([&] { return discovery.bounds(window.id()) == QRectF(333, 222, 300, 200); }));
+    EXPECT_EQ(discovery.bounds(12345), std::nullopt);
+}
+
+TEST_F(WindowList, SurvivesWindowsThatComeAndGo) {
+    std::atomic<bool> stop = false;
+    std::jthread churn([&stop] {
+        while (!stop)
+            TestWindow{};
+    });
+    for (int i = 0; i < 300; ++i) {
+        for (const WindowInfo& info : discovery.listWindows())
+            EXPECT_EQ(info.appName, u"TestWindow");
+    }
+    stop = true;
+}
+
+TEST(WindowListWithoutManager, SaysWhatIsMissing) {
+    const VirtualDesktop desktop({u"--no-window-manager"_s, u"--no-compositor"_s});
+    x11::X11Session session;
+    freedesktop::DesktopEntries entries({}, u"C"_s);
+    x11::X11WindowServer server(session, entries);
+    ASSERT_TRUE(server.unavailableReason());
+    EXPECT_TRUE(server.unavailableReason()->contains(u"No window manager"_s));
+    EXPECT_TRUE(server.snapshot({}).onScreen.empty());
+}
+
+} // namespace orvane::test

@@ -1,0 +1,227 @@
+// Every tool through the public SDK on a desktop with windows, and what each makes of bad arguments.
+import assert from "node:assert/strict";
+import { after, before, describe, it } from "node:test";
+import { startDesktop, until } from "./lib/desktop.mjs";
+import { INVALID_ARGUMENTS, call, connect, withProcess } from "./lib/orvane.mjs";
+
+const TOOLS = [
+    ["list_windows"], ["capture_window", "app_name"], ["capture_region", "x", "y", "width", "height"],
+    ["activate_window", "app_name"], ["capture_window_region", "app_name", "x", "y", "width", "height"],
+    ["capture_annotated", "app_name", "regions"], ["capture_diff", "app_name"], ["start_recording", "app_name"],
+    ["stop_recording"], ["poll_recording"], ["read_frame", "frame"], ["get_annotations"],
+    ["annotate_understanding", "strokes"], ["get_annotation_feedback", "sessionId"],
+];
+const NOT_BUILT = ["capture_annotated", "start_recording", "stop_recording", "poll_recording", "read_frame",
+                   "get_annotations", "annotate_understanding", "get_annotation_feedback"];
+const WINDOW_KEYS = ["appName", "windowTitle", "pid", "windowId", "x", "y", "width", "height", "displayId", "displayBounds"];
+
+let desktop;
+let client;
+let alpha;
+let beta;
+before(async () => {
+    desktop = await startDesktop("--size", "1280x800");
+    alpha = await desktop.openWindow({ className: "AlphaTerm", position: [60, 80], size: [500, 300] });
+    beta = await desktop.openWindow({ className: "BetaTerm", position: [300, 200], size: [500, 300], colour: "#602040" });
+    client = await connect(desktop.env);
+});
+after(async () => {
+    await client?.close();
+    await desktop?.stop();
+});
+
+describe("the catalogue", () => {
+    it("lists 14 tools in their order with what they require", async () => {
+        const { tools } = await client.listTools();
+        assert.deepEqual(tools.map((tool) => [tool.name, ...(tool.inputSchema.required ?? [])]), TOOLS);
+        for (const tool of tools) {
+            assert.deepEqual(Object.keys(tool).sort(), ["description", "inputSchema", "name"]);
+            assert.equal(tool.inputSchema.type, "object");
+        }
+    });
+
+    it("belongs to a server that introduces itself", () => {
+        assert.deepEqual(client.getServerVersion(), { name: "orvane", version: "0.1.0" });
+        assert.deepEqual(client.getServerCapabilities(), { tools: { listChanged: false } });
+        assert.equal(client.getInstructions().split("\n\n").length, 4);
+    });
+
+    for (const name of NOT_BUILT) {
+        it(`${name} says that it is not there yet`, async () => {
+            const { error, text } = await call(client, name, { app_name: "AlphaTerm", regions: [], strokes: [] });
+            assert.ok(error);
+            assert.equal(text, `Error: Not available in this build: ${name}`);
+        });
+    }
+
+    it("does not hold a tool of another name", async () => {
+        for (const name of ["", "List_windows", "list_windows ", "../list_windows"]) {
+            assert.equal((await call(client, name)).text, `Error: Unknown tool: ${name}`);
+        }
+    });
+});
+
+describe("list_windows", () => {
+    it("gives both windows with everything an agent needs", async () => {
+        const { error, text } = await call(client, "list_windows");
+        assert.ok(!error, text);
+        const windows = JSON.parse(text);
+        assert.deepEqual(windows.map((window) => window.appName), ["AlphaTerm", "BetaTerm"]);
+        for (const [window, own] of [[windows[0], alpha], [windows[1], beta]]) {
+            assert.deepEqual(Object.keys(window), WINDOW_KEYS);
+            const frame = desktop.frame(own.id);
+            assert.equal(window.windowTitle, own.title);
+            assert.equal(window.pid, own.pid);
+            assert.equal(window.windowId, own.id);
+            assert.deepEqual([window.x, window.y, window.width, window.height],
+                             [frame.x, frame.y, frame.width, frame.height]);
+            assert.equal(window.displayBounds, "0,0,1280,800");
+            assert.ok(Number.isInteger(window.displayId) && window.displayId > 0 && window.displayId < 2 ** 32);
+        }
+    });
+
+    it("does not mind arguments it does not know", async () => {
+        const { error, text } = await call(client, "list_windows", { app_name: 7, more: { deep: [null] } });
+        assert.ok(!error);
+        assert.equal(JSON.parse(text).length, 2);
+    });
+
+    it("sees a window come and go", async () => {
+        const gamma = await desktop.openWindow({ className: "GammaTerm" });
+        const names = async () => JSON.parse((await call(client, "list_windows")).text).map((window) => window.appName);
+        assert.deepEqual(await names(), ["AlphaTerm", "BetaTerm", "GammaTerm"]);
+        await gamma.close();
+        await until("the window is gone from the list", async () => (await names()).length === 2);
+    });
+});
+
+describe("activate_window", () => {
+    const active = () => Number(desktop.run("xdotool", "getactivewindow").toString());
+
+    it("brings an application to the front", async () => {
+        assert.deepEqual((await call(client, "activate_window", { app_name: "alphaterm" })).text,
+                         "Activated AlphaTerm (1 window(s) raised)");
+        await until("alpha is active", () => active() === alpha.id);
+        assert.equal((await call(client, "activate_window", { app_name: "BETA", extra: 1 })).text,
+                     "Activated BetaTerm (1 window(s) raised)");
+        await until("beta is active", () => active() === beta.id);
+    });
+
+    it("takes the earlier of two that match", async () => {
+        assert.equal((await call(client, "activate_window", { app_name: "term" })).text,
+                     "Activated AlphaTerm (1 window(s) raised)");
+    });
+
+    it("names what there is when nothing matches", async () => {
+        const { error, text } = await call(client, "activate_window", { app_name: "NoSuch" });
+        assert.ok(error);
+        assert.equal(text, "Error: App 'NoSuch' not found. Available: AlphaTerm, BetaTerm");
+    });
+
+    for (const value of [undefined, null, 7, true, ["AlphaTerm"], { app_name: "AlphaTerm" }]) {
+        it(`refuses ${JSON.stringify(value)} as a name`, async () => {
+            const { error, text } = await call(client, "activate_window", { app_name: value });
+            assert.ok(error);
+            assert.equal(text, "Error: app_name is required");
+        });
+    }
+});
+
+describe("capture_window", () => {
+    it("tells how to draw on what it shows", async () => {
+        const frame = desktop.frame(alpha.id);
+        const { text, images } = await call(client, "capture_window", { app_name: "alpha", unknown: [] });
+        assert.equal(text,
+            `Captured AlphaTerm — ${alpha.title}.\nwindowId: ${alpha.id}  (pass to annotate_understanding as frame ` +
+            `{"type":"window","windowId":${alpha.id}})\nReturned image: ${frame.width}×${frame.height} px — measure any ` +
+            "annotation coordinates in THIS image and pass these as the frame's imageWidth/imageHeight.\n" +
+            `Native window: ${frame.width}×${frame.height} pt.`);
+        assert.equal(images.length, 1);
+    });
+
+    it("takes the first window for an empty name", async () => {
+        const { text } = await call(client, "capture_window", { app_name: "" });
+        assert.match(text, /^Captured AlphaTerm/);
+    });
+});
+
+describe("capture_diff", () => {
+    it("stores first, compares second, whatever the letter case, and then begins again", async () => {
+        const frame = desktop.frame(beta.id);
+        const stored = "Stored 'before' snapshot of BetaTerm " +
+            `(${frame.width}x${frame.height}). Make your changes, then call capture_diff again with the same app_name ` +
+            "to get the before/after comparison.";
+        const first = await call(client, "capture_diff", { app_name: "betaTERM" });
+        assert.equal(first.text, stored);
+        assert.equal(first.images.length, 0);
+        const second = await call(client, "capture_diff", { app_name: "BETAterm" });
+        assert.match(second.text, new RegExp("^BEFORE \\(\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ\\) and " +
+            "AFTER \\(\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ\\) of BetaTerm " +
+            `\\(${frame.width}x${frame.height}\\)$`));
+        assert.equal(second.images.length, 2);
+        assert.equal((await call(client, "capture_diff", { app_name: "betaterm" })).text, stored);
+    });
+});
+
+describe("arguments of the capture tools", () => {
+    const region = { x: 10, y: 10, width: 50, height: 40 };
+    const named = { app_name: "AlphaTerm" };
+
+    for (const name of ["capture_window", "capture_diff", "capture_window_region"]) {
+        const others = name === "capture_window_region" ? region : {};
+        for (const value of [undefined, null, 7, false, ["AlphaTerm"], {}, "NoSuch", "AlphaTerm\0"]) {
+            it(`${name} refuses ${JSON.stringify(value)} as app_name`, async () => {
+                const { error, text } = await call(client, name, { ...others, app_name: value });
+                assert.ok(error);
+                assert.equal(text, INVALID_ARGUMENTS);
+            });
+        }
+    }
+
+    for (const [name, others] of [["capture_region", {}], ["capture_window_region", named]]) {
+        for (const key of Object.keys(region)) {
+            for (const value of [undefined, null, "10", 10.5, -0.5, {}, [10], 1e300]) {
+                it(`${name} refuses ${JSON.stringify(value)} as ${key}`, async () => {
+                    const { error, text } = await call(client, name, { ...others, ...region, [key]: value });
+                    assert.ok(error);
+                    assert.equal(text, INVALID_ARGUMENTS);
+                });
+            }
+        }
+
+        it(`${name} does not mind other arguments`, async () => {
+            const { error, images } = await call(client, name, { ...others, ...region, ocr: "true", z: 1 });
+            assert.ok(!error);
+            assert.deepEqual([images[0].width, images[0].height], [50, 40]);
+        });
+
+        const none = [[0, 40], [50, 0], [0, 0], [-50, 40], [50, -40], [-1, -1]];
+        const huge = [[2147483647, 2147483647], [1000000000, 1000000000], [9007199254740991, 10],
+                      [100000, 100000]];
+        for (const [width, height] of [...none, ...huge]) {
+            it(`${name} fails for a size of ${width}x${height} and lives on`, async () => {
+                const { error } = await call(client, name, { ...others, ...region, width, height });
+                assert.ok(error);
+                await client.ping();
+            });
+        }
+
+        for (const [x, y] of [[-20, -30], [1270, 790], [-100000, 5], [2147483647, -2147483648], [9007199254740991, 0]]) {
+            it(`${name} lives through an origin of (${x}, ${y})`, async () => {
+                const { error, text, images } = await call(client, name, { ...others, ...region, x, y });
+                if (!error) {
+                    assert.match(text, new RegExp(`\\(${x},${y}\\)? ?\\(?50x40`));
+                    assert.equal(images.length, 1);
+                }
+                await client.ping();
+            });
+        }
+    }
+
+    it("arguments of another type than an object count as none", () => withProcess(desktop.env, async (server) => {
+        for (const args of [undefined, null, 5, "AlphaTerm", ["AlphaTerm"]]) {
+            assert.equal((await server.callTool("capture_window", args)).text, INVALID_ARGUMENTS);
+            assert.equal((await server.callTool("activate_window", args)).text, "Error: app_name is required");
+        }
+    }));
+});

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "OrvaneCore/platform/Displays.h"
+#include "OrvaneCore/platform/PlatformError.h"
+#include "OrvaneCore/platform/ScreenSource.h"
+#include "OrvaneCore/platform/WindowServer.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <utility>
+
+namespace orvane::test {
+
+/// A display of a name, a place in points and a scale.
+inline Display makeDisplay(quint32 id, const QRectF& bounds, qreal scale = 1.0) {
+    return {.id = id,
+            .name = QString::number(id),
+            .boundsPoints = bounds,
+            .sizePixels = (bounds.size() * scale).toSize(),
+            .scale = scale};
+}
+
+/// A desktop made of values: what it answers is what a test put in, and it records what it was asked to do.
+/// While `failure` is set every call throws it.
+class FakeDesktop final : public Displays, public WindowServer, public ScreenSource {
+public:
+    std::vector<Display> displayList;
+    WindowSnapshot windows;
+    std::vector<ShareableWindow> shareable;
+    /// What a capture of any kind gives.
+    QImage picture;
+    std::optional<QString> unavailable;
+    std::optional<QString> failure;
+    /// Listings wait until they are asked to stop.
+    bool hangs = false;
+
+    int snapshots = 0;
+    int listings = 0;
+    std::vector<std::pair<qint32, std::vector<qint64>>> activations;
+    std::vector<qint64> capturedWindows;
+    std::vector<std::pair<quint32, QRectF>> capturedRegions;
+    std::vector<quint32> capturedDisplays;
+    std::vector<quint32> capturedWithoutOwn;
+    std::vector<bool> cursors;
+    /// Called in the middle of each window capture.
+    std::function<void()> duringCapture = [] {};
+
+    std::vector<Display> list() override {
+        refuse();
+        return displayList;
+    }
+
+    WindowSnapshot snapshot(std::stop_token stop) override {
+        ++snapshots;
+        hang(std::move(stop));
+        refuse();
+        return windows;
+    }
+
+    std::optional<QRectF> bounds(qint64 windowId) override {
+        refuse();
+        for (const WindowEntry& row : windows.onScreen) {
+            if (row.windowId == windowId)
+                return row.boundsPoints;
+        }
+        return std::nullopt;
+    }
+
+    void activate(const RunningApplication& application, const std::vector<qint64>& handles) override {
+        refuse();
+        activations.emplace_back(application.pid, handles);
+    }
+
+    std::optional<QString> unavailableReason() override { return unavailable; }
+
+    ShareableContent listContent(std::stop_token stop) override {
+        ++listings;
+        hang(std::move(stop));
+        refuse();
+        return {.displays = displayList, .windows = shareable};
+    }
+
+    QImage captureWindow(qint64 windowId, bool showsCursor) override {
+        refuse();
+        duringCapture();
+        capturedWindows.push_back(windowId);
+        cursors.push_back(showsCursor);
+        return picture;
+    }
+
+    QImage captureRegion(const Display& display, const QRectF& rectPoints, bool showsCursor) override {
+        refuse();
+        capturedRegions.emplace_back(display.id, rectPoints);
+        cursors.push_back(showsCursor);
+        return picture;
+    }
+
+    QImage captureDisplay(const Display& display, bool showsCursor) override {
+        refuse();
+        capturedDisplays.push_back(display.id);
+        cursors.push_back(showsCursor);
+        return picture;
+    }
+
+    QImage captureWithoutOwnWindows(const Display& display) override {
+        refuse();
+        capturedWithoutOwn.push_back(display.id);
+        return picture;
+    }
+
+    /// An application with one plain window that is on screen and can be captured.
+    void addApplication(qint32 pid, const QString& name, qint64 windowId, const QRectF& bounds,
+                        const QString& title = {}) {
+        ApplicationWindow window;
+        window.handle = windowId;
+        window.boundsPoints = bounds;
+        window.title = title;
+        windows.applications.push_back({.pid = pid, .localizedName = name, .windows = {window}});
+        windows.onScreen.push_back({.windowId = windowId,
+                                    .pid = pid,
+                                    .ownerName = name,
+                                    .title = title,
+                                    .boundsPoints = bounds});
+        shareable.push_back({.windowId = windowId, .framePoints = bounds});
+    }
+
+private:
+    void refuse() const {
+        if (failure)
+            throw PlatformError(*failure);
+    }
+
+    void hang(std::stop_token stop) {
+        if (!hangs)
+            return;
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any never;
+        never.wait(lock, std::move(stop), [] { return false; });
+        throw PlatformError(QStringLiteral("asked to stop"));
+    }
+};
+
+} // namespace orvane::test

@@ -1,0 +1,57 @@
+#include "OrvaneCore/capture/Timeout.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+
+namespace orvane {
+
+namespace {
+
+void waitUntilStopped(std::stop_token stop) {
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any never;
+    never.wait(lock, stop, [] { return false; });
+}
+
+} // namespace
+
+TEST(Timeout, GivesTheResult) {
+    EXPECT_EQ(withThrowingTimeout(5.0, [](std::stop_token) { return 7; }), 7);
+}
+
+TEST(Timeout, PassesAnErrorOnUnchanged) {
+    EXPECT_THROW(withThrowingTimeout(5.0, [](std::stop_token) -> int { throw std::out_of_range("far"); }),
+                 std::out_of_range);
+}
+
+TEST(Timeout, ReportsAMissingPermissionAndCancels) {
+    bool cancelled = false;
+    const auto started = std::chrono::steady_clock::now();
+    try {
+        withThrowingTimeout(0.05, [&cancelled](std::stop_token stop) {
+            waitUntilStopped(stop);
+            cancelled = stop.stop_requested();
+        });
+        FAIL() << "no timeout";
+    } catch (const OrvaneError& error) {
+        EXPECT_EQ(error.errorCase(), OrvaneError::Case::permissionDenied);
+    }
+    EXPECT_TRUE(cancelled);
+    EXPECT_GE(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(50));
+}
+
+TEST(Timeout, AnErrorAfterTheTimeoutIsStillAMissingPermission) {
+    EXPECT_THROW(withThrowingTimeout(0.02,
+                                     [](std::stop_token stop) -> int {
+                                         waitUntilStopped(std::move(stop));
+                                         throw std::runtime_error("stopped");
+                                     }),
+                 OrvaneError);
+}
+
+} // namespace orvane

@@ -1,0 +1,265 @@
+#include "OrvaneCore/capture/ToolHandler.h"
+
+#include "OrvaneCore/mcp/ToolCatalogue.h"
+#include "OrvanePlatform/png/SpngWriter.h"
+#include "tests/support/FakeDesktop.h"
+#include "tests/support/InMemorySettings.h"
+#include "tests/support/KnownPicture.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QJsonArray>
+#include <QTemporaryDir>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using test::FakeDesktop;
+using test::knownPicture;
+using test::makeDisplay;
+
+const QString invalidArguments = u"Error: The operation could not be completed. (OrvaneError error 1.)"_s;
+
+class ToolHandlerTest : public testing::Test {
+protected:
+    ToolHandlerTest() {
+        desktop.displayList = {makeDisplay(11, {0, 0, 4000, 3000})};
+        desktop.picture = knownPicture(300, 200, false);
+        desktop.addApplication(7, u"Terminal"_s, 40, {10, 20, 300, 200}, u"build — main"_s);
+    }
+
+    QJsonObject call(const char* tool, const QJsonObject& arguments = {}) {
+        return handler.handleToolCall(QLatin1String(tool), arguments);
+    }
+
+    static QJsonObject item(const QJsonObject& result, int index) {
+        return result.value(u"content"_s).toArray().at(index).toObject();
+    }
+    static QString text(const QJsonObject& result) { return item(result, 0).value(u"text"_s).toString(); }
+    static int items(const QJsonObject& result) { return int(result.value(u"content"_s).toArray().size()); }
+    static bool failed(const QJsonObject& result) { return result.value(u"isError"_s).toBool(); }
+    static QImage image(const QJsonObject& result, int index = 1) {
+        const QJsonObject object = item(result, index);
+        EXPECT_EQ(object.value(u"type"_s).toString(), u"image");
+        EXPECT_EQ(object.value(u"mimeType"_s).toString(), u"image/png");
+        return QImage::fromData(QByteArray::fromBase64(object.value(u"data"_s).toString().toLatin1()), "PNG");
+    }
+    QStringList saved() const {
+        return QDir(storage.capturesDir()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+    QTemporaryDir home;
+    InMemorySettings settings;
+    StorageManager storage{settings, home.path()};
+    FakeDesktop desktop;
+    png::SpngWriter pngWriter;
+    WindowDiscovery discovery{desktop, desktop};
+    ScreenCapture screenCapture{desktop, desktop, pngWriter};
+    QDateTime now{{2026, 3, 4}, {5, 6, 7}, Qt::UTC};
+    ToolHandler handler{discovery, screenCapture, storage, pngWriter, [this] { return now; }};
+    QString stamp = now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s);
+    QJsonObject terminal{{u"app_name"_s, u"TERM"_s}};
+};
+
+const QJsonObject square{{u"x"_s, 10}, {u"y"_s, 20}, {u"width"_s, 30}, {u"height"_s, 40}};
+
+QJsonObject joined(QJsonObject object, const QJsonObject& more) {
+    for (auto it = more.begin(); it != more.end(); ++it)
+        object.insert(it.key(), it.value());
+    return object;
+}
+
+} // namespace
+
+TEST_F(ToolHandlerTest, HandlesExactlyTheCatalogue) {
+    EXPECT_EQ(ToolHandler::toolNames(), ToolCatalogue::names());
+}
+
+TEST_F(ToolHandlerTest, MakesTheDataFolders) {
+    EXPECT_TRUE(QDir(storage.capturesDir()).exists());
+    EXPECT_TRUE(QDir(storage.sessionsDir()).exists());
+}
+
+TEST_F(ToolHandlerTest, SaysWhichToolsAreStillToCome) {
+    for (const char* name : {"capture_annotated", "start_recording", "stop_recording", "poll_recording",
+                             "read_frame", "get_annotations", "annotate_understanding",
+                             "get_annotation_feedback"}) {
+        const QJsonObject result = call(name, terminal);
+        EXPECT_EQ(text(result), u"Error: Not available in this build: "_s + QLatin1String(name));
+        EXPECT_TRUE(failed(result));
+    }
+}
+
+TEST_F(ToolHandlerTest, KnowsNoOtherTool) {
+    EXPECT_EQ(text(call("")), u"Error: Unknown tool: ");
+    EXPECT_EQ(text(call("List_windows")), u"Error: Unknown tool: List_windows");
+    EXPECT_TRUE(failed(call("list_windows ")));
+}
+
+TEST_F(ToolHandlerTest, ListsWindows) {
+    const QJsonObject result = call("list_windows", {{u"extra"_s, 1}});
+    EXPECT_EQ(text(result),
+              u"[{\"appName\":\"Terminal\",\"windowTitle\":\"build — main\",\"pid\":7,\"windowId\":40,\"x\":10,"
+              u"\"y\":20,\"width\":300,\"height\":200,\"displayId\":11,\"displayBounds\":\"0,0,4000,3000\"}]");
+    EXPECT_FALSE(result.contains(u"isError"_s));
+}
+
+TEST_F(ToolHandlerTest, ListsNoWindowsOfAnEmptyDesktop) {
+    desktop.windows = {};
+    EXPECT_EQ(text(call("list_windows")), u"[]");
+}
+
+TEST_F(ToolHandlerTest, SaysWhyThereAreNoWindowsAtAll) {
+    desktop.failure = u"lost"_s;
+    desktop.unavailable = u"There is no display."_s;
+    EXPECT_EQ(text(call("list_windows")), u"Error: There is no display.");
+    EXPECT_TRUE(failed(call("list_windows")));
+}
+
+TEST_F(ToolHandlerTest, ActivatesAWindow) {
+    EXPECT_EQ(text(call("activate_window", terminal)), u"Activated Terminal (1 window(s) raised)");
+    EXPECT_EQ(text(call("activate_window")), u"Error: app_name is required");
+    EXPECT_EQ(text(call("activate_window", {{u"app_name"_s, 3}})), u"Error: app_name is required");
+    const QJsonObject result = call("activate_window", {{u"app_name"_s, u"Nope"_s}});
+    EXPECT_EQ(text(result), u"Error: App 'Nope' not found. Available: Terminal");
+    EXPECT_TRUE(failed(result));
+}
+
+TEST_F(ToolHandlerTest, CapturesAWindow) {
+    const QJsonObject result = call("capture_window", terminal);
+    EXPECT_EQ(text(result),
+              u"Captured Terminal — build — main.\nwindowId: 40  (pass to annotate_understanding as frame "
+              u"{\"type\":\"window\",\"windowId\":40})\nReturned image: 300×200 px — measure any annotation "
+              u"coordinates in THIS image and pass these as the frame's imageWidth/imageHeight.\nNative window: "
+              u"300×200 pt.");
+    EXPECT_EQ(image(result), desktop.picture);
+    EXPECT_EQ(items(result), 2);
+    EXPECT_EQ(saved(), QStringList{stamp + u"-TERM.png"_s});
+    EXPECT_EQ(desktop.cursors, std::vector{false});
+}
+
+TEST_F(ToolHandlerTest, TellsThePixelsItReturns) {
+    desktop.shareable[0].framePoints = {0, 0, 2048, 1000};
+    desktop.picture = knownPicture(2048, 1000, false);
+    const QJsonObject result = call("capture_window", terminal);
+    EXPECT_TRUE(text(result).contains(u"Returned image: 1024×500 px"_s));
+    EXPECT_TRUE(text(result).endsWith(u"Native window: 2048×1000 pt."_s));
+    EXPECT_EQ(image(result).size(), QSize(1024, 500));
+    EXPECT_EQ(QImage(storage.capturesDir() + u'/' + saved().front()), desktop.picture);
+}
+
+TEST_F(ToolHandlerTest, FailsWithoutAWindow) {
+    for (const char* tool : {"capture_window", "capture_diff"}) {
+        for (const QJsonObject& arguments :
+             {QJsonObject(), QJsonObject{{u"app_name"_s, 5}}, QJsonObject{{u"app_name"_s, u"Nope"_s}}}) {
+            const QJsonObject result = call(tool, arguments);
+            EXPECT_EQ(text(result), invalidArguments);
+            EXPECT_TRUE(failed(result));
+            EXPECT_EQ(items(result), 1);
+        }
+    }
+    EXPECT_EQ(text(call("capture_window_region", joined(square, {{u"app_name"_s, u"Nope"_s}}))), invalidArguments);
+    EXPECT_TRUE(saved().isEmpty());
+}
+
+TEST_F(ToolHandlerTest, ReportsAWindowThatIsNotOnScreen) {
+    desktop.windows.onScreen.clear();
+    EXPECT_EQ(text(call("capture_window", terminal)),
+              u"Error: The operation could not be completed. (OrvaneError error 0.)");
+}
+
+TEST_F(ToolHandlerTest, PassesOnWhatTheDesktopSays) {
+    desktop.duringCapture = [] { throw PlatformError(u"The window closed."_s); };
+    EXPECT_EQ(text(call("capture_window", terminal)), u"Error: The window closed.");
+}
+
+TEST_F(ToolHandlerTest, CapturesAPartOfAWindow) {
+    const QJsonObject result = call("capture_window_region", joined(square, terminal));
+    EXPECT_EQ(text(result),
+              u"Captured region (10,20 30x40) of Terminal - build — main. Returned image: 30×40 px.");
+    EXPECT_EQ(image(result), desktop.picture.copy(10, 20, 30, 40));
+    EXPECT_EQ(saved(), QStringList{stamp + u"-TERM-region.png"_s});
+}
+
+TEST_F(ToolHandlerTest, ReportsTheNumbersAskedForBeyondTheWindow) {
+    QJsonObject arguments = joined(square, terminal);
+    arguments[u"x"_s] = 290;
+    const QJsonObject result = call("capture_window_region", arguments);
+    EXPECT_EQ(text(result),
+              u"Captured region (290,20 30x40) of Terminal - build — main. Returned image: 30×40 px.");
+    EXPECT_EQ(image(result).size(), QSize(30, 40));
+}
+
+TEST_F(ToolHandlerTest, NeedsEveryNumberOfARegion) {
+    for (const char* tool : {"capture_region", "capture_window_region"}) {
+        for (const QString& key : square.keys()) {
+            for (const QJsonValue& bad : {QJsonValue(QJsonValue::Undefined), QJsonValue(10.5), QJsonValue(1e30),
+                                          QJsonValue(u"10"_s), QJsonValue(true), QJsonValue(), QJsonValue(QJsonArray{1})}) {
+                QJsonObject arguments = joined(square, terminal);
+                arguments.insert(key, bad);
+                const QJsonObject result = call(tool, arguments);
+                EXPECT_EQ(text(result), invalidArguments) << tool << key.toStdString();
+                EXPECT_TRUE(failed(result));
+            }
+        }
+    }
+}
+
+TEST_F(ToolHandlerTest, CapturesARegion) {
+    const QJsonObject result = call("capture_region", joined(square, {{u"ocr"_s, u"true"_s}}));
+    EXPECT_EQ(text(result), u"Captured region (10,20) 30x40. Returned image: 300×200 px.");
+    EXPECT_EQ(image(result), desktop.picture);
+    EXPECT_EQ(saved(), QStringList{stamp + u"-region.png"_s});
+    EXPECT_EQ(desktop.capturedRegions.front().second, QRectF(10, 20, 30, 40));
+}
+
+TEST_F(ToolHandlerTest, TakesWholeNumbersHoweverWritten) {
+    QJsonObject arguments = square;
+    arguments[u"x"_s] = 10.0;
+    EXPECT_FALSE(failed(call("capture_region", arguments)));
+}
+
+TEST_F(ToolHandlerTest, SaysWhyARegionIsRefused) {
+    QJsonObject arguments = joined(square, terminal);
+    arguments[u"width"_s] = 0;
+    const QString reason = u"Error: A region of 0x40 holds no pixels: width and height must be at least 1."_s;
+    EXPECT_EQ(text(call("capture_region", arguments)), reason);
+    EXPECT_EQ(text(call("capture_window_region", arguments)), reason);
+}
+
+TEST_F(ToolHandlerTest, ComparesBeforeAndAfter) {
+    const QJsonObject first = call("capture_diff", {{u"app_name"_s, u"Terminal"_s}});
+    EXPECT_EQ(text(first), u"Stored 'before' snapshot of Terminal (300x200). Make your changes, then call "
+                           u"capture_diff again with the same app_name to get the before/after comparison.");
+    EXPECT_EQ(items(first), 1);
+    EXPECT_EQ(saved(), QStringList{stamp + u"-Terminal-before.png"_s});
+
+    const QImage before = desktop.picture;
+    desktop.picture.fill(Qt::red);
+    now = now.addSecs(61);
+    const QJsonObject second = call("capture_diff", {{u"app_name"_s, u"tERMINAL"_s}});
+    EXPECT_EQ(text(second), u"BEFORE (2026-03-04T05:06:07Z) and AFTER (2026-03-04T05:07:08Z) of Terminal (300x200)");
+    EXPECT_EQ(items(second), 3);
+    EXPECT_EQ(image(second, 1), before);
+    EXPECT_EQ(image(second, 2), desktop.picture);
+    EXPECT_TRUE(saved().contains(now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s) + u"-tERMINAL-after.png"_s));
+
+    EXPECT_TRUE(text(call("capture_diff", {{u"app_name"_s, u"Terminal"_s}})).startsWith(u"Stored 'before'"_s));
+}
+
+TEST_F(ToolHandlerTest, KeepsEachSpellingsDiffApart) {
+    call("capture_diff", {{u"app_name"_s, u"term"_s}});
+    EXPECT_TRUE(text(call("capture_diff", {{u"app_name"_s, u"terminal"_s}})).startsWith(u"Stored 'before'"_s));
+}
+
+TEST_F(ToolHandlerTest, AnswersEvenWhereNothingCanBeSaved) {
+    QDir(storage.baseDir()).removeRecursively();
+    EXPECT_FALSE(failed(call("capture_window", terminal)));
+    EXPECT_FALSE(failed(call("capture_region", square)));
+}
+
+} // namespace orvane

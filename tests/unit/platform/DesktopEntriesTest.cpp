@@ -1,0 +1,104 @@
+#include "OrvanePlatform/freedesktop/DesktopEntries.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <filesystem>
+
+namespace orvane::freedesktop {
+
+namespace {
+
+std::optional<DesktopEntry> parse(const char* body, const char* locale = "C") {
+    return parseDesktopEntry(QStringLiteral("id"), QByteArray("[Desktop Entry]\nType=Application\n") + body,
+                             QLatin1String(locale));
+}
+
+void write(const QString& folder, const char* name, const QByteArray& body) {
+    const QString path = folder + u'/' + QLatin1String(name);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Desktop Entry]\nType=Application\n" + body);
+}
+
+} // namespace
+
+TEST(DesktopEntry, HasNameAndWindowClass) {
+    const auto entry = parse("# comment\n Name = Web Browser \nStartupWMClass=Browser\n");
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->name, u"Web Browser");
+    EXPECT_EQ(entry->startupWMClass, u"Browser");
+    EXPECT_EQ(entry->id, u"id");
+}
+
+TEST(DesktopEntry, PrefersTheMostSpecificLocale) {
+    const char* body = "Name=Files\nName[pt]=Ficheiros\nName[pt_BR]=Arquivos\nName[sr@latin]=Datoteke\n";
+    EXPECT_EQ(parse(body, "pt_BR.UTF-8")->name, u"Arquivos");
+    EXPECT_EQ(parse(body, "pt_PT.UTF-8")->name, u"Ficheiros");
+    EXPECT_EQ(parse(body, "sr_RS.UTF-8@latin")->name, u"Datoteke");
+    EXPECT_EQ(parse(body, "de_DE")->name, u"Files");
+    EXPECT_EQ(parse(body, "C")->name, u"Files");
+}
+
+TEST(DesktopEntry, ReadsOnlyItsOwnGroup) {
+    EXPECT_EQ(parse("Name=App\n[Desktop Action new]\nName=New window\nStartupWMClass=x\n")->name, u"App");
+    EXPECT_EQ(parse("Name=App\n[Desktop Action new]\nStartupWMClass=x\n")->startupWMClass, u"");
+}
+
+TEST(DesktopEntry, UndoesEscapes) {
+    EXPECT_EQ(parse("Name=A\\sB\\\\C\n")->name, u"A B\\C");
+}
+
+TEST(DesktopEntry, IsNothingForOtherFiles) {
+    EXPECT_FALSE(parse(""));
+    EXPECT_FALSE(parse("Name=\n"));
+    EXPECT_FALSE(parse("Name=App\nHidden=true\n"));
+    EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), "[Desktop Entry]\nType=Link\nName=App\n", QStringLiteral("C")));
+    EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), "Name=App\nType=Application\n", QStringLiteral("C")));
+    EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), QByteArray(1000, '\xff'), QStringLiteral("C")));
+}
+
+TEST(DesktopEntries, MatchesClassThenId) {
+    QTemporaryDir folder;
+    write(folder.path(), "org.example.Editor.desktop", "Name=By id\n");
+    write(folder.path(), "other.desktop", "Name=By class\nStartupWMClass=editor-window\n");
+    write(folder.path(), "sub/inner.desktop", "Name=Inner\n");
+    DesktopEntries entries({folder.path()}, QStringLiteral("C"));
+    const auto name = [&entries](const char* instance, const char* windowClass) {
+        return entries.applicationName(QLatin1String(instance), QLatin1String(windowClass));
+    };
+    EXPECT_EQ(name("x", "Editor-Window"), u"By class");
+    EXPECT_EQ(name("editor-window", "x"), u"By class");
+    EXPECT_EQ(name("x", "Org.example.editor"), u"By id");
+    EXPECT_EQ(name("org.example.Editor", "editor-window"), u"By class");
+    EXPECT_EQ(name("x", "sub-inner"), u"Inner");
+    EXPECT_EQ(name("x", "y"), std::nullopt);
+    EXPECT_EQ(name("", ""), std::nullopt);
+}
+
+TEST(DesktopEntries, PrefersTheEarlierFolder) {
+    QTemporaryDir user;
+    QTemporaryDir system;
+    write(user.path(), "app.desktop", "Name=Mine\n");
+    write(system.path(), "app.desktop", "Name=Theirs\n");
+    DesktopEntries entries({user.path(), QStringLiteral("/nonexistent"), system.path()}, QStringLiteral("C"));
+    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("app")), u"Mine");
+}
+
+TEST(DesktopEntries, SeesWhatIsInstalledLater) {
+    QTemporaryDir folder;
+    DesktopEntries entries({folder.path()}, QStringLiteral("C"));
+    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("late")), std::nullopt);
+    write(folder.path(), "late.desktop", "Name=Late\n");
+    // The folder's time stamp may be too coarse to show two changes in a row; a later one is set outright.
+    std::filesystem::last_write_time(folder.path().toStdString(),
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
+    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("late")), u"Late");
+}
+
+} // namespace orvane::freedesktop
