@@ -27,13 +27,14 @@ class CaptureFiles {
 public:
     CaptureFiles(StorageManager& storage, const PngWriter& pngWriter, std::function<QDateTime()> clock);
 
-    /// Both pictures; two processors work at it where there are two. Throws OrvaneError::captureEncodingFailed.
+    /// Both pictures; two processors work at it where there are two. Throws
+    /// OrvaneError::captureEncodingFailed.
     EncodedCapture encode(const QImage& image) const;
 
-    /// Writes the full-size picture under the name "<stamp>-<appName><suffix>.png", without "-<appName>" where
-    /// there is none; the stamp is local time, "yyyyMMdd-HHmmss". An application may call itself anything: what
-    /// a file name cannot hold is replaced. Whoever looks for the file once this has returned finds it whole.
-    /// A failure is ignored: a capture that cannot be kept is still worth showing.
+    /// Writes the full-size picture under the name "<stamp>-<appName><suffix>.png", without "-<appName>"
+    /// where there is none; the stamp is local time, "yyyyMMdd-HHmmss". An application may call itself
+    /// anything: what a file name cannot hold is replaced. Whoever looks for the file once this has returned
+    /// finds it whole. A failure is ignored: a capture that cannot be kept is still worth showing.
     void save(const EncodedCapture& capture, const std::optional<QString>& appName,
               const QString& suffix = QString()) const;
 
@@ -43,8 +44,8 @@ private:
     std::function<QDateTime()> m_clock;
 };
 
-/// `name` with what a file name cannot hold ('/', control characters) as '-', and shortened so that it takes at
-/// most `mostBytes` bytes in UTF-8. The end is cut off, never the middle of a character.
+/// `name` with what a file name cannot hold ('/', control characters) as '-', and shortened so that it takes
+/// at most `mostBytes` bytes in UTF-8. The end is cut off, never the middle of a character.
 QString legalFileName(const QString& name, qsizetype mostBytes);
 
 } // namespace orvane

@@ -21,9 +21,10 @@ OrvaneError OrvaneError::captureEncodingFailed() {
 }
 
 OrvaneError OrvaneError::permissionDenied() {
-    return {Case::permissionDenied,
-            QStringLiteral("Screen Recording permission required. Open System Settings > Privacy & Security > "
-                           "Screen Recording and enable Orvane.")};
+    return {
+        Case::permissionDenied,
+        QStringLiteral("Screen Recording permission required. Open System Settings > Privacy & Security > "
+                       "Screen Recording and enable Orvane.")};
 }
 
 QString OrvaneError::localizedDescription() const {

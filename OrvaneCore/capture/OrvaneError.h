@@ -7,8 +7,8 @@
 namespace orvane {
 
 /// What capturing and the tools built on it throw. Two texts belong to an error: `description`, for logs and
-/// for code that shows it on purpose, and `localizedDescription`, the general text a tool's caller sees when an
-/// error was thrown through the tool.
+/// for code that shows it on purpose, and `localizedDescription`, the general text a tool's caller sees when
+/// an error was thrown through the tool.
 class OrvaneError : public std::exception {
 public:
     /// The order is part of what an agent sees: `localizedDescription` carries the number.

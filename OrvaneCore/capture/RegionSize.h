@@ -12,8 +12,8 @@ public:
     using std::invalid_argument::invalid_argument;
 };
 
-/// Throws RegionSizeError unless a picture of that many pixels can be made: both sides at least one pixel, none
-/// over 16,384 (X11 coordinates are 16 bits wide) and no more than 64 Mi pixels (256 MiB) in all.
+/// Throws RegionSizeError unless a picture of that many pixels can be made: both sides at least one pixel,
+/// none over 16,384 (X11 coordinates are 16 bits wide) and no more than 64 Mi pixels (256 MiB) in all.
 /// `asked` is the size in the caller's units, for the message.
 void checkRegionSize(const QSizeF& pixels, const QSizeF& asked);
 

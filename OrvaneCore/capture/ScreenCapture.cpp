@@ -44,7 +44,8 @@ WindowCapture ScreenCapture::captureWindow(qint64 windowId, bool showsCursor) {
     QImage image = m_source.captureWindow(windowId, showsCursor);
     if (target.width() < smallestSide || target.height() < smallestSide) {
         const QSizeF contentSize = QSizeF(image.size()) / scale;
-        const bool contentIsLarger = contentSize.width() > smallestSide && contentSize.height() > smallestSide;
+        const bool contentIsLarger =
+            contentSize.width() > smallestSide && contentSize.height() > smallestSide;
         if (!contentIsLarger)
             image = image.scaled(magnifiedSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         logLine(QStringLiteral("window frame too small (%1x%2), using %3x%4")
@@ -101,8 +102,8 @@ QByteArray ScreenCapture::resizeForLLM(const QByteArray& png, int maxDimension) 
 }
 
 ShareableContent ScreenCapture::listContent() {
-    return withThrowingTimeout(listingLimitSeconds,
-                               [this](std::stop_token stop) { return m_source.listContent(std::move(stop)); });
+    return withThrowingTimeout(
+        listingLimitSeconds, [this](std::stop_token stop) { return m_source.listContent(std::move(stop)); });
 }
 
 Display ScreenCapture::displayWithId(quint32 displayId) {

@@ -21,9 +21,9 @@ struct WindowCapture {
     int height = 0;
 };
 
-/// Takes pictures of the screen. Every capture first lists what can be captured, and that listing may take five
-/// seconds: then OrvaneError::permissionDenied is thrown. Errors of the desktop (PlatformError) pass unchanged.
-/// Any thread; captures may run side by side; no state.
+/// Takes pictures of the screen. Every capture first lists what can be captured, and that listing may take
+/// five seconds: then OrvaneError::permissionDenied is thrown. Errors of the desktop (PlatformError) pass
+/// unchanged. Any thread; captures may run side by side; no state.
 class ScreenCapture {
 public:
     ScreenCapture(ScreenSource& source, Displays& displays, const PngWriter& pngWriter)
@@ -31,9 +31,9 @@ public:
         , m_displays(displays)
         , m_pngWriter(pngWriter) {}
 
-    /// One window alone, whatever covers it. A window smaller than 100 pixels on a side, when the picture is no
-    /// larger either, is magnified to 2560x1440 so that something can be seen.
-    /// Throws OrvaneError::windowNotFound.
+    /// One window alone, whatever covers it. A window smaller than 100 pixels on a side, when the picture is
+    /// no larger either, is magnified to 2560x1440 so that something can be seen. Throws
+    /// OrvaneError::windowNotFound.
     WindowCapture captureWindow(qint64 windowId, bool showsCursor);
 
     /// A rectangle in global points, on the display that its top-left corner lies on, else on the first one.
@@ -54,8 +54,8 @@ public:
     /// longer side is `maxDimension`.
     static QImage resizeForLLM(const QImage& image, int maxDimension);
 
-    /// The same for the bytes of an image file: the bytes themselves, unchanged, where the image is small enough
-    /// and where anything fails, else a PNG. Never throws.
+    /// The same for the bytes of an image file: the bytes themselves, unchanged, where the image is small
+    /// enough and where anything fails, else a PNG. Never throws.
     QByteArray resizeForLLM(const QByteArray& png, int maxDimension) const;
 
 private:

@@ -11,9 +11,10 @@
 
 namespace orvane {
 
-/// Runs `operation(std::stop_token)` on a thread of its own and gives its result or exception. After `seconds`
-/// the operation is asked to stop, which it must do soon; when it has, OrvaneError::permissionDenied is thrown:
-/// a desktop that does not answer is what a missing permission looks like. Any thread; the caller waits.
+/// Runs `operation(std::stop_token)` on a thread of its own and gives its result or exception. After
+/// `seconds` the operation is asked to stop, which it must do soon; when it has,
+/// OrvaneError::permissionDenied is thrown: a desktop that does not answer is what a missing permission looks
+/// like. Any thread; the caller waits.
 template <typename Operation>
 auto withThrowingTimeout(double seconds, Operation operation) {
     using Result = std::invoke_result_t<Operation, std::stop_token>;

@@ -93,15 +93,15 @@ QJsonObject ToolHandler::handleToolCall(const QString& name, const QJsonObject& 
         return name == QLatin1String(candidate.name);
     });
     if (tool == tools().end())
-        return ToolResult::error(u"Unknown tool: "_s + name);
+        return toolError(u"Unknown tool: "_s + name);
     if (tool->handler == nullptr)
-        return ToolResult::error(u"Not available in this build: "_s + name);
+        return toolError(u"Not available in this build: "_s + name);
     try {
         return (this->*tool->handler)(arguments);
     } catch (const OrvaneError& error) {
-        return ToolResult::error(error.localizedDescription());
+        return toolError(error.localizedDescription());
     } catch (const std::exception& error) {
-        return ToolResult::error(QString::fromUtf8(error.what()));
+        return toolError(QString::fromUtf8(error.what()));
     }
 }
 
@@ -109,16 +109,15 @@ QJsonObject ToolHandler::listWindows(const QJsonObject& /*arguments*/) {
     const std::vector<WindowInfo> windows = m_discovery.listWindows();
     // An empty list would be a lie where the desktop cannot be asked at all.
     const auto reason = windows.empty() ? m_discovery.unavailableReason() : std::nullopt;
-    return reason ? ToolResult::error(*reason)
-                  : ToolResult::text(QString::fromUtf8(encodeWindowInfos(windows)));
+    return reason ? toolError(*reason) : toolResult(QString::fromUtf8(encodeWindowInfos(windows)));
 }
 
 QJsonObject ToolHandler::activateWindow(const QJsonObject& arguments) {
     const auto appName = TypedObject(arguments).string(appNameKey);
     if (!appName)
-        return ToolResult::error(u"app_name is required"_s);
+        return toolError(u"app_name is required"_s);
     const ActivateResult result = m_discovery.activate(*appName);
-    return result.success ? ToolResult::text(result.message) : ToolResult::error(result.message);
+    return result.success ? toolResult(result.message) : toolError(result.message);
 }
 
 QJsonObject ToolHandler::captureWindow(const QJsonObject& arguments) {
@@ -134,14 +133,15 @@ QJsonObject ToolHandler::captureWindow(const QJsonObject& arguments) {
     m_files.save(encoded, appName);
 
     const QString id = QString::number(window.windowId);
-    const QString text = u"Captured "_s + window.appName + u" — "_s + window.windowTitle + u".\nwindowId: "_s + id +
-                         u"  (pass to annotate_understanding as frame {\"type\":\"window\",\"windowId\":"_s + id +
-                         u"})\nReturned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
-                         QString::number(encoded.agentSize.height()) +
-                         u" px — measure any annotation coordinates in THIS image and pass these as the "_s
-                         u"frame's imageWidth/imageHeight.\nNative window: "_s +
-                         QString::number(captured.width) + u"×"_s + QString::number(captured.height) + u" pt."_s;
-    return ToolResult::textWithImage(text, encoded.agentPng);
+    const QString text =
+        u"Captured "_s + window.appName + u" — "_s + window.windowTitle + u".\nwindowId: "_s + id +
+        u"  (pass to annotate_understanding as frame {\"type\":\"window\",\"windowId\":"_s + id +
+        u"})\nReturned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
+        QString::number(encoded.agentSize.height()) +
+        u" px — measure any annotation coordinates in THIS image and pass these as the "_s
+        u"frame's imageWidth/imageHeight.\nNative window: "_s +
+        QString::number(captured.width) + u"×"_s + QString::number(captured.height) + u" pt."_s;
+    return toolResultWithImage(text, encoded.agentPng);
 }
 
 QJsonObject ToolHandler::captureWindowRegion(const QJsonObject& arguments) {
@@ -156,28 +156,28 @@ QJsonObject ToolHandler::captureWindowRegion(const QJsonObject& arguments) {
     const EncodedCapture encoded = m_files.encode(crop);
     m_files.save(encoded, *appName, u"-region"_s);
 
-    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) +
-                         u" "_s + QString::number(rect->width) + u"x"_s + QString::number(rect->height) +
-                         u") of "_s + window.appName + u" - "_s + window.windowTitle + u". Returned image: "_s +
-                         QString::number(encoded.agentSize.width()) + u"×"_s +
-                         QString::number(encoded.agentSize.height()) + u" px."_s;
-    return ToolResult::textWithImage(text, encoded.agentPng);
+    const QString text =
+        u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) + u" "_s +
+        QString::number(rect->width) + u"x"_s + QString::number(rect->height) + u") of "_s + window.appName +
+        u" - "_s + window.windowTitle + u". Returned image: "_s + QString::number(encoded.agentSize.width()) +
+        u"×"_s + QString::number(encoded.agentSize.height()) + u" px."_s;
+    return toolResultWithImage(text, encoded.agentPng);
 }
 
 QJsonObject ToolHandler::captureRegion(const QJsonObject& arguments) {
     const auto rect = readRect(TypedObject(arguments));
     if (!rect)
-        throw OrvaneError::invalidArguments(
-            u"x, y, width, height are all required as integers"_s);
+        throw OrvaneError::invalidArguments(u"x, y, width, height are all required as integers"_s);
     const QImage image = m_screenCapture.captureRegion(rect->x, rect->y, rect->width, rect->height, false);
     const EncodedCapture encoded = m_files.encode(image);
     m_files.save(encoded, std::nullopt, u"-region"_s);
 
-    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) +
-                         u") "_s + QString::number(rect->width) + u"x"_s + QString::number(rect->height) +
-                         u". Returned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
+    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s +
+                         QString::number(rect->y) + u") "_s + QString::number(rect->width) + u"x"_s +
+                         QString::number(rect->height) + u". Returned image: "_s +
+                         QString::number(encoded.agentSize.width()) + u"×"_s +
                          QString::number(encoded.agentSize.height()) + u" px."_s;
-    return ToolResult::textWithImage(text, encoded.agentPng);
+    return toolResultWithImage(text, encoded.agentPng);
 }
 
 QJsonObject ToolHandler::captureDiff(const QJsonObject& arguments) {
@@ -192,13 +192,13 @@ QJsonObject ToolHandler::captureDiff(const QJsonObject& arguments) {
     const QString nameAndSize = window.appName + u" ("_s + QString::number(captured.width) + u"x"_s +
                                 QString::number(captured.height) + u")"_s;
     if (!before) {
-        return ToolResult::text(u"Stored 'before' snapshot of "_s + nameAndSize +
-                                u". Make your changes, then call capture_diff again with the same app_name to "_s
-                                u"get the before/after comparison."_s);
+        return toolResult(u"Stored 'before' snapshot of "_s + nameAndSize +
+                          u". Make your changes, then call capture_diff again with the same app_name to "_s
+                          u"get the before/after comparison."_s);
     }
-    return ToolResult::textWithImages(u"BEFORE ("_s + isoTime(before->timestamp) + u") and AFTER ("_s +
-                                          isoTime(latest.timestamp) + u") of "_s + nameAndSize,
-                                      before->agentPng, latest.agentPng);
+    return toolResultWithImages(u"BEFORE ("_s + isoTime(before->timestamp) + u") and AFTER ("_s +
+                                    isoTime(latest.timestamp) + u") of "_s + nameAndSize,
+                                before->agentPng, latest.agentPng);
 }
 
 WindowInfo ToolHandler::findWindow(const QString& appName, const std::function<QString()>& notFound) {

@@ -2,7 +2,7 @@
 
 #include <QJsonArray>
 
-namespace orvane::ToolResult {
+namespace orvane {
 
 using namespace Qt::StringLiterals;
 
@@ -24,22 +24,23 @@ QJsonObject content(const QJsonArray& items) {
 
 } // namespace
 
-QJsonObject text(const QString& text) {
+QJsonObject toolResult(const QString& text) {
     return content({textItem(text)});
 }
 
-QJsonObject textWithImage(const QString& text, const QByteArray& png) {
+QJsonObject toolResultWithImage(const QString& text, const QByteArray& png) {
     return content({textItem(text), imageItem(png)});
 }
 
-QJsonObject textWithImages(const QString& text, const QByteArray& firstPng, const QByteArray& secondPng) {
+QJsonObject toolResultWithImages(const QString& text, const QByteArray& firstPng,
+                                 const QByteArray& secondPng) {
     return content({textItem(text), imageItem(firstPng), imageItem(secondPng)});
 }
 
-QJsonObject error(const QString& message) {
-    QJsonObject result = text(u"Error: "_s + message);
+QJsonObject toolError(const QString& message) {
+    QJsonObject result = toolResult(u"Error: "_s + message);
     result.insert(u"isError"_s, true);
     return result;
 }
 
-} // namespace orvane::ToolResult
+} // namespace orvane

@@ -93,8 +93,8 @@ std::vector<WindowInfo> WindowDiscovery::listWindowsByZOrder() {
         const bool own = row.ownerName == u"orvane" || row.ownerName == u"Orvane";
         if (own || row.boundsPoints.width() <= 1 || row.boundsPoints.height() <= 1)
             continue;
-        windows.push_back(makeInfo(row.ownerName.value_or(u"Unknown"_s),
-                                   row.title.value_or(QString()), row.pid, row.windowId, row.boundsPoints,
+        windows.push_back(makeInfo(row.ownerName.value_or(u"Unknown"_s), row.title.value_or(QString()),
+                                   row.pid, row.windowId, row.boundsPoints,
                                    matchDisplay(screens, row.boundsPoints)));
     }
     return windows;
@@ -141,8 +141,9 @@ std::optional<QString> WindowDiscovery::unavailableReason() {
 
 WindowSnapshot WindowDiscovery::snapshot() {
     return askDesktop([this] {
-        return withThrowingTimeout(listingLimitSeconds,
-                                   [this](std::stop_token stop) { return m_windowServer.snapshot(std::move(stop)); });
+        return withThrowingTimeout(listingLimitSeconds, [this](std::stop_token stop) {
+            return m_windowServer.snapshot(std::move(stop));
+        });
     });
 }
 
@@ -181,8 +182,7 @@ DisplayMatch matchDisplay(const std::vector<Display>& displays, const QRectF& re
         return {.displayId = 0, .displayBounds = u"unknown"_s};
     const QRectF& bounds = best->boundsPoints;
     return {.displayId = best->id,
-            .displayBounds = u"%1,%2,%3,%4"_s
-                                 .arg(static_cast<qint64>(bounds.x()))
+            .displayBounds = u"%1,%2,%3,%4"_s.arg(static_cast<qint64>(bounds.x()))
                                  .arg(static_cast<qint64>(bounds.y()))
                                  .arg(static_cast<qint64>(bounds.width()))
                                  .arg(static_cast<qint64>(bounds.height()))};

@@ -29,8 +29,8 @@ struct ActivateResult {
 };
 
 /// Which windows exist, where they are, and raising them. All geometry in global points.
-/// Any thread; no state of its own. Nothing here throws: a desktop that cannot be asked (or does not answer for
-/// five seconds) has no windows, and one line in the log says why.
+/// Any thread; no state of its own. Nothing here throws: a desktop that cannot be asked (or does not answer
+/// for five seconds) has no windows, and one line in the log says why.
 class WindowDiscovery {
 public:
     WindowDiscovery(WindowServer& windowServer, Displays& displays)
@@ -68,8 +68,8 @@ private:
 /// The names, each once, sorted ascending and joined with ", ".
 QString joinedNames(QStringList names);
 
-/// The window-server number of a window that an application of that pid describes with these bounds: the first
-/// row of the process whose four bounds each differ by less than 10 points, else its first row, else 0.
+/// The window-server number of a window that an application of that pid describes with these bounds: the
+/// first row of the process whose four bounds each differ by less than 10 points, else its first row, else 0.
 qint64 matchWindowId(const std::vector<WindowEntry>& rows, qint32 pid, const QRectF& bounds);
 
 /// The display with the largest overlap, the earlier one of two equals.

@@ -14,15 +14,15 @@ class StandardStreams;
 /// however they are cut into reads. One thread at a time.
 class LineReader {
 public:
-    /// Bytes that a read asks for at least. A buffer that grew far above this for one line is given back before
-    /// the wait for a later one.
+    /// Bytes that a read asks for at least. A buffer that grew far above this for one line is given back
+    /// before the wait for a later one.
     static constexpr qsizetype blockBytes = qsizetype{64} * 1024;
 
     /// The stream outlives the reader.
     explicit LineReader(StandardStreams& streams);
 
-    /// Waits for the next line and gives it without its "\n" or "\r\n"; valid until the next call. What stands
-    /// after the last newline is a line too, unless it is empty. Nothing at the end of input.
+    /// Waits for the next line and gives it without its "\n" or "\r\n"; valid until the next call. What
+    /// stands after the last newline is a line too, unless it is empty. Nothing at the end of input.
     std::optional<QByteArrayView> next();
 
     /// Bytes of memory held for input.

@@ -50,11 +50,11 @@ void requireFiniteNumbers(const QJsonValue& value) {
             throw MessageError(u"a number in it is not finite"_s);
     } else if (value.isArray()) {
         const QJsonArray array = value.toArray();
-        for (const QJsonValue& element : array)
+        for (const auto& element : array)
             requireFiniteNumbers(element);
     } else if (value.isObject()) {
         const QJsonObject object = value.toObject();
-        for (const QJsonValue& member : object)
+        for (const auto& member : object)
             requireFiniteNumbers(member);
     }
 }
@@ -67,7 +67,7 @@ QJsonDocument MessageCodec::parse(QByteArrayView text) {
     refuseWhatQtLetsPass(text);
 
     QJsonParseError error;
-    const QJsonDocument document =
+    QJsonDocument document =
         QJsonDocument::fromJson(QByteArray::fromRawData(text.data(), text.size()), &error);
     if (error.error != QJsonParseError::NoError)
         refuse(error.errorString(), error.offset);

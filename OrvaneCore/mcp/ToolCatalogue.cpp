@@ -37,7 +37,7 @@ QJsonArray ToolCatalogue::toolDefinitions() {
 QStringList ToolCatalogue::names() {
     QStringList names;
     const QJsonArray tools = toolDefinitions();
-    for (const QJsonValue& tool : tools)
+    for (const auto& tool : tools)
         names.append(tool[u"name"_s].toString());
     return names;
 }

@@ -39,8 +39,8 @@ public:
     virtual QImage captureWindow(qint64 windowId, bool showsCursor) = 0;
 
     /// What the eye sees in a rectangle in points relative to the top-left of the display. The rectangle may
-    /// reach beyond the display; what lies outside the desktop comes out black. The caller sees to it that the
-    /// rectangle is not empty and small enough to hold in memory.
+    /// reach beyond the display; what lies outside the desktop comes out black. The caller sees to it that
+    /// the rectangle is not empty and small enough to hold in memory.
     virtual QImage captureRegion(const Display& display, const QRectF& rectPoints, bool showsCursor) = 0;
 
     /// What the eye sees on the whole display, `sizePixels` large.

@@ -70,7 +70,8 @@ public:
     /// other. Returns when that has happened or half a second later. A window that is gone is passed over.
     virtual void activate(const RunningApplication& application, const std::vector<qint64>& handles) = 0;
 
-    /// Why no window can be listed at all, as a sentence that says what to do; nothing when windows can be listed.
+    /// Why no window can be listed at all, as a sentence that says what to do; nothing when windows can be
+    /// listed.
     virtual std::optional<QString> unavailableReason() = 0;
 
 protected:

@@ -35,7 +35,10 @@ QString unescaped(const QString& value) {
             continue;
         }
         ++i;
-        result += next == u's' ? QChar(u' ') : next == u'n' ? QChar(u'\n') : next == u't' ? QChar(u'\t') : next;
+        result += next == u's'   ? QChar(u' ')
+                  : next == u'n' ? QChar(u'\n')
+                  : next == u't' ? QChar(u'\t')
+                                 : next;
     }
     return result;
 }
@@ -64,7 +67,8 @@ std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArra
             values.insert(key, unescaped(QString::fromUtf8(line.mid(equals + 1)).trimmed()));
     }
 
-    DesktopEntry entry{.id = id, .name = {}, .startupWMClass = values.value(QStringLiteral("StartupWMClass"))};
+    DesktopEntry entry{
+        .id = id, .name = {}, .startupWMClass = values.value(QStringLiteral("StartupWMClass"))};
     for (const QString& form : localeForms(locale)) {
         entry.name = values.value(QStringLiteral("Name[%1]").arg(form));
         if (!entry.name.isEmpty())
@@ -96,7 +100,8 @@ QString DesktopEntries::processLocale() {
     return QStringLiteral("C");
 }
 
-std::optional<QString> DesktopEntries::applicationName(const QString& instanceName, const QString& className) {
+std::optional<QString> DesktopEntries::applicationName(const QString& instanceName,
+                                                       const QString& className) {
     const std::scoped_lock lock(m_mutex);
     refreshIfChanged();
     for (const auto* names : {&m_nameByWMClass, &m_nameById}) {

@@ -23,11 +23,13 @@ struct FreeDeleter {
 };
 
 bool encodeRows(spng_ctx* context, const QImage& image, QImage::Format fileFormat) {
-    const auto rowBytes = static_cast<size_t>(image.width()) * (fileFormat == QImage::Format_RGB888 ? 3U : 4U);
+    const auto rowBytes =
+        static_cast<size_t>(image.width()) * (fileFormat == QImage::Format_RGB888 ? 3U : 4U);
     int result = SPNG_OK;
     for (int top = 0; top < image.height() && result == SPNG_OK; top += stripRows) {
         const int rows = std::min(stripRows, image.height() - top);
-        const QImage view(image.constScanLine(top), image.width(), rows, image.bytesPerLine(), image.format());
+        const QImage view(image.constScanLine(top), image.width(), rows, image.bytesPerLine(),
+                          image.format());
         const QImage strip = view.convertToFormat(fileFormat);
         for (int row = 0; row < rows && result == SPNG_OK; ++row)
             result = spng_encode_row(context, strip.constScanLine(row), rowBytes);
@@ -49,7 +51,8 @@ QByteArray SpngWriter::encode(const QImage& image) const {
     header.width = static_cast<uint32_t>(image.width());
     header.height = static_cast<uint32_t>(image.height());
     header.bit_depth = 8;
-    header.color_type = static_cast<uint8_t>(alpha ? SPNG_COLOR_TYPE_TRUECOLOR_ALPHA : SPNG_COLOR_TYPE_TRUECOLOR);
+    header.color_type =
+        static_cast<uint8_t>(alpha ? SPNG_COLOR_TYPE_TRUECOLOR_ALPHA : SPNG_COLOR_TYPE_TRUECOLOR);
     int result = spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
     if (result == SPNG_OK)
         result = spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, compressionLevel);
@@ -60,7 +63,8 @@ QByteArray SpngWriter::encode(const QImage& image) const {
     if (result == SPNG_OK)
         result = spng_encode_image(context.get(), nullptr, 0, SPNG_FMT_PNG,
                                    SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE);
-    if (result != SPNG_OK || !encodeRows(context.get(), image, alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888))
+    if (result != SPNG_OK ||
+        !encodeRows(context.get(), image, alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888))
         return {};
 
     size_t length = 0;

@@ -27,8 +27,8 @@ struct TopLevel {
     QRect rect;
 };
 
-/// The window a compositor draws the screen on. It belongs to the server and shows everything, so it is part of
-/// no picture made of the windows themselves.
+/// The window a compositor draws the screen on. It belongs to the server and shows everything, so it is part
+/// of no picture made of the windows themselves.
 xcb_window_t overlayWindow(const X11Connection& connection, const Redirection& redirection) {
     if (!redirection.composited())
         return XCB_WINDOW_NONE;
@@ -118,7 +118,8 @@ std::optional<QImage> namedWallpaper(const X11Connection& connection, PixelReade
 
 /// The root window's own background, which the protocol cannot tell: a window that takes its background from
 /// the root window is shown to nobody (redirected, at the very bottom) and read.
-std::optional<QImage> rootBackground(const X11Connection& connection, PixelReader& reader, const QRect& area) {
+std::optional<QImage> rootBackground(const X11Connection& connection, PixelReader& reader,
+                                     const QRect& area) {
     const xcb_window_t probe = xcb_generate_id(connection.raw());
     const uint32_t values[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE, 1};
     xcb_create_window(connection.raw(), XCB_COPY_FROM_PARENT, probe, connection.root(),
@@ -153,8 +154,8 @@ bool ownWindowsLieOn(const X11Connection& connection, const QRect& area) {
     });
 }
 
-QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader, Redirection& redirection,
-                                const QRect& area) {
+QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader,
+                                Redirection& redirection, const QRect& area) {
     const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
     const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
     const xcb_window_t overlay = overlayWindow(connection, redirection);

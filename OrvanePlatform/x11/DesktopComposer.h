@@ -15,7 +15,7 @@ bool ownWindowsLieOn(const X11Connection& connection, const QRect& area);
 /// foreign window's own pixmap in stacking order. Nothing on the screen changes meanwhile. Shadows and other
 /// effects that a compositor adds are not part of it. RGB32.
 /// Any thread; throws PlatformError when the connection is lost or the server cannot redirect windows.
-QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader, Redirection& redirection,
-                                const QRect& area);
+QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader,
+                                Redirection& redirection, const QRect& area);
 
 } // namespace orvane::x11

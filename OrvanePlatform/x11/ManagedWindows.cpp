@@ -59,11 +59,9 @@ struct WindowRequests {
 WindowRequests requestWindow(const X11Connection& connection, xcb_window_t client) {
     const Atoms& atoms = connection.atoms();
     const auto property = [&](xcb_atom_t atom) { return requestProperty(connection, client, atom); };
-    return {requestProcess(connection, client), property(atoms.netWmPid),
-            property(atoms.netWmName),          property(XCB_ATOM_WM_NAME),
-            property(XCB_ATOM_WM_CLASS),        property(atoms.netWmWindowType),
-            property(atoms.netWmState),         property(atoms.wmState),
-            property(atoms.netWmDesktop)};
+    return {requestProcess(connection, client), property(atoms.netWmPid),    property(atoms.netWmName),
+            property(XCB_ATOM_WM_NAME),         property(XCB_ATOM_WM_CLASS), property(atoms.netWmWindowType),
+            property(atoms.netWmState),         property(atoms.wmState),     property(atoms.netWmDesktop)};
 }
 
 ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, const WindowRequests& requests,
@@ -92,11 +90,11 @@ ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, c
     // The types come in order of preference; the first one says what the window is.
     const xcb_atom_t type = types.empty() ? xcb_atom_t(XCB_ATOM_NONE) : types.front();
     const bool skipsTaskList = contains(states, atoms.netWmStateSkipTaskbar);
-    window.desktopPart = type != XCB_ATOM_NONE &&
-                         (type == atoms.netWmWindowTypeDesktop || type == atoms.netWmWindowTypeDock);
-    window.floating = type != XCB_ATOM_NONE && (type == atoms.netWmWindowTypeUtility ||
-                                                type == atoms.netWmWindowTypeToolbar ||
-                                                type == atoms.netWmWindowTypeSplash);
+    window.desktopPart =
+        type != XCB_ATOM_NONE && (type == atoms.netWmWindowTypeDesktop || type == atoms.netWmWindowTypeDock);
+    window.floating = type != XCB_ATOM_NONE &&
+                      (type == atoms.netWmWindowTypeUtility || type == atoms.netWmWindowTypeToolbar ||
+                       type == atoms.netWmWindowTypeSplash);
     window.floating = window.floating || (skipsTaskList && contains(states, atoms.netWmStateAbove));
     window.inTaskList = !window.desktopPart && !skipsTaskList;
 

@@ -27,8 +27,9 @@ struct ManagedWindow {
     bool onScreen = false;
 };
 
-/// The windows of _NET_CLIENT_LIST, in the order in which they were first mapped. Override-redirect windows are
-/// not among them. Empty without a window manager. Any thread; throws PlatformError when the connection is lost.
+/// The windows of _NET_CLIENT_LIST, in the order in which they were first mapped. Override-redirect windows
+/// are not among them. Empty without a window manager. Any thread; throws PlatformError when the connection
+/// is lost.
 std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection);
 
 /// The clients of _NET_CLIENT_LIST_STACKING, front to back.

@@ -16,7 +16,8 @@ constexpr uint32_t allPlanes = 0xffffffffU;
 /// The masks of a visual. A pixmap of depth 32 may come without a visual: then the usual order holds.
 std::optional<xcb_visualtype_t> findVisual(const xcb_screen_t& screen, xcb_visualid_t id) {
     for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0; xcb_depth_next(&depth)) {
-        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0; xcb_visualtype_next(&visual)) {
+        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
+             xcb_visualtype_next(&visual)) {
             if (visual.data->visual_id == id)
                 return *visual.data;
         }
@@ -51,6 +52,16 @@ std::optional<PixelFormat> pixelFormat(int depth, uint32_t redMask, Alpha alpha)
     if (depth == 15 && redMask == 0x7c00)
         return PixelFormat{QImage::Format_RGB555, false};
     return std::nullopt;
+}
+
+/// Depth 24 leaves the fourth byte to chance, and Format_RGB32 wants it to be 0xff.
+void setUnusedBytes(QImage& image) {
+    constexpr QRgb unusedByte = 0xff000000U;
+    for (int y = 0; y < image.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            row[x] |= unusedByte;
+    }
 }
 
 } // namespace
@@ -122,7 +133,7 @@ public:
     /// Wraps the segment in an image that gives it back at its end.
     QImage lend(std::unique_ptr<Segment> segment, const QSize& size, const Layout& layout) {
         auto* lease = new Lease{shared_from_this(), std::move(segment)};
-        return {lease->segment->memory(), size.width(),     size.height(), layout.stride,
+        return {lease->segment->memory(), size.width(),    size.height(), layout.stride,
                 layout.pixels.format,     &Pool::giveBack, lease};
     }
 
@@ -176,6 +187,8 @@ std::optional<QImage> PixelReader::read(xcb_drawable_t drawable, const QRect& ar
         *image = std::move(*image).rgbSwapped();
     if (image->format() != QImage::Format_RGB32 && image->format() != QImage::Format_ARGB32_Premultiplied)
         *image = std::move(*image).convertToFormat(QImage::Format_RGB32);
+    if (image->format() == QImage::Format_RGB32)
+        setUnusedBytes(*image);
     return image;
 }
 
@@ -198,14 +211,15 @@ std::optional<QImage> PixelReader::readShared(xcb_drawable_t drawable, const QRe
 std::optional<QImage> PixelReader::readCopied(xcb_drawable_t drawable, const QRect& area,
                                               const Layout& layout) {
     auto reply = m_connection->reply<xcb_get_image_reply>(
-        xcb_get_image(m_connection->raw(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, static_cast<int16_t>(area.x()),
-                      static_cast<int16_t>(area.y()), static_cast<uint16_t>(area.width()),
-                      static_cast<uint16_t>(area.height()), allPlanes));
+        xcb_get_image(m_connection->raw(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable,
+                      static_cast<int16_t>(area.x()), static_cast<int16_t>(area.y()),
+                      static_cast<uint16_t>(area.width()), static_cast<uint16_t>(area.height()), allPlanes));
     if (!reply || qsizetype(xcb_get_image_data_length(reply.get())) < layout.bytes)
         return std::nullopt;
     uchar* data = xcb_get_image_data(reply.get());
-    return QImage(data, area.width(), area.height(), layout.stride, layout.pixels.format,
-                  [](void* memory) { std::free(memory); }, reply.release());
+    return QImage(
+        data, area.width(), area.height(), layout.stride, layout.pixels.format,
+        [](void* memory) { std::free(memory); }, reply.release());
 }
 
 } // namespace orvane::x11

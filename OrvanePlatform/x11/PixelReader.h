@@ -15,8 +15,8 @@ namespace orvane::x11 {
 enum class Alpha { counts, ignored };
 
 /// Reads pixels of drawables into images, through shared memory where the server offers it.
-/// A picture lies in the memory the server wrote it to, with no copy; the memory of one picture that is no longer
-/// used is kept for the next. Any thread.
+/// A picture lies in the memory the server wrote it to, with no copy; the memory of one picture that is no
+/// longer used is kept for the next. Any thread.
 class PixelReader {
 public:
     explicit PixelReader(std::shared_ptr<X11Connection> connection);
@@ -24,10 +24,10 @@ public:
     PixelReader(const PixelReader&) = delete;
     PixelReader& operator=(const PixelReader&) = delete;
 
-    /// The pixels of `area`, in the drawable's own coordinates, all of it inside the drawable and, for a window,
-    /// on the screen. RGB32, or ARGB32_Premultiplied at depth 32 where alpha counts.
-    /// Nothing when the server refuses (the drawable is gone). Throws PlatformError when the connection is lost
-    /// or the pixel format is one this program does not know.
+    /// The pixels of `area`, in the drawable's own coordinates, all of it inside the drawable and, for a
+    /// window, on the screen. RGB32, or ARGB32_Premultiplied at depth 32 where alpha counts. Nothing when the
+    /// server refuses (the drawable is gone). Throws PlatformError when the connection is lost or the pixel
+    /// format is one this program does not know.
     std::optional<QImage> read(xcb_drawable_t drawable, const QRect& area, int depth, xcb_visualid_t visual,
                                Alpha alpha);
 

@@ -8,8 +8,8 @@
 namespace orvane::x11 {
 
 /// Sees to it that every top-level window has pixels of its own, so that a covered one can be read whole.
-/// A compositor does that already. Where none runs, the windows are redirected on behalf of this connection, for
-/// as long as it lives; the screen looks the same. Any thread.
+/// A compositor does that already. Where none runs, the windows are redirected on behalf of this connection,
+/// for as long as it lives; the screen looks the same. Any thread.
 class Redirection {
 public:
     explicit Redirection(std::shared_ptr<X11Connection> connection)

@@ -9,18 +9,18 @@
 
 namespace orvane::x11 {
 
-/// The scale of each screen, found as Qt finds it for its own windows on X11 (Qt 6.4, "High DPI"), so that the
-/// points of this program are the points of every Qt window although no Qt window is needed to know them.
+/// The scale of each screen, found as Qt finds it for its own windows on X11 (Qt 6.4, "High DPI"), so that
+/// the points of this program are the points of every Qt window although no Qt window is needed to know them.
 class ScaleFactors {
 public:
     /// What the rules look at: environment variables and the desktop's font resolution.
     struct Inputs {
-        QString scaleFactor = {}; ///< QT_SCALE_FACTOR
+        QString scaleFactor = {};        ///< QT_SCALE_FACTOR
         QString screenScaleFactors = {}; ///< QT_SCREEN_SCALE_FACTORS
-        QString highDpiScaling = {}; ///< QT_ENABLE_HIGHDPI_SCALING
-        QString roundingPolicy = {}; ///< QT_SCALE_FACTOR_ROUNDING_POLICY
-        QString fontDpi = {}; ///< QT_FONT_DPI
-        std::optional<int> xftDpi = {}; ///< The X resource Xft.dpi
+        QString highDpiScaling = {};     ///< QT_ENABLE_HIGHDPI_SCALING
+        QString roundingPolicy = {};     ///< QT_SCALE_FACTOR_ROUNDING_POLICY
+        QString fontDpi = {};            ///< QT_FONT_DPI
+        std::optional<int> xftDpi = {};  ///< The X resource Xft.dpi
     };
 
     explicit ScaleFactors(const Inputs& inputs);

@@ -27,8 +27,8 @@ private:
 
 } // namespace
 
-std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader, xcb_window_t topLevel,
-                                   const QRect& area, Alpha alpha) {
+std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader,
+                                   xcb_window_t topLevel, const QRect& area, Alpha alpha) {
     const NamedPixmap pixmap(connection, topLevel);
     const auto windowCookie = xcb_get_geometry(connection.raw(), topLevel);
     const auto attributesCookie = xcb_get_window_attributes(connection.raw(), topLevel);

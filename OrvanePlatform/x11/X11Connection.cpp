@@ -42,7 +42,8 @@ RawConnection connectWithin(double seconds) {
         else
             promise.set_value(raw);
     }).detach();
-    const bool answered = future.wait_for(std::chrono::duration<double>(seconds)) == std::future_status::ready;
+    const bool answered =
+        future.wait_for(std::chrono::duration<double>(seconds)) == std::future_status::ready;
     if (answered || decided->exchange(true))
         return future.get();
     throw PlatformError(QStringLiteral("The display \"%1\" does not answer. Check that its X server runs.")
@@ -93,12 +94,12 @@ void X11Connection::queryExtensions() {
     };
 
     // The versions asked for are the ones whose requests this program sends: named window pixmaps came with
-    // Composite 0.2, monitors with RandR 1.5, client pids with X-Resource 1.2, file descriptors with MIT-SHM 1.2.
+    // Composite 0.2, monitors with RandR 1.5, client pids with X-Resource 1.2, file descriptors with
+    // MIT-SHM 1.2.
     if (present(&xcb_composite_id)) {
-        const auto version = reply<xcb_composite_query_version_reply>(
-            xcb_composite_query_version(m_connection, 0, 4));
-        m_extensions.composite =
-            version && (version->major_version > 0 || version->minor_version >= 2);
+        const auto version =
+            reply<xcb_composite_query_version_reply>(xcb_composite_query_version(m_connection, 0, 4));
+        m_extensions.composite = version && (version->major_version > 0 || version->minor_version >= 2);
     }
     if (present(&xcb_xfixes_id))
         m_extensions.xfixes =
@@ -109,18 +110,15 @@ void X11Connection::queryExtensions() {
     if (present(&xcb_randr_id)) {
         const auto version =
             reply<xcb_randr_query_version_reply>(xcb_randr_query_version(m_connection, 1, 5));
-        m_extensions.randrMonitors =
-            version && (version->major_version > 1 || version->minor_version >= 5);
+        m_extensions.randrMonitors = version && (version->major_version > 1 || version->minor_version >= 5);
     }
     if (present(&xcb_res_id)) {
         const auto version = reply<xcb_res_query_version_reply>(xcb_res_query_version(m_connection, 1, 2));
-        m_extensions.resourceClientIds =
-            version && (version->server_major > 1 || version->server_minor >= 2);
+        m_extensions.resourceClientIds = version && (version->server_major > 1 || version->server_minor >= 2);
     }
     if (present(&xcb_shm_id)) {
         const auto version = reply<xcb_shm_query_version_reply>(xcb_shm_query_version(m_connection));
-        m_extensions.sharedMemory =
-            version && (version->major_version > 1 || version->minor_version >= 2);
+        m_extensions.sharedMemory = version && (version->major_version > 1 || version->minor_version >= 2);
     }
 }
 
@@ -144,7 +142,8 @@ void X11Connection::dropEvents() const {
 void X11Connection::throwIfLost() const {
     if (lost()) {
         throw PlatformError(
-            QStringLiteral("The connection to the display \"%1\" was lost. Try again when the desktop is back.")
+            QStringLiteral(
+                "The connection to the display \"%1\" was lost. Try again when the desktop is back.")
                 .arg(displayName()));
     }
 }

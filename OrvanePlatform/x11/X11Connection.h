@@ -35,8 +35,8 @@ struct Extensions {
 /// asked for it. No events are selected on it.
 class X11Connection {
 public:
-    /// Connects to the server that DISPLAY names. Throws PlatformError with a sentence naming the display when
-    /// it does not answer within `timeoutSeconds`.
+    /// Connects to the server that DISPLAY names. Throws PlatformError with a sentence naming the display
+    /// when it does not answer within `timeoutSeconds`.
     static std::shared_ptr<X11Connection> open(double timeoutSeconds = 5.0);
 
     ~X11Connection();
@@ -62,8 +62,8 @@ public:
     /// connection is lost.
     template <auto ReplyFunction, typename Cookie>
     auto reply(Cookie cookie) const {
-        using Result = std::remove_pointer_t<std::invoke_result_t<
-            decltype(ReplyFunction), xcb_connection_t*, Cookie, xcb_generic_error_t**>>;
+        using Result = std::remove_pointer_t<
+            std::invoke_result_t<decltype(ReplyFunction), xcb_connection_t*, Cookie, xcb_generic_error_t**>>;
         xcb_generic_error_t* error = nullptr;
         Owned<Result> result(ReplyFunction(m_connection, cookie, &error));
         Owned<xcb_generic_error_t> ownedError(error);
@@ -72,8 +72,8 @@ public:
         return result;
     }
 
-    /// Waits until the server has dealt with everything sent so far. Throws PlatformError when the connection is
-    /// lost.
+    /// Waits until the server has dealt with everything sent so far. Throws PlatformError when the connection
+    /// is lost.
     void sync() const;
 
     /// Frees what the server sent unasked: errors of requests without a reply. Nobody waits for those.

@@ -9,8 +9,7 @@ namespace orvane::x11 {
 namespace {
 
 QString atomName(const X11Connection& connection, xcb_atom_t atom) {
-    const auto reply =
-        connection.reply<xcb_get_atom_name_reply>(xcb_get_atom_name(connection.raw(), atom));
+    const auto reply = connection.reply<xcb_get_atom_name_reply>(xcb_get_atom_name(connection.raw(), atom));
     if (!reply)
         return {};
     return QString::fromUtf8(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()));

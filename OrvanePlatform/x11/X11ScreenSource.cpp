@@ -17,8 +17,8 @@ namespace {
 void paintCursor(QImage& picture, const X11Connection& connection, const QRect& area) {
     if (!connection.extensions().xfixes)
         return;
-    const auto cursor = connection.reply<xcb_xfixes_get_cursor_image_reply>(
-        xcb_xfixes_get_cursor_image(connection.raw()));
+    const auto cursor =
+        connection.reply<xcb_xfixes_get_cursor_image_reply>(xcb_xfixes_get_cursor_image(connection.raw()));
     if (!cursor)
         return;
     const auto* pixels =
@@ -69,8 +69,8 @@ ShareableContent X11ScreenSource::listContent(std::stop_token stop) {
     content.displays = layout.displays();
     for (const ManagedWindow& window : readManagedWindows(*connection)) {
         if (window.onScreen)
-            content.windows.push_back({.windowId = window.client,
-                                       .framePoints = layout.toPoints(window.placement.visibleRect)});
+            content.windows.push_back(
+                {.windowId = window.client, .framePoints = layout.toPoints(window.placement.visibleRect)});
     }
     return content;
 }
@@ -81,8 +81,7 @@ QImage X11ScreenSource::captureWindow(qint64 windowId, bool showsCursor) {
         return PlatformError(QStringLiteral("The window closed or was hidden during the capture. "
                                             "Use list_windows to see what is there now."));
     };
-    const auto placement =
-        readPlacements(*own->connection, {static_cast<xcb_window_t>(windowId)}).front();
+    const auto placement = readPlacements(*own->connection, {static_cast<xcb_window_t>(windowId)}).front();
     if (!placement || !placement->viewable)
         throw gone();
     own->redirection.prepare(placement->frame);

@@ -62,8 +62,8 @@ WindowSnapshot X11WindowServer::snapshot(std::stop_token stop) {
     const ScreenLayout layout = readScreenLayout(*connection);
     std::vector<ManagedWindow> windows = readManagedWindows(*connection);
     const auto nameOf = [this](const ManagedWindow& window) {
-        return optionalText(m_entries.applicationName(window.instanceName, window.className)
-                                .value_or(window.className));
+        return optionalText(
+            m_entries.applicationName(window.instanceName, window.className).value_or(window.className));
     };
 
     WindowSnapshot snapshot;

@@ -58,19 +58,21 @@ protected:
     /// What the whole root window shows, in pixels.
     QImage screen() {
         const auto connection = session.connection();
-        const auto root =
-            connection->reply<xcb_get_geometry_reply>(xcb_get_geometry(connection->raw(), connection->root()));
+        const auto root = connection->reply<xcb_get_geometry_reply>(
+            xcb_get_geometry(connection->raw(), connection->root()));
         x11::PixelReader reader(connection);
-        return reader.read(connection->root(), QRect(0, 0, root->width, root->height), root->depth,
-                           connection->screen().root_visual, x11::Alpha::ignored)->copy();
+        return reader
+            .read(connection->root(), QRect(0, 0, root->width, root->height), root->depth,
+                  connection->screen().root_visual, x11::Alpha::ignored)
+            ->copy();
     }
 
     /// Waits until the screen shows that colour there: a compositor draws a moment after its clients.
     testing::AssertionResult screenShows(const QPoint& pixel, QRgb color) {
         if (eventually([&] { return screen().pixel(pixel) == color; }))
             return testing::AssertionSuccess();
-        return testing::AssertionFailure() << "the screen shows " << std::hex << screen().pixel(pixel) << " at "
-                                           << std::dec << pixel.x() << "," << pixel.y();
+        return testing::AssertionFailure() << "the screen shows " << std::hex << screen().pixel(pixel)
+                                           << " at " << std::dec << pixel.x() << "," << pixel.y();
     }
 
     VirtualDesktop desktop;

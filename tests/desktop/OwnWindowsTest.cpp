@@ -54,10 +54,11 @@ public:
         xcb_change_window_attributes(m_connection, screen->root, XCB_CW_BACK_PIXMAP, &tile);
         xcb_clear_area(m_connection, 0, screen->root, 0, 0, 0, 0);
         const auto atom = std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)>(
-            xcb_intern_atom_reply(m_connection, xcb_intern_atom(m_connection, 0, 13, "_XROOTPMAP_ID"), nullptr),
+            xcb_intern_atom_reply(m_connection, xcb_intern_atom(m_connection, 0, 13, "_XROOTPMAP_ID"),
+                                  nullptr),
             &std::free);
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, screen->root, atom->atom, XCB_ATOM_PIXMAP, 32, 1,
-                            &tile);
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, screen->root, atom->atom, XCB_ATOM_PIXMAP,
+                            32, 1, &tile);
         xcb_flush(m_connection);
     }
     ~Wallpaper() { xcb_disconnect(m_connection); }

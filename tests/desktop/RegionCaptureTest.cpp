@@ -23,8 +23,8 @@ protected:
 class RegionCaptureTwoMonitors : public RegionCapture {
 protected:
     RegionCaptureTwoMonitors()
-        : RegionCapture({u"--size"_s, u"2000x1000"_s, u"--monitors"_s, u"A:1200x1000+0+0,B:800x600+1200+100"_s,
-                         u"--scale"_s, u"A=1;B=2"_s}) {}
+        : RegionCapture({u"--size"_s, u"2000x1000"_s, u"--monitors"_s,
+                         u"A:1200x1000+0+0,B:800x600+1200+100"_s, u"--scale"_s, u"A=1;B=2"_s}) {}
 };
 
 } // namespace
@@ -33,7 +33,8 @@ TEST_F(RegionCapture, HoldsEveryPixel) {
     const TestWindow window({u"--undecorated"_s});
     awaitPicture({100, 100}, {300, 200});
     EXPECT_EQ(capture.captureRegion(100, 100, 300, 200, false), knownPicture(300, 200, false));
-    EXPECT_EQ(capture.captureRegion(110, 120, 30, 40, false), knownPicture(300, 200, false).copy(10, 20, 30, 40));
+    EXPECT_EQ(capture.captureRegion(110, 120, 30, 40, false),
+              knownPicture(300, 200, false).copy(10, 20, 30, 40));
     EXPECT_EQ(capture.captureRegion(100, 100, 1, 1, false).pixel(0, 0), knownPixel(0, 0));
 }
 
@@ -78,8 +79,9 @@ TEST_F(RegionCapture, ManyAtOnceDoNotMix) {
         threads.emplace_back([&, thread] {
             for (int i = 0; i < 50; ++i) {
                 const QRect part((i * 7 + thread) % 200, (i * 3) % 100, 50 + thread, 60);
-                EXPECT_EQ(capture.captureRegion(100 + part.x(), 100 + part.y(), part.width(), part.height(), false),
-                          whole.copy(part));
+                EXPECT_EQ(
+                    capture.captureRegion(100 + part.x(), 100 + part.y(), part.width(), part.height(), false),
+                    whole.copy(part));
             }
         });
     }
@@ -89,7 +91,8 @@ TEST_F(RegionCaptureTwoMonitors, CountsInThePointsOfTheDisplay) {
     const TestWindow window({u"--geometry"_s, u"300x200+1400+300"_s, u"--undecorated"_s});
     awaitPicture({1400, 300}, {300, 200});
     EXPECT_EQ(capture.captureRegion(1300, 200, 150, 100, false), knownPicture(300, 200, false));
-    EXPECT_EQ(capture.captureRegion(1310, 210, 10, 5, false), knownPicture(300, 200, false).copy(20, 20, 20, 10));
+    EXPECT_EQ(capture.captureRegion(1310, 210, 10, 5, false),
+              knownPicture(300, 200, false).copy(20, 20, 20, 10));
 }
 
 TEST_F(RegionCaptureTwoMonitors, CapturesEachDisplayWhole) {

@@ -30,8 +30,8 @@ protected:
 class WindowCaptureTwoMonitors : public WindowCapture {
 protected:
     WindowCaptureTwoMonitors()
-        : WindowCapture({u"--size"_s, u"2000x1000"_s, u"--monitors"_s, u"A:1200x1000+0+0,B:800x600+1200+100"_s,
-                         u"--scale"_s, u"A=1;B=2"_s}) {}
+        : WindowCapture({u"--size"_s, u"2000x1000"_s, u"--monitors"_s,
+                         u"A:1200x1000+0+0,B:800x600+1200+100"_s, u"--scale"_s, u"A=1;B=2"_s}) {}
 };
 
 class WindowCaptureFraction : public WindowCapture {

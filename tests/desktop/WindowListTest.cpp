@@ -26,8 +26,9 @@ protected:
 TEST_F(WindowList, TellsEverythingOfAWindow) {
     const TestWindow window({u"--geometry"_s, u"300x200+100+100"_s, u"--title"_s, u"Übersicht — 日本"_s,
                              u"--class"_s, u"Planner"_s, u"--undecorated"_s});
-    EXPECT_EQ(listed(window), (WindowInfo{u"Planner"_s, u"Übersicht — 日本"_s, qint32(window.pid()), window.id(),
-                                          100, 100, 300, 200, displays.list().front().id, u"0,0,1280,800"_s}));
+    EXPECT_EQ(listed(window),
+              (WindowInfo{u"Planner"_s, u"Übersicht — 日本"_s, qint32(window.pid()), window.id(), 100, 100,
+                          300, 200, displays.list().front().id, u"0,0,1280,800"_s}));
 }
 
 TEST_F(WindowList, CountsDecorationsAsTheWindow) {
@@ -113,8 +114,10 @@ TEST_F(WindowList, BringsAMinimisedWindowBack) {
 }
 
 TEST_F(WindowList, ActivationShowsOnTheScreenAtOnce) {
-    const auto red = colorWindow(u"300x200+100+100"_s, u"red"_s, {u"--class"_s, u"Red"_s, u"--undecorated"_s});
-    const auto blue = colorWindow(u"300x200+150+150"_s, u"blue"_s, {u"--class"_s, u"Blue"_s, u"--undecorated"_s});
+    const auto red =
+        colorWindow(u"300x200+100+100"_s, u"red"_s, {u"--class"_s, u"Red"_s, u"--undecorated"_s});
+    const auto blue =
+        colorWindow(u"300x200+150+150"_s, u"blue"_s, {u"--class"_s, u"Blue"_s, u"--undecorated"_s});
     ASSERT_TRUE(screenShows({300, 250}, 0xff0000ffU));
     EXPECT_TRUE(discovery.activate(u"red"_s).success);
     EXPECT_TRUE(screenShows({300, 250}, 0xffff0000U));

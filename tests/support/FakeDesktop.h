@@ -117,11 +117,8 @@ public:
         window.boundsPoints = bounds;
         window.title = title;
         windows.applications.push_back({.pid = pid, .localizedName = name, .windows = {window}});
-        windows.onScreen.push_back({.windowId = windowId,
-                                    .pid = pid,
-                                    .ownerName = name,
-                                    .title = title,
-                                    .boundsPoints = bounds});
+        windows.onScreen.push_back(
+            {.windowId = windowId, .pid = pid, .ownerName = name, .title = title, .boundsPoints = bounds});
         shareable.push_back({.windowId = windowId, .framePoints = bounds});
     }
 

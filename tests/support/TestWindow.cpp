@@ -43,9 +43,8 @@ QByteArray TestWindow::readLine() {
 
 std::unique_ptr<TestWindow> colorWindow(const QString& geometry, const QString& color,
                                         const QStringList& options) {
-    return std::make_unique<TestWindow>(QStringList{QStringLiteral("--geometry"), geometry,
-                                                    QStringLiteral("--color"), color}
-                                        + options);
+    return std::make_unique<TestWindow>(
+        QStringList{QStringLiteral("--geometry"), geometry, QStringLiteral("--color"), color} + options);
 }
 
 } // namespace orvane::test

@@ -67,8 +67,8 @@ QByteArray runCommand(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
     if (!process.waitForFinished(startDeadlineMs) || process.exitCode() != 0)
-        throw std::runtime_error(program.toStdString() + " failed: " +
-                                 process.readAllStandardError().toStdString());
+        throw std::runtime_error(program.toStdString() +
+                                 " failed: " + process.readAllStandardError().toStdString());
     return process.readAllStandardOutput();
 }
 

@@ -114,7 +114,8 @@ private:
     }
 
     xcb_visualid_t visualOfDepth(int wanted) const {
-        for (auto depth = xcb_screen_allowed_depths_iterator(m_screen); depth.rem > 0; xcb_depth_next(&depth)) {
+        for (auto depth = xcb_screen_allowed_depths_iterator(m_screen); depth.rem > 0;
+             xcb_depth_next(&depth)) {
             if (depth.data->depth == wanted && xcb_depth_visuals_length(depth.data) > 0)
                 return xcb_depth_visuals(depth.data)->visual_id;
         }
@@ -156,8 +157,8 @@ private:
         setText("_NET_WM_NAME", "UTF8_STRING", m_options.title);
         const QByteArray name = m_options.windowClass.toLatin1();
         const QByteArray windowClass = name.toLower() + '\0' + name + '\0';
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                            static_cast<uint32_t>(windowClass.size()), windowClass.constData());
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,
+                            8, static_cast<uint32_t>(windowClass.size()), windowClass.constData());
         if (!m_options.tellsNoPid)
             setProperty("_NET_WM_PID", XCB_ATOM_CARDINAL, {static_cast<uint32_t>(::getpid())});
         if (!m_options.type.isEmpty()) {
@@ -173,7 +174,8 @@ private:
         }
         if (m_options.undecorated)
             setProperty("_MOTIF_WM_HINTS", atom("_MOTIF_WM_HINTS"), {2, 0, 0, 0, 0});
-        // WM_NORMAL_HINTS with the flags USPosition and PPosition (ICCCM 2.0): the window stays where a test put it.
+        // WM_NORMAL_HINTS with the flags USPosition and PPosition (ICCCM 2.0): the window stays where a test
+        // put it.
         setProperty("WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS,
                     {1U | 4U, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     }
@@ -181,9 +183,9 @@ private:
     void draw() const {
         const QSize size = m_options.geometry.size();
         const bool transparent = m_options.depth == 32;
-        QImage picture = knownPicture(size.width(), size.height(), transparent)
-                             .convertToFormat(transparent ? QImage::Format_ARGB32_Premultiplied
-                                                          : QImage::Format_RGB32);
+        QImage picture =
+            knownPicture(size.width(), size.height(), transparent)
+                .convertToFormat(transparent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
         if (m_options.color)
             picture.fill(*m_options.color);
         // A request may hold 256 KiB at least, and a strip of 16 rows is below that up to 4096 pixels' width.
@@ -209,8 +211,8 @@ private:
 
     std::vector<uint32_t> rootProperty(const char* name) const {
         const auto reply = take(xcb_get_property_reply(
-            m_connection, xcb_get_property(m_connection, 0, m_screen->root, atom(name), XCB_ATOM_ANY, 0, 4096),
-            nullptr));
+            m_connection,
+            xcb_get_property(m_connection, 0, m_screen->root, atom(name), XCB_ATOM_ANY, 0, 4096), nullptr));
         const auto* values = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
         return {values, values + reply->value_len};
     }
@@ -243,7 +245,9 @@ private:
                        reinterpret_cast<const char*>(&event));
     }
 
-    void sync() const { take(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr)); }
+    void sync() const {
+        take(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    }
 
     Options m_options;
     xcb_connection_t* m_connection;

@@ -81,8 +81,9 @@ TEST_F(CaptureFilesTest, SavesTheWholePicture) {
 
 TEST_F(CaptureFilesTest, KeepsStrangeNamesInsideTheFolder) {
     const EncodedCapture encoded = files.encode(knownPicture(10, 10, false));
-    for (const QString& name : {QStringLiteral("../../escape"), QStringLiteral("a/b\nc\td"), QString(10000, u'x'),
-                                QString(10000, u'漢'), QString(QChar(0)), QStringLiteral("..")}) {
+    for (const QString& name :
+         {QStringLiteral("../../escape"), QStringLiteral("a/b\nc\td"), QString(10000, u'x'),
+          QString(10000, u'漢'), QString(QChar(0)), QStringLiteral("..")}) {
         files.save(encoded, name, QStringLiteral("-region"));
         const QStringList saved = savedNames();
         ASSERT_EQ(saved.size(), 1) << name.left(20).toStdString();

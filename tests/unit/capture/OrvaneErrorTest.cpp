@@ -22,8 +22,9 @@ TEST(OrvaneError, NumbersTheCasesInOrder) {
                                   OrvaneError::permissionDenied()};
     int number = 0;
     for (const OrvaneError& error : errors) {
-        EXPECT_EQ(error.localizedDescription(),
-                  QStringLiteral("The operation could not be completed. (OrvaneError error %1.)").arg(number));
+        EXPECT_EQ(
+            error.localizedDescription(),
+            QStringLiteral("The operation could not be completed. (OrvaneError error %1.)").arg(number));
         ++number;
     }
 }

@@ -101,8 +101,15 @@ TEST_F(ScreenCaptureTest, CapturesARegionElsewhereRelativeToTheFirstDisplay) {
 
 TEST_F(ScreenCaptureTest, RefusesRegionsNoPictureCanHave) {
     constexpr qint64 most = std::numeric_limits<qint64>::max();
-    for (const auto& [width, height] : std::vector<std::pair<qint64, qint64>>{
-             {0, 5}, {5, 0}, {-3, 5}, {5, -3}, {16385, 1}, {1, 16385}, {16000, 16000}, {most, most}, {-most, 1}})
+    for (const auto& [width, height] : std::vector<std::pair<qint64, qint64>>{{0, 5},
+                                                                              {5, 0},
+                                                                              {-3, 5},
+                                                                              {5, -3},
+                                                                              {16385, 1},
+                                                                              {1, 16385},
+                                                                              {16000, 16000},
+                                                                              {most, most},
+                                                                              {-most, 1}})
         EXPECT_THROW(capture.captureRegion(0, 0, width, height, false), RegionSizeError) << width << height;
     // At scale 2 the limit holds for pixels.
     EXPECT_THROW(capture.captureRegion(1000, 0, 8193, 1, false), RegionSizeError);
@@ -131,7 +138,8 @@ TEST_F(ScreenCaptureTest, CapturesDisplaysById) {
     EXPECT_EQ(desktop.capturedDisplays, std::vector{22U});
     EXPECT_EQ(desktop.capturedWithoutOwn, std::vector{11U});
     EXPECT_EQ(errorOf([&] { capture.captureDisplay(33, false); }), OrvaneError::Case::displayNotFound);
-    EXPECT_EQ(errorOf([&] { capture.captureDisplayExcludingOwnApp(33); }), OrvaneError::Case::displayNotFound);
+    EXPECT_EQ(errorOf([&] { capture.captureDisplayExcludingOwnApp(33); }),
+              OrvaneError::Case::displayNotFound);
 }
 
 TEST_F(ScreenCaptureTest, PassesTheDesktopsErrorOn) {

@@ -85,9 +85,9 @@ TEST_F(ToolHandlerTest, MakesTheDataFolders) {
 }
 
 TEST_F(ToolHandlerTest, SaysWhichToolsAreStillToCome) {
-    for (const char* name : {"capture_annotated", "start_recording", "stop_recording", "poll_recording",
-                             "read_frame", "get_annotations", "annotate_understanding",
-                             "get_annotation_feedback"}) {
+    for (const char* name :
+         {"capture_annotated", "start_recording", "stop_recording", "poll_recording", "read_frame",
+          "get_annotations", "annotate_understanding", "get_annotation_feedback"}) {
         const QJsonObject result = call(name, terminal);
         EXPECT_EQ(text(result), u"Error: Not available in this build: "_s + QLatin1String(name));
         EXPECT_TRUE(failed(result));
@@ -102,9 +102,10 @@ TEST_F(ToolHandlerTest, KnowsNoOtherTool) {
 
 TEST_F(ToolHandlerTest, ListsWindows) {
     const QJsonObject result = call("list_windows", {{u"extra"_s, 1}});
-    EXPECT_EQ(text(result),
-              u"[{\"appName\":\"Terminal\",\"windowTitle\":\"build — main\",\"pid\":7,\"windowId\":40,\"x\":10,"
-              u"\"y\":20,\"width\":300,\"height\":200,\"displayId\":11,\"displayBounds\":\"0,0,4000,3000\"}]");
+    EXPECT_EQ(
+        text(result),
+        u"[{\"appName\":\"Terminal\",\"windowTitle\":\"build — main\",\"pid\":7,\"windowId\":40,\"x\":10,"
+        u"\"y\":20,\"width\":300,\"height\":200,\"displayId\":11,\"displayBounds\":\"0,0,4000,3000\"}]");
     EXPECT_FALSE(result.contains(u"isError"_s));
 }
 
@@ -131,11 +132,12 @@ TEST_F(ToolHandlerTest, ActivatesAWindow) {
 
 TEST_F(ToolHandlerTest, CapturesAWindow) {
     const QJsonObject result = call("capture_window", terminal);
-    EXPECT_EQ(text(result),
-              u"Captured Terminal — build — main.\nwindowId: 40  (pass to annotate_understanding as frame "
-              u"{\"type\":\"window\",\"windowId\":40})\nReturned image: 300×200 px — measure any annotation "
-              u"coordinates in THIS image and pass these as the frame's imageWidth/imageHeight.\nNative window: "
-              u"300×200 pt.");
+    EXPECT_EQ(
+        text(result),
+        u"Captured Terminal — build — main.\nwindowId: 40  (pass to annotate_understanding as frame "
+        u"{\"type\":\"window\",\"windowId\":40})\nReturned image: 300×200 px — measure any annotation "
+        u"coordinates in THIS image and pass these as the frame's imageWidth/imageHeight.\nNative window: "
+        u"300×200 pt.");
     EXPECT_EQ(image(result), desktop.picture);
     EXPECT_EQ(items(result), 2);
     EXPECT_EQ(saved(), QStringList{stamp + u"-TERM.png"_s});
@@ -162,7 +164,8 @@ TEST_F(ToolHandlerTest, FailsWithoutAWindow) {
             EXPECT_EQ(items(result), 1);
         }
     }
-    EXPECT_EQ(text(call("capture_window_region", joined(square, {{u"app_name"_s, u"Nope"_s}}))), invalidArguments);
+    EXPECT_EQ(text(call("capture_window_region", joined(square, {{u"app_name"_s, u"Nope"_s}}))),
+              invalidArguments);
     EXPECT_TRUE(saved().isEmpty());
 }
 
@@ -197,8 +200,9 @@ TEST_F(ToolHandlerTest, ReportsTheNumbersAskedForBeyondTheWindow) {
 TEST_F(ToolHandlerTest, NeedsEveryNumberOfARegion) {
     for (const char* tool : {"capture_region", "capture_window_region"}) {
         for (const QString& key : square.keys()) {
-            for (const QJsonValue& bad : {QJsonValue(QJsonValue::Undefined), QJsonValue(10.5), QJsonValue(1e30),
-                                          QJsonValue(u"10"_s), QJsonValue(true), QJsonValue(), QJsonValue(QJsonArray{1})}) {
+            for (const QJsonValue& bad :
+                 {QJsonValue(QJsonValue::Undefined), QJsonValue(10.5), QJsonValue(1e30), QJsonValue(u"10"_s),
+                  QJsonValue(true), QJsonValue(), QJsonValue(QJsonArray{1})}) {
                 QJsonObject arguments = joined(square, terminal);
                 arguments.insert(key, bad);
                 const QJsonObject result = call(tool, arguments);
@@ -242,18 +246,22 @@ TEST_F(ToolHandlerTest, ComparesBeforeAndAfter) {
     desktop.picture.fill(Qt::red);
     now = now.addSecs(61);
     const QJsonObject second = call("capture_diff", {{u"app_name"_s, u"tERMINAL"_s}});
-    EXPECT_EQ(text(second), u"BEFORE (2026-03-04T05:06:07Z) and AFTER (2026-03-04T05:07:08Z) of Terminal (300x200)");
+    EXPECT_EQ(text(second),
+              u"BEFORE (2026-03-04T05:06:07Z) and AFTER (2026-03-04T05:07:08Z) of Terminal (300x200)");
     EXPECT_EQ(items(second), 3);
     EXPECT_EQ(image(second, 1), before);
     EXPECT_EQ(image(second, 2), desktop.picture);
-    EXPECT_TRUE(saved().contains(now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s) + u"-tERMINAL-after.png"_s));
+    EXPECT_TRUE(
+        saved().contains(now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s) + u"-tERMINAL-after.png"_s));
 
-    EXPECT_TRUE(text(call("capture_diff", {{u"app_name"_s, u"Terminal"_s}})).startsWith(u"Stored 'before'"_s));
+    EXPECT_TRUE(
+        text(call("capture_diff", {{u"app_name"_s, u"Terminal"_s}})).startsWith(u"Stored 'before'"_s));
 }
 
 TEST_F(ToolHandlerTest, KeepsEachSpellingsDiffApart) {
     call("capture_diff", {{u"app_name"_s, u"term"_s}});
-    EXPECT_TRUE(text(call("capture_diff", {{u"app_name"_s, u"terminal"_s}})).startsWith(u"Stored 'before'"_s));
+    EXPECT_TRUE(
+        text(call("capture_diff", {{u"app_name"_s, u"terminal"_s}})).startsWith(u"Stored 'before'"_s));
 }
 
 TEST_F(ToolHandlerTest, AnswersEvenWhereNothingCanBeSaved) {

@@ -56,7 +56,8 @@ TEST(WindowCrop, IsAllTransparentFarAway) {
 }
 
 TEST(WindowCrop, RefusesSizesNoPictureCanHave) {
-    for (const QSizeF& size : {QSizeF(0, 5), QSizeF(5, 0), QSizeF(-1, 5), QSizeF(1e18, 5), QSizeF(9000, 9000)})
+    for (const QSizeF& size :
+         {QSizeF(0, 5), QSizeF(5, 0), QSizeF(-1, 5), QSizeF(1e18, 5), QSizeF(9000, 9000)})
         EXPECT_THROW(cropWindow(windowAtScale(1), {QPointF(0, 0), size}), RegionSizeError);
 }
 

@@ -42,8 +42,7 @@ TEST(MatchWindowId, TakesBoundsWithinTenPoints) {
 TEST(MatchWindowId, FallsToTheFirstOfTheProcessAtTenPoints) {
     const std::vector<WindowEntry> rows{row(1, 5, {0, 0, 100, 100}), row(2, 5, {210, 50, 100, 100})};
     EXPECT_EQ(matchWindowId(rows, 5, {200, 50, 100, 100}), 1);
-    for (const QRectF& off :
-         {QRectF(200, 40, 100, 100), QRectF(210, 50, 110, 100), QRectF(210, 50, 100, 90)})
+    for (const QRectF& off : {QRectF(200, 40, 100, 100), QRectF(210, 50, 110, 100), QRectF(210, 50, 100, 90)})
         EXPECT_EQ(matchWindowId(rows, 5, off), 1);
 }
 
@@ -88,8 +87,8 @@ TEST_F(WindowDiscoveryTest, ListsWindowsInTheOrderOfApplications) {
     desktop.addApplication(1, QStringLiteral("Abc"), 10, {1100, 20, 300, 200});
     const std::vector<WindowInfo> windows = discovery.listWindows();
     ASSERT_EQ(windows.size(), 2U);
-    EXPECT_EQ(windows[0], (WindowInfo{QStringLiteral("Zed"), QStringLiteral("one"), 2, 20, 10, 20, 300, 200, 11,
-                                      QStringLiteral("0,0,1000,800")}));
+    EXPECT_EQ(windows[0], (WindowInfo{QStringLiteral("Zed"), QStringLiteral("one"), 2, 20, 10, 20, 300, 200,
+                                      11, QStringLiteral("0,0,1000,800")}));
     EXPECT_EQ(windows[1].appName, u"Abc");
     EXPECT_EQ(windows[1].windowTitle, u"");
     EXPECT_EQ(windows[1].displayId, 22U);

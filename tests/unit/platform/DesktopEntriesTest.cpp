@@ -58,7 +58,8 @@ TEST(DesktopEntry, IsNothingForOtherFiles) {
     EXPECT_FALSE(parse(""));
     EXPECT_FALSE(parse("Name=\n"));
     EXPECT_FALSE(parse("Name=App\nHidden=true\n"));
-    EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), "[Desktop Entry]\nType=Link\nName=App\n", QStringLiteral("C")));
+    EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), "[Desktop Entry]\nType=Link\nName=App\n",
+                                   QStringLiteral("C")));
     EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), "Name=App\nType=Application\n", QStringLiteral("C")));
     EXPECT_FALSE(parseDesktopEntry(QStringLiteral("x"), QByteArray(1000, '\xff'), QStringLiteral("C")));
 }

@@ -51,7 +51,8 @@ TEST(ScaleFactors, TakesFactorsByPlace) {
 }
 
 TEST(ScaleFactors, MultipliesByTheGlobalFactor) {
-    EXPECT_EQ(factorOf({.scaleFactor = QStringLiteral("1.5"), .screenScaleFactors = QStringLiteral("A=2")}), 3.0);
+    EXPECT_EQ(factorOf({.scaleFactor = QStringLiteral("1.5"), .screenScaleFactors = QStringLiteral("A=2")}),
+              3.0);
     EXPECT_EQ(factorOf({.scaleFactor = QStringLiteral("1.5"), .xftDpi = 192}), 3.0);
 }
 

@@ -34,8 +34,7 @@ TEST(SpngWriter, IgnoresTheUnusedByteOfOpaquePixels) {
 
 TEST(SpngWriter, WritesTransparencyStraight) {
     const QImage picture = knownPicture(33, 70, true);
-    const QByteArray png =
-        SpngWriter().encode(picture.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+    const QByteArray png = SpngWriter().encode(picture.convertToFormat(QImage::Format_ARGB32_Premultiplied));
     EXPECT_EQ(colorType(png), 6);
     const QImage decoded = QImage::fromData(png, "PNG").convertToFormat(QImage::Format_ARGB32);
     EXPECT_EQ(decoded.pixel(0, 5), picture.pixel(0, 5));
@@ -44,7 +43,8 @@ TEST(SpngWriter, WritesTransparencyStraight) {
 }
 
 TEST(SpngWriter, WritesAnySize) {
-    for (const QSize& size : {QSize(1, 1), QSize(1, 300), QSize(4000, 1), QSize(7, 32), QSize(7, 33), QSize(7, 64)})
+    for (const QSize& size :
+         {QSize(1, 1), QSize(1, 300), QSize(4000, 1), QSize(7, 32), QSize(7, 33), QSize(7, 64)})
         EXPECT_EQ(QImage::fromData(SpngWriter().encode(knownPicture(size.width(), size.height(), false))),
                   knownPicture(size.width(), size.height(), false));
 }

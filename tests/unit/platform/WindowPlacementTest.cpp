@@ -10,7 +10,8 @@ TEST(VisibleRect, IsTheFrameOfADecoratedWindow) {
 }
 
 TEST(VisibleRect, IsTheFrameWhereDecorationsAreNotTold) {
-    EXPECT_EQ(visibleRect({98, 78, 304, 224}, {100, 100, 300, 200}, std::nullopt, {}), QRect(98, 78, 304, 224));
+    EXPECT_EQ(visibleRect({98, 78, 304, 224}, {100, 100, 300, 200}, std::nullopt, {}),
+              QRect(98, 78, 304, 224));
 }
 
 TEST(VisibleRect, LeavesOutClientSideShadows) {
