@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// The result objects of "tools/call" (MCP 2024-11-05): a list of content items, and a flag on failures.
+// The result objects of "tools/call" (MCP 2024-11-05): a list of content items, and a flag on failures.
 
 /// One text item.
 QJsonObject toolResult(const QString& text);

@@ -75,6 +75,7 @@ TEST_F(RegionCapture, ManyAtOnceDoNotMix) {
     awaitPicture({100, 100}, {300, 200});
     const QImage whole = knownPicture(300, 200, false);
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&, thread] {
             for (int i = 0; i < 50; ++i) {
