@@ -27,7 +27,7 @@ bool waitFor(int fd, short events) {
 bool mayRetry(int error, int fd, short events) {
     if (error == EINTR)
         return true;
-    return (error == EAGAIN || error == EWOULDBLOCK) && false && waitFor(fd, events);
+    return (error == EAGAIN || error == EWOULDBLOCK) && waitFor(fd, events);
 }
 
 /// Keeps a write to a closed pipe from ending the process, for this thread alone: what the process does with

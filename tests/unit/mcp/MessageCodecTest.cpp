@@ -48,13 +48,25 @@ INSTANTIATE_TEST_SUITE_P(Nul, MalformedMessage,
                          testing::Values(QByteArray("[\"a\0b\"]", 7), QByteArray("{\"\0\":1}", 7),
                                          QByteArray("[1]\0", 4), QByteArray("\0[1]", 4),
                                          QByteArray("[\0]", 3), QByteArray("\0", 1)));
-INSTANTIATE_TEST_SUITE_P(Utf8, MalformedMessage,
-                         testing::Values("[\"\xff\"]", "[\"\xc3\"]", "[\"\xc0\x80\"]", "[\"\xed\xa0\x80\"]",
-                                         "[\"\xf4\x90\x80\x80\"]", "{\"\xff\":1}", "\xff[1]", "[1]\xff",
-                                         "[1,\xff]", "[\"\xe2\x82\"]"));
 INSTANTIATE_TEST_SUITE_P(TooDeep, MalformedMessage,
                          testing::Values(QByteArray(100'000, '['), QByteArray("{\"a\":").repeated(100'000),
                                          QByteArray(100'000, '[') + QByteArray(100'000, ']')));
+
+class InvalidUtf8 : public testing::TestWithParam<QByteArray> {};
+
+TEST_P(InvalidUtf8, IsNamedAsWhatItIsWhereverItStands) {
+    try {
+        MessageCodec::parse(GetParam());
+        FAIL() << "accepted";
+    } catch (const MessageError& error) {
+        EXPECT_EQ(error.message(), u"The message is not valid UTF-8"_s);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, InvalidUtf8,
+                         testing::Values("[\"\xff\"]", "[\"\xc3\"]", "[\"\xc0\x80\"]", "[\"\xed\xa0\x80\"]",
+                                         "[\"\xf4\x90\x80\x80\"]", "{\"\xff\":1}", "\xff[1]", "[1]\xff",
+                                         "[1,\xff]", "[\"\xe2\x82\"]"));
 
 TEST(MessageCodec, AcceptsObjectsAndArraysWithBlanksAround) {
     EXPECT_EQ(compact(" \t{\"a\" : 1}\r\n "), R"({"a":1})");
