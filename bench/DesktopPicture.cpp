@@ -71,9 +71,9 @@ void drawText(QImage& picture, const QRect& area, QRgb ground, QRgb ink,
             // Squaring makes some letters common and others rare.
             const int draw = below(random, glyphCount);
             const Glyph& glyph = glyphs.at(static_cast<size_t>(draw * draw / glyphCount));
+            const int left = area.left() + column * glyphWidth;
             for (int y = 0; y < glyphHeight; ++y) {
-                auto* row =
-                    reinterpret_cast<QRgb*>(picture.scanLine(top + y)) + area.left() + column * glyphWidth;
+                auto* row = reinterpret_cast<QRgb*>(picture.scanLine(top + y)) + left;
                 for (int x = 0; x < glyphWidth; ++x)
                     row[x] = mixed(ground, ink,
                                    glyph.at(static_cast<size_t>(y) * glyphWidth + static_cast<size_t>(x)));

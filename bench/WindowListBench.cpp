@@ -10,13 +10,14 @@ constexpr int windowCount = 100;
 
 std::vector<orvane::WindowInfo> windows() {
     std::vector<orvane::WindowInfo> windows;
-    for (int i = 0; i < windowCount; ++i) {
+    windows.reserve(windowCount);
+    for (qint32 i = 0; i < windowCount; ++i) {
         windows.push_back({.appName = u"Application %1"_s.arg(i % 12),
                            .windowTitle = u"Report “%1” — the \"final\" version"_s.arg(i),
                            .pid = 1000 + i,
-                           .windowId = 0x1400000 + i * 0x200000,
-                           .x = 10 * i,
-                           .y = 7 * i,
+                           .windowId = 0x1400000 + qint64{0x200000} * i,
+                           .x = qint64{10} * i,
+                           .y = qint64{7} * i,
                            .width = 640,
                            .height = 480,
                            .displayId = 3141592653U,

@@ -15,7 +15,8 @@ QJsonObject toolResult(const QString& text);
 QJsonObject toolResultWithImage(const QString& text, const QByteArray& png);
 
 /// The text, then two images in this order.
-QJsonObject toolResultWithImages(const QString& text, const QByteArray& firstPng, const QByteArray& secondPng);
+QJsonObject toolResultWithImages(const QString& text, const QByteArray& firstPng,
+                                 const QByteArray& secondPng);
 
 /// A failure the agent is meant to read: "Error: " and the message.
 QJsonObject toolError(const QString& message);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ranges>
 #include <thread>
 
 namespace orvane::x11 {
@@ -117,9 +118,9 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
         return;
     const auto connection = m_session.connection();
     // The rear-most first, so that the front one ends in front.
-    for (auto handle = handles.rbegin(); handle != handles.rend(); ++handle) {
+    for (const qint64 handle : handles | std::views::reverse) {
         const uint32_t above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(*handle),
+        xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(handle),
                              XCB_CONFIG_WINDOW_STACK_MODE, &above);
     }
     sendActivate(*connection, static_cast<xcb_window_t>(handles.front()), activeWindow(*connection));

@@ -51,7 +51,8 @@ TEST(SpngWriter, WritesAnySize) {
 
 TEST(SpngWriter, WritesAPartOfALargerPicture) {
     const QImage whole = knownPicture(100, 100, false);
-    const QImage part(whole.constScanLine(10) + 20 * 4, 30, 40, whole.bytesPerLine(), whole.format());
+    const QImage part(whole.constScanLine(10) + ptrdiff_t(20) * 4, 30, 40, whole.bytesPerLine(),
+                      whole.format());
     EXPECT_EQ(QImage::fromData(SpngWriter().encode(part)), whole.copy(20, 10, 30, 40));
 }
 
