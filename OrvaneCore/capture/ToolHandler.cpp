@@ -215,14 +215,10 @@ WindowInfo ToolHandler::findWindow(const QString& appName) {
 std::optional<ToolHandler::PendingDiff> ToolHandler::exchangeDiff(const QString& key,
                                                                   const PendingDiff& latest) {
     const std::scoped_lock lock(m_mutex);
-    const auto stored = m_diffStore.constFind(key);
-    if (stored == m_diffStore.constEnd()) {
-        m_diffStore.insert(key, latest);
-        return std::nullopt;
-    }
-    const PendingDiff before = *stored;
-    m_diffStore.erase(stored);
-    return before;
+    if (m_diffStore.contains(key))
+        return m_diffStore.take(key);
+    m_diffStore.insert(key, latest);
+    return std::nullopt;
 }
 
 } // namespace orvane

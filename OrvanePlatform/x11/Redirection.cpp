@@ -65,23 +65,31 @@ void Redirection::prepare(xcb_window_t topLevel) {
     const std::scoped_lock lock(m_mutex);
     if (m_redirected || composited())
         return;
-    waitForRepaint(topLevel);
+    redirectAndAwaitRepaint(topLevel, [this] {
+        return xcb_composite_redirect_subwindows(m_connection->raw(), m_connection->root(),
+                                                 XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    });
     m_redirected = true;
 }
 
-void Redirection::waitForRepaint(xcb_window_t topLevel) {
-    const auto redirect = [this] {
-        xcb_composite_redirect_subwindows(m_connection->raw(), m_connection->root(),
-                                          XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-        m_connection->sync();
-    };
+void Redirection::prepareFreed(xcb_window_t topLevel) {
+    const std::scoped_lock lock(m_mutex);
+    redirectAndAwaitRepaint(topLevel, [this, topLevel] {
+        return xcb_composite_redirect_window(m_connection->raw(), topLevel, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    });
+}
+
+template <typename Redirect>
+void Redirection::redirectAndAwaitRepaint(xcb_window_t topLevel, Redirect redirect) {
     if (!m_connection->extensions().damage || !m_connection->extensions().xfixes) {
         redirect();
+        m_connection->sync();
         std::this_thread::sleep_for(quietTime);
         return;
     }
     DamageWatch watch(*m_connection, topLevel);
     redirect();
+    m_connection->sync();
     const auto limit = std::chrono::steady_clock::now() + repaintLimit;
     auto quietSince = std::chrono::steady_clock::now();
     while (std::chrono::steady_clock::now() < std::min(limit, quietSince + quietTime)) {

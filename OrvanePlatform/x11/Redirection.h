@@ -23,8 +23,13 @@ public:
     /// Throws PlatformError when the server cannot redirect windows or the connection is lost.
     void prepare(xcb_window_t topLevel);
 
+    /// The same for a window that the compositor has set free, as some do with full-screen windows: this one
+    /// is redirected on behalf of this connection.
+    void prepareFreed(xcb_window_t topLevel);
+
 private:
-    void waitForRepaint(xcb_window_t topLevel);
+    template <typename Redirect>
+    void redirectAndAwaitRepaint(xcb_window_t topLevel, Redirect redirect);
 
     std::shared_ptr<X11Connection> m_connection;
     std::mutex m_mutex;

@@ -86,8 +86,14 @@ QImage X11ScreenSource::captureWindow(qint64 windowId, bool showsCursor) {
         throw gone();
     own->redirection.prepare(placement->frame);
     const Alpha alpha = own->redirection.composited() ? Alpha::counts : Alpha::ignored;
-    auto picture =
-        readTopLevel(*own->connection, own->reader, placement->frame, placement->visibleRect, alpha);
+    const auto read = [&] {
+        return readTopLevel(*own->connection, own->reader, placement->frame, placement->visibleRect, alpha);
+    };
+    std::optional<QImage> picture = read();
+    if (!picture) {
+        own->redirection.prepareFreed(placement->frame);
+        picture = read();
+    }
     if (!picture)
         throw gone();
     if (showsCursor)

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <ranges>
 #include <thread>
+#include <utility>
 
 namespace orvane::x11 {
 
@@ -77,9 +78,12 @@ WindowSnapshot X11WindowServer::snapshot(std::stop_token stop) {
     }
 
     const auto ranks = frontRanks(readStackingOrder(*connection));
-    std::stable_sort(windows.begin(), windows.end(), [&ranks](const auto& a, const auto& b) {
-        return ranks.value(a.client, ranks.size()) < ranks.value(b.client, ranks.size());
-    });
+    // A minimised window may keep its place in the stack, and still nobody sees it in front.
+    const auto place = [&ranks](const ManagedWindow& window) {
+        return std::pair(!window.onScreen, ranks.value(window.client, ranks.size()));
+    };
+    std::stable_sort(windows.begin(), windows.end(),
+                     [&place](const auto& a, const auto& b) { return place(a) < place(b); });
     for (const ManagedWindow& window : windows) {
         const QRectF boundsPoints = layout.toPoints(window.placement.visibleRect);
         const auto application = applicationOf.constFind(window.pid);

@@ -167,6 +167,21 @@ TEST_F(WindowCaptureUncomposited, IsWholeWherePartlyOffTheScreen) {
     EXPECT_EQ(captured(window), knownPicture(300, 200, false));
 }
 
+TEST_F(WindowCaptureUncomposited, SurvivesACompositorThatSetsAWindowFree) {
+    // Whoever owns this selection counts as the compositor, and this one redirects nothing.
+    const auto compositor = x11::X11Connection::open();
+    const xcb_window_t owner = xcb_generate_id(compositor->raw());
+    xcb_create_window(compositor->raw(), XCB_COPY_FROM_PARENT, owner, compositor->root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_set_selection_owner(compositor->raw(), owner, compositor->atoms().compositorSelection,
+                            XCB_CURRENT_TIME);
+    compositor->sync();
+
+    const TestWindow window;
+    const auto cover = colorWindow(u"500x400+50+50"_s, u"red"_s);
+    EXPECT_EQ(captured(window), knownPicture(300, 200, false));
+}
+
 TEST_F(WindowCaptureTwoMonitors, KeepsEveryPixelOnTheScaledMonitor) {
     const TestWindow window({u"--geometry"_s, u"300x200+1400+300"_s, u"--undecorated"_s});
     const orvane::WindowCapture picture = capture.captureWindow(window.id(), false);
