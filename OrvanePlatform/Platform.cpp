@@ -22,9 +22,9 @@ public:
     StandardStreams& standardStreams() override { return m_streams; }
 
 private:
-    JsonSettingsStore m_settings{JsonSettingsStore::defaultPath()};
+    freedesktop::JsonSettingsStore m_settings{freedesktop::JsonSettingsStore::defaultPath()};
     png::SpngWriter m_pngWriter;
-    PosixStreams m_streams;
+    posix::PosixStreams m_streams;
 };
 
 class X11Platform final : public CommonPlatform {

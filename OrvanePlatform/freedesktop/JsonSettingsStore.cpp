@@ -16,7 +16,7 @@
 
 #include <optional>
 
-namespace orvane {
+namespace orvane::freedesktop {
 
 namespace {
 
@@ -206,4 +206,4 @@ void JsonSettingsStore::reportReadFailure(const QString& failure) const {
     m_reportedFailure = failure;
 }
 
-} // namespace orvane
+} // namespace orvane::freedesktop

@@ -5,7 +5,7 @@
 #include <QMutex>
 #include <QString>
 
-namespace orvane {
+namespace orvane::freedesktop {
 
 /// Settings as one flat JSON object in one file of mode 600, read at every call and replaced as a whole.
 ///
@@ -36,4 +36,4 @@ private:
     mutable QString m_reportedFailure;
 };
 
-} // namespace orvane
+} // namespace orvane::freedesktop

@@ -8,7 +8,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
-namespace orvane {
+namespace orvane::posix {
 
 namespace {
 
@@ -95,4 +95,4 @@ bool PosixStreams::write(QByteArrayView bytes) {
     return true;
 }
 
-} // namespace orvane
+} // namespace orvane::posix

@@ -4,7 +4,7 @@
 
 #include <mutex>
 
-namespace orvane {
+namespace orvane::posix {
 
 /// Speaks over two file descriptors, blocking or not. Both stay their owner's: nothing is closed here, and no
 /// flag of theirs is changed, since other processes may share them. A reader that has gone makes `write`
@@ -24,4 +24,4 @@ private:
     std::mutex m_writing;
 };
 
-} // namespace orvane
+} // namespace orvane::posix

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvane {
+namespace orvane::test {
 
 /// Settings in memory that remember every write.
 class InMemorySettings : public SettingsStore {
@@ -49,4 +49,4 @@ private:
     std::vector<Write> m_writes;
 };
 
-} // namespace orvane
+} // namespace orvane::test

@@ -26,7 +26,7 @@ protected:
     }
 
     QTemporaryDir home;
-    InMemorySettings settings;
+    test::InMemorySettings settings;
     StorageManager storage{settings, home.path()};
     png::SpngWriter pngWriter;
     CaptureFiles files{storage, pngWriter, [] { return QDateTime({2026, 3, 4}, {5, 6, 7, 890}); }};

@@ -53,7 +53,7 @@ protected:
     }
 
     QTemporaryDir home;
-    InMemorySettings settings;
+    test::InMemorySettings settings;
     StorageManager storage{settings, home.path()};
     FakeDesktop desktop;
     png::SpngWriter pngWriter;

@@ -21,7 +21,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace orvane {
+namespace orvane::posix {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -401,4 +401,4 @@ TEST(PosixStreams, TheServerEndsWhenItsReaderHasGone) {
 }
 
 } // namespace
-} // namespace orvane
+} // namespace orvane::posix

@@ -22,7 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace orvane {
+namespace orvane::freedesktop {
 namespace {
 
 using ::testing::HasSubstr;
@@ -396,4 +396,4 @@ TEST_F(JsonSettings, ProcessesLoseNothingOfEachOther) {
 }
 
 } // namespace
-} // namespace orvane
+} // namespace orvane::freedesktop

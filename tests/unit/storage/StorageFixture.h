@@ -68,7 +68,7 @@ protected:
     void makeOld(const QString& path) const { datePast(path, std::chrono::hours(1)); }
 
     QTemporaryDir m_home;
-    InMemorySettings m_settings;
+    test::InMemorySettings m_settings;
     QDateTime m_now = QDateTime(QDate(2026, 11, 15), QTime(9, 26, 11, 482));
     StorageManager m_storage{m_settings, m_home.path(), [this] { return m_now; }};
 };
