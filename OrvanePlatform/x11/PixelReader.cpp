@@ -57,9 +57,11 @@ std::optional<PixelFormat> pixelFormat(int depth, uint32_t redMask, Alpha alpha)
 /// Depth 24 leaves the fourth byte to chance, and Format_RGB32 wants it to be 0xff.
 void setUnusedBytes(QImage& image) {
     constexpr QRgb unusedByte = 0xff000000U;
+    // Asked for once: a call for each pixel keeps the loop from being vectorised.
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < width; ++x)
             row[x] |= unusedByte;
     }
 }

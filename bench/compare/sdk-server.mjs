@@ -1,5 +1,5 @@
-// The smallest MCP server that the public TypeScript SDK makes. The low-level class starts faster than McpServer,
-// and there is no tool, so nothing here is slower than it need be.
+// The smallest MCP server that the public TypeScript SDK makes: no tool, and the low-level class. One made with
+// McpServer takes as long to start.
 import { Server } from "@modelcontextprotocol/sdk/server/index.js";
 import { StdioServerTransport } from "@modelcontextprotocol/sdk/server/stdio.js";
 
