@@ -93,7 +93,7 @@ QStringList DesktopEntries::standardFolders() {
 
 QString DesktopEntries::processLocale() {
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const QString value = qEnvironmentVariable(variable);
+        QString value = qEnvironmentVariable(variable);
         if (!value.isEmpty())
             return value;
     }

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ranges>
 #include <thread>
 #include <utility>
 
@@ -122,11 +121,11 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
         return;
     const auto connection = m_session.connection();
     // The rear-most first, so that the front one ends in front.
-    for (const qint64 handle : handles | std::views::reverse) {
+    std::for_each(handles.rbegin(), handles.rend(), [&connection](qint64 handle) {
         const uint32_t above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(handle),
                              XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    }
+    });
     sendActivate(*connection, static_cast<xcb_window_t>(handles.front()), activeWindow(*connection));
     connection->sync();
 

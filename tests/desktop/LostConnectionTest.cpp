@@ -13,7 +13,8 @@ namespace {
 
 class LostConnection : public DesktopFixture {
 protected:
-    ~LostConnection() override { signalServer(SIGCONT); }
+    // A server that is stopped could not end.
+    void TearDown() override { signalServer(SIGCONT); }
 
     void signalServer(int signal) { ::kill(static_cast<pid_t>(desktop.xServerPid()), signal); }
 };

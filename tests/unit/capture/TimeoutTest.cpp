@@ -5,13 +5,14 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace orvane {
 
 namespace {
 
-void waitUntilStopped(std::stop_token stop) {
+void waitUntilStopped(const std::stop_token& stop) {
     std::mutex mutex;
     std::unique_lock lock(mutex);
     std::condition_variable_any never;
@@ -21,34 +22,37 @@ void waitUntilStopped(std::stop_token stop) {
 } // namespace
 
 TEST(Timeout, GivesTheResult) {
-    EXPECT_EQ(withThrowingTimeout(5.0, [](std::stop_token) { return 7; }), 7);
+    EXPECT_EQ(withThrowingTimeout(5.0, [](const std::stop_token&) { return 7; }), 7);
 }
 
 TEST(Timeout, PassesAnErrorOnUnchanged) {
-    EXPECT_THROW(withThrowingTimeout(5.0, [](std::stop_token) -> int { throw std::out_of_range("far"); }),
-                 std::out_of_range);
+    EXPECT_THROW(
+        withThrowingTimeout(5.0, [](const std::stop_token&) -> int { throw std::out_of_range("far"); }),
+        std::out_of_range);
 }
 
 TEST(Timeout, ReportsAMissingPermissionAndCancels) {
     bool cancelled = false;
+    const auto operation = [&cancelled](const std::stop_token& stop) {
+        waitUntilStopped(stop);
+        cancelled = stop.stop_requested();
+    };
     const auto started = std::chrono::steady_clock::now();
+    std::optional<OrvaneError::Case> thrown;
     try {
-        withThrowingTimeout(0.05, [&cancelled](std::stop_token stop) {
-            waitUntilStopped(stop);
-            cancelled = stop.stop_requested();
-        });
-        FAIL() << "no timeout";
+        withThrowingTimeout(0.05, operation);
     } catch (const OrvaneError& error) {
-        EXPECT_EQ(error.errorCase(), OrvaneError::Case::permissionDenied);
+        thrown = error.errorCase();
     }
-    EXPECT_TRUE(cancelled);
     EXPECT_GE(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(50));
+    EXPECT_EQ(thrown, OrvaneError::Case::permissionDenied);
+    EXPECT_TRUE(cancelled);
 }
 
 TEST(Timeout, AnErrorAfterTheTimeoutIsStillAMissingPermission) {
     EXPECT_THROW(withThrowingTimeout(0.02,
-                                     [](std::stop_token stop) -> int {
-                                         waitUntilStopped(std::move(stop));
+                                     [](const std::stop_token& stop) -> int {
+                                         waitUntilStopped(stop);
                                          throw std::runtime_error("stopped");
                                      }),
                  OrvaneError);
