@@ -37,6 +37,16 @@ TEST_F(LostConnection, IsAnErrorOfACapture) {
     EXPECT_TRUE(discovery.listWindows().empty());
 }
 
+TEST_F(LostConnection, IsMadeAnewAtTheNextUse) {
+    const TestWindow window;
+    const auto first = session.connection();
+    first->abandon();
+    EXPECT_EQ(discovery.listWindows().size(), 1U);
+    EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
+    EXPECT_NE(session.connection(), first);
+    EXPECT_TRUE(first->lost());
+}
+
 TEST_F(LostConnection, EndsAStoppedServersListingAfterFiveSeconds) {
     const TestWindow window;
     ASSERT_NO_THROW(capture.captureWindow(window.id(), false));
