@@ -27,15 +27,12 @@ struct TopLevel {
     QRect rect;
 };
 
-/// The window a compositor draws the screen on. It belongs to the server and shows everything, so it is part
-/// of no picture made of the windows themselves.
-xcb_window_t overlayWindow(const X11Connection& connection, const Redirection& redirection) {
-    if (!redirection.composited())
-        return XCB_WINDOW_NONE;
-    const auto reply = connection.reply<xcb_composite_get_overlay_window_reply>(
-        xcb_composite_get_overlay_window(connection.raw(), connection.root()));
-    xcb_composite_release_overlay_window(connection.raw(), connection.root());
-    return reply ? reply->overlay_win : xcb_window_t(XCB_WINDOW_NONE);
+/// The window a compositor draws the screen on belongs to the server itself, whose resources carry no
+/// client's number, and it shows everything: it is part of no picture made of the windows themselves. To ask
+/// for it by request would make one where the compositor has none.
+bool belongsToServer(const X11Connection& connection, xcb_window_t window) {
+    constexpr uint32_t idBits = 0x1fffffffU;
+    return (window & idBits & ~connection.setup().resource_id_mask) == 0;
 }
 
 /// The visible children of the root window, bottom to top.
@@ -158,7 +155,6 @@ QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& re
                                 Redirection& redirection, const QRect& area) {
     const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
     const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
-    const xcb_window_t overlay = overlayWindow(connection, redirection);
     const Alpha alpha = redirection.composited() ? Alpha::counts : Alpha::ignored;
 
     QImage picture(area.size(), QImage::Format_RGB32);
@@ -167,7 +163,8 @@ QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& re
     painter.translate(-area.topLeft());
     paintWallpaper(painter, connection, reader, area);
     for (const TopLevel& topLevel : topLevels) {
-        if (topLevel.window == overlay || own.contains(topLevel.window) || !topLevel.rect.intersects(area))
+        if (belongsToServer(connection, topLevel.window) || own.contains(topLevel.window) ||
+            !topLevel.rect.intersects(area))
             continue;
         redirection.prepare(topLevel.window);
         const auto opacity =
