@@ -9,4 +9,7 @@ namespace orvane {
 /// Any thread.
 void logLine(QStringView message);
 
+/// The same without the prefix, for the lines whose whole text is fixed.
+void logBareLine(QStringView line);
+
 } // namespace orvane

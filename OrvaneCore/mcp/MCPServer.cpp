@@ -102,7 +102,7 @@ bool MCPServer::send(StandardStreams& streams, const QJsonObject& reply) {
     try {
         line = MessageCodec::serialise(reply);
     } catch (const std::exception& error) {
-        logLine(u"Failed to serialize response: "_s + QString::fromUtf8(error.what()));
+        logBareLine(u"Failed to serialize response: "_s + QString::fromUtf8(error.what()));
         return true;
     }
     line += '\n';

@@ -66,10 +66,15 @@ std::vector<TopLevel> visibleTopLevels(const X11Connection& connection) {
 /// The top-level windows of this process: those it made itself and the frames around its managed ones.
 QSet<xcb_window_t> ownTopLevels(const X11Connection& connection, const std::vector<TopLevel>& topLevels) {
     const qint32 self = ::getpid();
+    std::vector<xcb_window_t> windows;
+    windows.reserve(topLevels.size());
+    for (const TopLevel& topLevel : topLevels)
+        windows.push_back(topLevel.window);
+    const std::vector<qint32> processes = readProcesses(connection, windows);
     QSet<xcb_window_t> own;
-    for (const TopLevel& topLevel : topLevels) {
-        if (processOf(connection, topLevel.window) == self)
-            own.insert(topLevel.window);
+    for (size_t i = 0; i < windows.size(); ++i) {
+        if (processes[i] == self)
+            own.insert(windows[i]);
     }
     for (const ManagedWindow& window : readManagedWindows(connection)) {
         if (window.pid == self)
@@ -116,7 +121,7 @@ std::optional<QImage> namedWallpaper(const X11Connection& connection, PixelReade
 /// The root window's own background, which the protocol cannot tell: a window that takes its background from
 /// the root window is shown to nobody (redirected, at the very bottom) and read.
 std::optional<QImage> rootBackground(const X11Connection& connection, PixelReader& reader,
-                                     const QRect& area) {
+                                     Redirection& redirection, const QRect& area) {
     const xcb_window_t probe = xcb_generate_id(connection.raw());
     const uint32_t values[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE, 1};
     xcb_create_window(connection.raw(), XCB_COPY_FROM_PARENT, probe, connection.root(),
@@ -128,53 +133,49 @@ std::optional<QImage> rootBackground(const X11Connection& connection, PixelReade
     const uint32_t below = XCB_STACK_MODE_BELOW;
     xcb_configure_window(connection.raw(), probe, XCB_CONFIG_WINDOW_STACK_MODE, &below);
     xcb_map_window(connection.raw(), probe);
-    auto background = readTopLevel(connection, reader, probe, area, Alpha::ignored);
+    auto background = readTopLevel(connection, reader, redirection, probe, area);
     xcb_destroy_window(connection.raw(), probe);
     return background;
 }
 
 void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
-                    const QRect& area) {
+                    Redirection& redirection, const QRect& area) {
     if (const auto tile = namedWallpaper(connection, reader))
         painter.fillRect(area, QBrush(*tile));
-    else if (const auto background = rootBackground(connection, reader, area))
+    else if (const auto background = rootBackground(connection, reader, redirection, area))
         painter.drawImage(area.topLeft(), *background);
 }
 
 } // namespace
 
-bool ownWindowsLieOn(const X11Connection& connection, const QRect& area) {
+std::optional<QImage> composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader,
+                                               Redirection& redirection, const QRect& area) {
     const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
     const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
-    return std::any_of(topLevels.begin(), topLevels.end(), [&](const TopLevel& topLevel) {
+    const bool inTheWay = std::any_of(topLevels.begin(), topLevels.end(), [&](const TopLevel& topLevel) {
         return own.contains(topLevel.window) && topLevel.rect.intersects(area);
     });
-}
+    if (!inTheWay)
+        return std::nullopt;
 
-QImage composeWithoutOwnWindows(const X11Connection& connection, PixelReader& reader,
-                                Redirection& redirection, const QRect& area) {
-    const std::vector<TopLevel> topLevels = visibleTopLevels(connection);
-    const QSet<xcb_window_t> own = ownTopLevels(connection, topLevels);
-    const Alpha alpha = redirection.composited() ? Alpha::counts : Alpha::ignored;
-
+    const bool composited = redirection.composited();
     QImage picture(area.size(), QImage::Format_RGB32);
     picture.fill(Qt::black);
     QPainter painter(&picture);
     painter.translate(-area.topLeft());
-    paintWallpaper(painter, connection, reader, area);
+    paintWallpaper(painter, connection, reader, redirection, area);
     for (const TopLevel& topLevel : topLevels) {
         if (belongsToServer(connection, topLevel.window) || own.contains(topLevel.window) ||
             !topLevel.rect.intersects(area))
             continue;
-        redirection.prepare(topLevel.window);
         const auto opacity =
             requestProperty(connection, topLevel.window, connection.atoms().netWmWindowOpacity).number();
         const QRect visible = topLevel.rect & area;
-        const auto pixels = readTopLevel(connection, reader, topLevel.window, visible, alpha);
+        const auto pixels = readTopLevel(connection, reader, redirection, topLevel.window, visible);
         if (!pixels)
             continue;
         painter.setClipRegion(shapeOf(connection, topLevel));
-        painter.setOpacity(opacity && alpha == Alpha::counts ? *opacity / fullyOpaque : 1.0);
+        painter.setOpacity(opacity && composited ? *opacity / fullyOpaque : 1.0);
         painter.drawImage(visible.topLeft(), *pixels);
     }
     return picture;

@@ -140,8 +140,16 @@ std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection) {
     return order;
 }
 
-qint32 processOf(const X11Connection& connection, xcb_window_t window) {
-    return readProcess(connection, requestProcess(connection, window));
+std::vector<qint32> readProcesses(const X11Connection& connection, const std::vector<xcb_window_t>& windows) {
+    std::vector<std::optional<xcb_res_query_client_ids_cookie_t>> cookies;
+    cookies.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        cookies.push_back(requestProcess(connection, window));
+    std::vector<qint32> processes;
+    processes.reserve(windows.size());
+    for (const auto& cookie : cookies)
+        processes.push_back(readProcess(connection, cookie));
+    return processes;
 }
 
 } // namespace orvane::x11

@@ -35,7 +35,8 @@ std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection);
 /// The clients of _NET_CLIENT_LIST_STACKING, front to back.
 std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection);
 
-/// The process that made a window, as the server knows it (X-Resource 1.2), 0 when it does not.
-qint32 processOf(const X11Connection& connection, xcb_window_t window);
+/// The processes that made the windows, in their order, as the server knows them (X-Resource 1.2); 0 where it
+/// does not. One round trip for all.
+std::vector<qint32> readProcesses(const X11Connection& connection, const std::vector<xcb_window_t>& windows);
 
 } // namespace orvane::x11

@@ -25,10 +25,8 @@ private:
     xcb_pixmap_t m_pixmap;
 };
 
-} // namespace
-
-std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader,
-                                   xcb_window_t topLevel, const QRect& area, Alpha alpha) {
+std::optional<QImage> readNamed(const X11Connection& connection, PixelReader& reader, xcb_window_t topLevel,
+                                const QRect& area, Alpha alpha) {
     const NamedPixmap pixmap(connection, topLevel);
     const auto windowCookie = xcb_get_geometry(connection.raw(), topLevel);
     const auto attributesCookie = xcb_get_window_attributes(connection.raw(), topLevel);
@@ -44,6 +42,18 @@ std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader&
     if (inPixmap.isEmpty())
         return std::nullopt;
     return reader.read(pixmap.id(), inPixmap, pixels->depth, attributes->visual, alpha);
+}
+
+} // namespace
+
+std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader,
+                                   Redirection& redirection, xcb_window_t topLevel, const QRect& area) {
+    redirection.prepare(topLevel);
+    const Alpha alpha = redirection.composited() ? Alpha::counts : Alpha::ignored;
+    if (auto pixels = readNamed(connection, reader, topLevel, area, alpha))
+        return pixels;
+    redirection.prepareFreed(topLevel);
+    return readNamed(connection, reader, topLevel, area, alpha);
 }
 
 } // namespace orvane::x11

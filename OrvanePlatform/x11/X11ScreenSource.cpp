@@ -84,16 +84,8 @@ QImage X11ScreenSource::captureWindow(qint64 windowId, bool showsCursor) {
     const auto placement = readPlacements(*own->connection, {static_cast<xcb_window_t>(windowId)}).front();
     if (!placement || !placement->viewable)
         throw gone();
-    own->redirection.prepare(placement->frame);
-    const Alpha alpha = own->redirection.composited() ? Alpha::counts : Alpha::ignored;
-    const auto read = [&] {
-        return readTopLevel(*own->connection, own->reader, placement->frame, placement->visibleRect, alpha);
-    };
-    std::optional<QImage> picture = read();
-    if (!picture) {
-        own->redirection.prepareFreed(placement->frame);
-        picture = read();
-    }
+    auto picture = readTopLevel(*own->connection, own->reader, own->redirection, placement->frame,
+                                placement->visibleRect);
     if (!picture)
         throw gone();
     if (showsCursor)
@@ -120,9 +112,9 @@ QImage X11ScreenSource::captureArea(const QRect& area, bool showsCursor) {
 QImage X11ScreenSource::captureWithoutOwnWindows(const Display& display) {
     const auto own = tools();
     const QRect area = ScreenLayout::pixelBounds(display);
-    if (!ownWindowsLieOn(*own->connection, area))
-        return readScreen(*own->connection, own->reader, area);
-    return composeWithoutOwnWindows(*own->connection, own->reader, own->redirection, area);
+    if (auto picture = composeWithoutOwnWindows(*own->connection, own->reader, own->redirection, area))
+        return *picture;
+    return readScreen(*own->connection, own->reader, area);
 }
 
 } // namespace orvane::x11

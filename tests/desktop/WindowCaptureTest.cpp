@@ -27,6 +27,13 @@ protected:
         : WindowCapture({u"--size"_s, u"1280x800"_s, u"--no-compositor"_s}) {}
 };
 
+/// With and without a compositor.
+class WindowCaptureEverywhere : public WindowCapture, public testing::WithParamInterface<QStringList> {
+protected:
+    WindowCaptureEverywhere()
+        : WindowCapture(QStringList{u"--size"_s, u"1280x800"_s} + GetParam()) {}
+};
+
 class WindowCaptureTwoMonitors : public WindowCapture {
 protected:
     WindowCaptureTwoMonitors()
@@ -42,6 +49,10 @@ protected:
 
 } // namespace
 
+INSTANTIATE_TEST_SUITE_P(Composited, WindowCaptureEverywhere, testing::Values(QStringList()));
+INSTANTIATE_TEST_SUITE_P(Uncomposited, WindowCaptureEverywhere,
+                         testing::Values(QStringList{u"--no-compositor"_s}));
+
 TEST_F(WindowCapture, ShowsEveryPixelWithDecorations) {
     const TestWindow window;
     const orvane::WindowCapture picture = capture.captureWindow(window.id(), false);
@@ -52,14 +63,15 @@ TEST_F(WindowCapture, ShowsEveryPixelWithDecorations) {
     EXPECT_EQ(listed(window)->width, picture.width);
 }
 
-TEST_F(WindowCapture, IsNotHiddenByAnotherWindow) {
+TEST_P(WindowCaptureEverywhere, IsNotHiddenByAnotherWindow) {
     const TestWindow window;
     const auto cover = colorWindow(u"500x400+50+50"_s, u"red"_s);
     ASSERT_TRUE(screenShows({200, 200}, 0xffff0000U));
     EXPECT_EQ(captured(window), knownPicture(300, 200, false));
+    EXPECT_TRUE(screenShows({200, 200}, 0xffff0000U)) << "the screen itself has changed";
 }
 
-TEST_F(WindowCapture, IsWholeWherePartlyOffTheScreen) {
+TEST_P(WindowCaptureEverywhere, IsWholeWherePartlyOffTheScreen) {
     TestWindow window;
     window.command(u"move -120 700"_s);
     ASSERT_TRUE(eventually([&] { return listed(window)->x < -100; }));
@@ -150,21 +162,6 @@ TEST_F(WindowCapture, DrawsThePointerWhenAsked) {
     // The pointer's tip is at its place, and nothing far from it is touched.
     EXPECT_NE(picture.copy(85, 85, 40, 40), plain.copy(85, 85, 40, 40));
     EXPECT_EQ(picture.copy(160, 0, 140, 200), plain.copy(160, 0, 140, 200));
-}
-
-TEST_F(WindowCaptureUncomposited, IsNotHiddenByAnotherWindow) {
-    const TestWindow window;
-    const auto cover = colorWindow(u"500x400+50+50"_s, u"red"_s);
-    ASSERT_TRUE(screenShows({200, 200}, 0xffff0000U));
-    EXPECT_EQ(captured(window), knownPicture(300, 200, false));
-    EXPECT_TRUE(screenShows({200, 200}, 0xffff0000U));
-}
-
-TEST_F(WindowCaptureUncomposited, IsWholeWherePartlyOffTheScreen) {
-    TestWindow window;
-    window.command(u"move -120 700"_s);
-    ASSERT_TRUE(eventually([&] { return listed(window)->x < -100; }));
-    EXPECT_EQ(captured(window), knownPicture(300, 200, false));
 }
 
 TEST_F(WindowCaptureUncomposited, SurvivesACompositorThatSetsAWindowFree) {

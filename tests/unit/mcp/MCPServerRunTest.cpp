@@ -138,7 +138,7 @@ TEST_F(MCPServerRun, AReplyThatIsNoJsonIsLoggedAndLeftUnanswered) {
     const std::vector<std::string> writes =
         writesFor("{\"id\":1,\"method\":\"tools/call\"}\n" + ping(2) + '\n');
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "orvane: Failed to serialize response: a number in it is not finite\n");
+              "Failed to serialize response: a number in it is not finite\n");
     EXPECT_THAT(writes, ElementsAre(pong(2)));
 }
 
