@@ -134,9 +134,10 @@ for (const compositor of [true, false]) {
             await call(client, "capture_window", { app_name: "Elastic" });
             for (const wanted of [[500, 350], [150, 420], [400, 300]]) {
                 const size = await desktop.resize(elastic.id, wanted);
-                await desktop.settled(elastic.id);
-                const { images } = await call(client, "capture_window", { app_name: "Elastic" });
-                assertSamePixels(clientArea(images[0], elastic, size), desktop.picture(elastic.id), `at ${size}`);
+                const { result, picture } = await desktop.whileSteady(
+                    elastic.id, () => call(client, "capture_window", { app_name: "Elastic" }));
+                assert.ok(!result.error, result.text);
+                assertSamePixels(clientArea(result.images[0], elastic, size), picture, `at ${size}`);
             }
             await elastic.close();
         });

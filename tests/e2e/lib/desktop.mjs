@@ -6,7 +6,8 @@ import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { fileURLToPath } from "node:url";
-import { colours, decodeXwd } from "./png.mjs";
+import { isDeepStrictEqual } from "node:util";
+import { colours, decodeXwd, samePixels } from "./png.mjs";
 
 const WITH_DESKTOP = fileURLToPath(new URL("../../../scripts/with-desktop", import.meta.url));
 
@@ -146,6 +147,19 @@ class Desktop {
             const same = now === last;
             last = now;
             return same;
+        });
+    }
+
+    /// Does something that looks at a window, again where the window changed meanwhile, and gives what came of it
+    /// together with the window's picture and frame of that time.
+    async whileSteady(id, action) {
+        const look = () => ({ picture: this.picture(id), frame: this.frame(id) });
+        return until("the window stays as it is", async () => {
+            const before = look();
+            const result = await action();
+            const after = look();
+            const same = samePixels(before.picture, after.picture) && isDeepStrictEqual(before.frame, after.frame);
+            return same && { result, ...after };
         });
     }
 
