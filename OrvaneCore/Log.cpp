@@ -1,6 +1,7 @@
 #include "OrvaneCore/Log.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <cstdio>
 
@@ -21,6 +22,11 @@ void logLine(QStringView message) {
 
 void logBareLine(QStringView line) {
     writeLine(line.toUtf8() + '\n');
+}
+
+void logQtMessages() {
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& message) { logLine(message); });
 }
 
 } // namespace orvane

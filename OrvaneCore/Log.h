@@ -12,4 +12,7 @@ void logLine(QStringView message);
 /// The same without the prefix, for the lines whose whole text is fixed.
 void logBareLine(QStringView line);
 
+/// From now on what Qt has to say is logged by logLine as well.
+void logQtMessages();
+
 } // namespace orvane

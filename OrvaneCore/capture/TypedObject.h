@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 namespace orvane {
 
@@ -17,6 +18,8 @@ public:
     std::optional<QString> string(QLatin1String name) const;
     /// A number without a fraction that fits 64 bits.
     std::optional<qint64> integer(QLatin1String name) const;
+    /// An array that holds nothing but objects.
+    std::optional<std::vector<QJsonObject>> objects(QLatin1String name) const;
 
 private:
     const QJsonObject& m_object;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "OrvaneCore/marking/Annotation.h"
+#include "OrvaneCore/marking/PointMap.h"
+
+#include <QColor>
+#include <QPointF>
+#include <QRectF>
+#include <QSizeF>
+
+#include <optional>
+#include <vector>
+
+class QPainter;
+
+namespace orvane {
+
+/// How an annotation looks, on every surface that shows one: views, annotated pictures, crops, snapshots.
+///
+/// `mapPoint` takes the annotation's global points to the painter's space, y down. `scale` multiplies all
+/// sizes that its two points do not give, such as widths of strokes and fonts: 1 where the painter counts in
+/// points, the pixels of a point where it counts in pixels. Both are finite and positive.
+///
+/// Shapes whose points are not finite are not drawn, and no other number harms: a stroke is at least 1 wide,
+/// an angle that is not finite is upright. The painter is left as it was. Needs a QGuiApplication; any
+/// thread.
+class AnnotationRenderer {
+public:
+    /// The shape with its label, whether or not it is `removed`.
+    static void draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale);
+
+    /// The marks of a selected annotation.
+    static void drawSelectionHandles(QPainter& painter, const Annotation& annotation,
+                                     const PointMap& mapPoint, qreal scale);
+
+    /// Round dots at points that are in the painter's space already.
+    static void drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale);
+
+    /// The size of a text annotation's text; that of a placeholder where it is empty.
+    static QSizeF textSize(const Annotation& annotation, qreal scale);
+
+    /// The rectangle around all shapes that are not removed and have finite points, by their points. Nothing
+    /// when there are none.
+    static std::optional<QRectF> strokesBounds(const std::vector<Annotation>& annotations);
+
+    /// The largest rectangle in the middle of `rect` with the proportions of an image. `rect` itself when
+    /// either has a side that is not positive.
+    static QRectF aspectFit(const QSizeF& imageSize, const QRectF& rect);
+
+    /// True when black text is easier to read than white text on a ground of this colour.
+    static bool prefersDarkText(const QColor& color);
+};
+
+} // namespace orvane

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QColor>
+
+namespace orvane {
+
+/// Colours that belong to no palette of the human's and are the same on every desktop.
+struct SystemColors {
+    static constexpr QRgb red = 0xFFFF3B30;
+    static constexpr QRgb blue = 0xFF007AFF;
+    static constexpr QRgb green = 0xFF34C759;
+    static constexpr QRgb orange = 0xFFFF9500;
+    static constexpr QRgb purple = 0xFFAF52DE;
+};
+
+inline QColor withAlpha(QColor color, float alpha) {
+    color.setAlphaF(alpha);
+    return color;
+}
+
+} // namespace orvane

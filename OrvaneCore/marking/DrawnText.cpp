@@ -1,0 +1,69 @@
+#include "OrvaneCore/marking/DrawnText.h"
+
+#include <QPainter>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <limits>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// What Qt's fixed-point numbers hold.
+constexpr int widestLine = std::numeric_limits<int>::max() / 256;
+
+QFont systemFont(int pixelSize, QFont::Weight weight) {
+    // Not the desktop's own choice: pictures look the same whichever process draws them. A font that is made
+    // without a family would start as a copy of the application's, with its slant, stretch and spacing.
+    QFont font(QStringList{u"sans-serif"_s});
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(pixelSize);
+    font.setWeight(weight);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+} // namespace
+
+DrawnText::DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale)
+    : m_layout(std::make_unique<QTextLayout>())
+    , m_scale(scale) {
+    QString lines = text;
+    m_layout->setText(lines.replace(u'\n', QChar::LineSeparator));
+    m_layout->setFont(systemFont(pixelSize, weight));
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    m_layout->setTextOption(option);
+
+    m_layout->beginLayout();
+    qreal width = 0;
+    qreal height = 0;
+    for (QTextLine line = m_layout->createLine(); line.isValid(); line = m_layout->createLine()) {
+        line.setLineWidth(widestLine);
+        line.setPosition({0, height});
+        width = std::max(width, line.naturalTextWidth());
+        height += line.height();
+    }
+    m_layout->endLayout();
+    m_size = {width, height};
+}
+
+DrawnText::~DrawnText() = default;
+
+void DrawnText::draw(QPainter& painter, const QPointF& topLeft, const QColor& color) const {
+    painter.save();
+    painter.setPen(color);
+    painter.translate(topLeft);
+    painter.scale(m_scale, m_scale);
+    m_layout->draw(&painter, {});
+    painter.restore();
+}
+
+void DrawnText::drawCentered(QPainter& painter, const QPointF& center, const QColor& color) const {
+    draw(painter, center - QPointF(size().width() / 2, size().height() / 2), color);
+}
+
+} // namespace orvane

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPointF>
+#include <QSizeF>
+#include <QString>
+
+#include <memory>
+
+class QPainter;
+class QTextLayout;
+
+namespace orvane {
+
+/// A piece of text in the system font, measured and drawn by the same layout. It is laid out once at scale 1
+/// without hinting, so that its size at every scale is exactly in proportion and a plate made for it fits.
+/// Newlines break lines; any script. Needs a QGuiApplication; any thread.
+class DrawnText {
+public:
+    /// `pixelSize` is that of the font at scale 1; `scale` is finite and positive.
+    DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale);
+    ~DrawnText();
+    DrawnText(const DrawnText&) = delete;
+    DrawnText& operator=(const DrawnText&) = delete;
+
+    /// In units of the drawing: the widest line, and the height of all lines.
+    QSizeF size() const { return m_size * m_scale; }
+
+    void draw(QPainter& painter, const QPointF& topLeft, const QColor& color) const;
+    void drawCentered(QPainter& painter, const QPointF& center, const QColor& color) const;
+
+private:
+    std::unique_ptr<QTextLayout> m_layout;
+    qreal m_scale;
+    QSizeF m_size;
+};
+
+} // namespace orvane
