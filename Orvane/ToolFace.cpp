@@ -9,16 +9,22 @@
 #include "OrvanePlatform/Platform.h"
 
 #include <QDir>
+#include <QGuiApplication>
 
 namespace orvane {
 
-void runToolFace() {
+void runToolFace(int argc, char* argv[]) {
     logLine(u"starting MCP (smart launcher)");
+    logQtMessages();
+    // Fonts need an application object. This one reaches for no desktop, because the process must outlive it.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
     const std::unique_ptr<Platform> platform = makePlatform();
     StorageManager storage(platform->settingsStore(), QDir::homePath());
     WindowDiscovery discovery(platform->windowServer(), platform->displays());
     ScreenCapture screenCapture(platform->screenSource(), platform->displays(), platform->pngWriter());
-    ToolHandler toolHandler(discovery, screenCapture, storage, platform->pngWriter());
+    ToolHandler toolHandler(discovery, screenCapture, TextRecognizer(platform->textRecognition()), storage,
+                            platform->pngWriter());
     MCPServer server(toolHandler);
     server.run(platform->standardStreams());
 }

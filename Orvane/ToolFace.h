@@ -3,6 +3,7 @@
 namespace orvane {
 
 /// The face an agent starts: a tool server on the standard streams. Returns when standard input ends.
-void runToolFace();
+/// Takes what main was given, on the main thread.
+void runToolFace(int argc, char* argv[]);
 
 } // namespace orvane

@@ -10,7 +10,7 @@ int main(int argc, char* argv[]) {
         return std::string_view(argument) == "--mcp";
     });
     if (toolFace) {
-        orvane::runToolFace();
+        orvane::runToolFace(argc, argv);
         return EXIT_SUCCESS;
     }
     orvane::logLine(u"this build has no tray application; start the tool server with --mcp");

@@ -3,6 +3,7 @@
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
 #include "OrvanePlatform/headless/HeadlessDesktop.h"
+#include "OrvanePlatform/ocr/LazyTextRecognition.h"
 #include "OrvanePlatform/png/SpngWriter.h"
 #include "OrvanePlatform/posix/PosixStreams.h"
 #include "OrvanePlatform/x11/X11Displays.h"
@@ -20,11 +21,13 @@ public:
     SettingsStore& settingsStore() override { return m_settings; }
     PngWriter& pngWriter() override { return m_pngWriter; }
     StandardStreams& standardStreams() override { return m_streams; }
+    TextRecognitionBackend& textRecognition() override { return m_textRecognition; }
 
 private:
     freedesktop::JsonSettingsStore m_settings{freedesktop::JsonSettingsStore::defaultPath()};
     png::SpngWriter m_pngWriter;
     posix::PosixStreams m_streams;
+    ocr::LazyTextRecognition m_textRecognition;
 };
 
 class X11Platform final : public CommonPlatform {

@@ -5,6 +5,7 @@
 #include "OrvaneCore/platform/ScreenSource.h"
 #include "OrvaneCore/platform/SettingsStore.h"
 #include "OrvaneCore/platform/StandardStreams.h"
+#include "OrvaneCore/platform/TextRecognitionBackend.h"
 #include "OrvaneCore/platform/WindowServer.h"
 
 #include <memory>
@@ -23,6 +24,7 @@ public:
     virtual SettingsStore& settingsStore() = 0;
     virtual PngWriter& pngWriter() = 0;
     virtual StandardStreams& standardStreams() = 0;
+    virtual TextRecognitionBackend& textRecognition() = 0;
 
 protected:
     Platform() = default;

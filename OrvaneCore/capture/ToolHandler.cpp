@@ -1,6 +1,8 @@
 #include "OrvaneCore/capture/ToolHandler.h"
 
+#include "OrvaneCore/capture/IntegerRect.h"
 #include "OrvaneCore/capture/OrvaneError.h"
+#include "OrvaneCore/capture/RegionLabels.h"
 #include "OrvaneCore/capture/ToolResult.h"
 #include "OrvaneCore/capture/TypedObject.h"
 #include "OrvaneCore/capture/WindowCrop.h"
@@ -16,27 +18,18 @@ namespace {
 
 const QLatin1String appNameKey("app_name");
 
-/// A rectangle in an agent's whole numbers.
-struct IntegerRect {
-    qint64 x;
-    qint64 y;
-    qint64 width;
-    qint64 height;
-
-    QRectF asPoints() const {
-        return {static_cast<qreal>(x), static_cast<qreal>(y), static_cast<qreal>(width),
-                static_cast<qreal>(height)};
+/// Elements that lack something, or have it in another type, are left out.
+std::vector<AnnotationRegion> readRegions(const std::vector<QJsonObject>& objects) {
+    std::vector<AnnotationRegion> regions;
+    regions.reserve(objects.size());
+    for (const QJsonObject& object : objects) {
+        const TypedObject typed(object);
+        const auto rect = readIntegerRect(typed);
+        const auto label = typed.string(QLatin1String("label"));
+        if (rect && label)
+            regions.push_back({*rect, *label});
     }
-};
-
-std::optional<IntegerRect> readRect(const TypedObject& arguments) {
-    const auto x = arguments.integer(QLatin1String("x"));
-    const auto y = arguments.integer(QLatin1String("y"));
-    const auto width = arguments.integer(QLatin1String("width"));
-    const auto height = arguments.integer(QLatin1String("height"));
-    if (!x || !y || !width || !height)
-        return std::nullopt;
-    return IntegerRect{*x, *y, *width, *height};
+    return regions;
 }
 
 QString requireAppName(const QJsonObject& arguments) {
@@ -52,10 +45,12 @@ QString isoTime(const QDateTime& time) {
 
 } // namespace
 
-ToolHandler::ToolHandler(WindowDiscovery& discovery, ScreenCapture& screenCapture, StorageManager& storage,
-                         const PngWriter& pngWriter, Clock clock)
+ToolHandler::ToolHandler(WindowDiscovery& discovery, ScreenCapture& screenCapture,
+                         TextRecognizer textRecognizer, StorageManager& storage, const PngWriter& pngWriter,
+                         Clock clock)
     : m_discovery(discovery)
     , m_screenCapture(screenCapture)
+    , m_textRecognizer(textRecognizer)
     , m_clock(std::move(clock))
     , m_files(storage, pngWriter, m_clock) {
     storage.ensureDirectories();
@@ -68,7 +63,7 @@ const std::vector<ToolHandler::Tool>& ToolHandler::tools() {
         {"capture_region", &ToolHandler::captureRegion},
         {"activate_window", &ToolHandler::activateWindow},
         {"capture_window_region", &ToolHandler::captureWindowRegion},
-        {"capture_annotated", nullptr},
+        {"capture_annotated", &ToolHandler::captureAnnotated},
         {"capture_diff", &ToolHandler::captureDiff},
         {"start_recording", nullptr},
         {"stop_recording", nullptr},
@@ -147,36 +142,58 @@ QJsonObject ToolHandler::captureWindow(const QJsonObject& arguments) {
 QJsonObject ToolHandler::captureWindowRegion(const QJsonObject& arguments) {
     const TypedObject typed(arguments);
     const auto appName = typed.string(appNameKey);
-    const auto rect = readRect(typed);
+    const auto rect = readIntegerRect(typed);
     if (!appName || !rect)
         throw OrvaneError::invalidArguments(u"app_name, x, y, width, height are all required"_s);
     const WindowInfo window = findWindow(*appName);
     const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
-    const QImage crop = cropWindow(captured, rect->asPoints());
+    const QImage crop = cropWindow(captured, rect->toRectF());
     const EncodedCapture encoded = m_files.encode(crop);
     m_files.save(encoded, *appName, u"-region"_s);
 
     const QString text =
-        u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) + u" "_s +
-        QString::number(rect->width) + u"x"_s + QString::number(rect->height) + u") of "_s + window.appName +
-        u" - "_s + window.windowTitle + u". Returned image: "_s + QString::number(encoded.agentSize.width()) +
-        u"×"_s + QString::number(encoded.agentSize.height()) + u" px."_s;
+        u"Captured region "_s + rect->toString() + u" of "_s + window.appName + u" - "_s +
+        window.windowTitle + u". Returned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
+        QString::number(encoded.agentSize.height()) + u" px."_s + recognizedTextIfRequested(arguments, crop);
     return toolResultWithImage(text, encoded.agentPng);
 }
 
 QJsonObject ToolHandler::captureRegion(const QJsonObject& arguments) {
-    const auto rect = readRect(TypedObject(arguments));
+    const auto rect = readIntegerRect(TypedObject(arguments));
     if (!rect)
         throw OrvaneError::invalidArguments(u"x, y, width, height are all required as integers"_s);
     const QImage image = m_screenCapture.captureRegion(rect->x, rect->y, rect->width, rect->height, false);
     const EncodedCapture encoded = m_files.encode(image);
     m_files.save(encoded, std::nullopt, u"-region"_s);
 
-    const QString text = u"Captured region ("_s + QString::number(rect->x) + u","_s +
-                         QString::number(rect->y) + u") "_s + QString::number(rect->width) + u"x"_s +
-                         QString::number(rect->height) + u". Returned image: "_s +
-                         QString::number(encoded.agentSize.width()) + u"×"_s +
-                         QString::number(encoded.agentSize.height()) + u" px."_s;
+    const QString text =
+        u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) + u") "_s +
+        QString::number(rect->width) + u"x"_s + QString::number(rect->height) + u". Returned image: "_s +
+        QString::number(encoded.agentSize.width()) + u"×"_s + QString::number(encoded.agentSize.height()) +
+        u" px."_s + recognizedTextIfRequested(arguments, image);
+    return toolResultWithImage(text, encoded.agentPng);
+}
+
+QJsonObject ToolHandler::captureAnnotated(const QJsonObject& arguments) {
+    const QString appName = requireAppName(arguments);
+    const auto given = TypedObject(arguments).objects(QLatin1String("regions"));
+    if (!given)
+        throw OrvaneError::invalidArguments(u"regions array is required"_s);
+    const WindowInfo window = findWindow(appName);
+    const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
+
+    const std::vector<AnnotationRegion> regions = readRegions(*given);
+    const EncodedCapture encoded =
+        m_files.encode(renderAnnotations(captured.image, regions, captured.width, captured.height));
+    m_files.save(encoded, appName, u"-annotated"_s);
+
+    QString text = u"Captured "_s + window.appName + u" - "_s + window.windowTitle + u" ("_s +
+                   QString::number(captured.width) + u"x"_s + QString::number(captured.height) +
+                   u") with "_s + QString::number(regions.size()) + u" annotation(s):\n"_s;
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+        const auto& [rect, label] = regions[i];
+        text += u"  ["_s + QString::number(i + 1) + u"] "_s + rect.toString() + u" "_s + label + u"\n"_s;
+    }
     return toolResultWithImage(text, encoded.agentPng);
 }
 
@@ -210,6 +227,14 @@ WindowInfo ToolHandler::findWindow(const QString& appName, const std::function<Q
 
 WindowInfo ToolHandler::findWindow(const QString& appName) {
     return findWindow(appName, [&] { return u"No window found for '"_s + appName + u"'"_s; });
+}
+
+QString ToolHandler::recognizedTextIfRequested(const QJsonObject& arguments, const QImage& picture) const {
+    // Only the Boolean itself counts; anything else reads as false.
+    if (!arguments.value(QLatin1String("ocr")).toBool())
+        return {};
+    const QString text = m_textRecognizer.recognizeJoined(picture);
+    return text.isEmpty() ? QString() : u"\n\nRecognized text:\n"_s + text;
 }
 
 std::optional<ToolHandler::PendingDiff> ToolHandler::exchangeDiff(const QString& key,

@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { after, before, describe, it } from "node:test";
 import { startDesktop, until } from "./lib/desktop.mjs";
 import { INVALID_ARGUMENTS, call, connect, withProcess } from "./lib/orvane.mjs";
+import { assertSamePixels } from "./lib/png.mjs";
 
 const TOOLS = [
     ["list_windows"], ["capture_window", "app_name"], ["capture_region", "x", "y", "width", "height"],
@@ -11,9 +12,14 @@ const TOOLS = [
     ["stop_recording"], ["poll_recording"], ["read_frame", "frame"], ["get_annotations"],
     ["annotate_understanding", "strokes"], ["get_annotation_feedback", "sessionId"],
 ];
-const NOT_BUILT = ["capture_annotated", "start_recording", "stop_recording", "poll_recording", "read_frame",
-                   "get_annotations", "annotate_understanding", "get_annotation_feedback"];
+const NOT_BUILT = ["start_recording", "stop_recording", "poll_recording", "read_frame", "get_annotations",
+                   "annotate_understanding", "get_annotation_feedback"];
 const WINDOW_KEYS = ["appName", "windowTitle", "pid", "windowId", "x", "y", "width", "height", "displayId", "displayBounds"];
+
+const channels = (colour) => [1, 3, 5].map((start) => parseInt(colour.slice(start, start + 2), 16));
+const blend = (top, ground, share) => "#" + channels(top).map((value, i) =>
+    Math.round(share * value + (1 - share) * channels(ground)[i]).toString(16).padStart(2, "0")).join("");
+const nearly = (one, other) => channels(one).every((value, i) => Math.abs(value - channels(other)[i]) <= 2);
 
 let desktop;
 let client;
@@ -163,12 +169,121 @@ describe("capture_diff", () => {
     });
 });
 
+describe("capture_annotated", () => {
+    const RED = "#ff3b30";
+
+    it("shows each region on the window and tells which is which", async () => {
+        const frame = desktop.frame(alpha.id);
+        const plain = await call(client, "capture_window", { app_name: "AlphaTerm" });
+        const regions = [
+            { x: 40, y: 60, width: 120, height: 80, label: "the button" },
+            { x: 220, y: 60, width: 120, height: 80, label: "Ünïcode — 日本 👋" },
+            { x: 40, y: 200, width: 120, height: 40, label: "" },
+            { x: 220, y: 200, width: -40, height: 40, label: "inverted" },
+            { x: 380, y: 60, width: 0, height: 0, label: "two\nlines" },
+            { x: 9000, y: -9000, width: 40, height: 40, label: "elsewhere" },
+        ];
+        const { error, text, images } = await call(client, "capture_annotated", { app_name: "alphaterm", regions });
+        assert.ok(!error, text);
+        const lines = regions.map(({ x, y, width, height, label }, i) =>
+            `  [${i + 1}] (${x},${y} ${width}x${height}) ${label}\n`);
+        assert.equal(text, `Captured AlphaTerm - ${alpha.title} (${frame.width}x${frame.height}) with 6 annotation(s):\n` +
+            lines.join(""));
+        const [picture] = images;
+        assert.deepEqual([picture.width, picture.height], [frame.width, frame.height]);
+        // The badge's left side, the tint inside the first region, and the untouched window beside it.
+        assert.equal(picture.at(40 - 28 / 3 + 2 | 0, 60 + 28 / 6 | 0), RED);
+        const tinted = blend(RED, alpha.colour, 0.15);
+        assert.ok(nearly(picture.at(100, 110), tinted), `${picture.at(100, 110)} and not ${tinted}`);
+        assert.equal(picture.at(190, 110), plain.images[0].at(190, 110));
+    });
+
+    it("draws nothing for no regions and counts them", async () => {
+        const plain = await call(client, "capture_window", { app_name: "AlphaTerm" });
+        const { text, images } = await call(client, "capture_annotated", { app_name: "AlphaTerm", regions: [] });
+        assert.match(text, / with 0 annotation\(s\):\n$/);
+        assertSamePixels(images[0], plain.images[0], "no regions");
+    });
+
+    for (const regions of [undefined, null, "[]", {}, 5, [1], [null], [[]], [{}, "x"]]) {
+        it(`refuses ${JSON.stringify(regions)} as regions`, async () => {
+            const { error, text } = await call(client, "capture_annotated", { app_name: "AlphaTerm", regions });
+            assert.ok(error);
+            assert.equal(text, INVALID_ARGUMENTS);
+        });
+    }
+
+    it("leaves out regions that are not whole", async () => {
+        const { text } = await call(client, "capture_annotated", { app_name: "AlphaTerm", regions: [
+            {}, { x: 1, y: 2, width: 3, height: 4 }, { x: 1.5, y: 2, width: 3, height: 4, label: "a" },
+            { x: 1, y: 2, width: "3", height: 4, label: "b" }, { x: 1, y: 2, width: 3, height: 4, label: 5 },
+            { x: 1, y: 2, width: 3, height: 4, label: "whole", colour: "red" }] });
+        assert.match(text, / with 1 annotation\(s\):\n {2}\[1\] \(1,2 3x4\) whole\n$/);
+    });
+
+    it("takes a thousand regions and labels longer than the screen", async () => {
+        const regions = Array.from({ length: 1000 }, (_, i) => ({ x: i % 400, y: i % 250, width: 30, height: 20,
+                                                                   label: "long ".repeat(i % 100 === 0 ? 2000 : 1) }));
+        const { error, text } = await call(client, "capture_annotated", { app_name: "AlphaTerm", regions });
+        assert.ok(!error, text);
+        assert.match(text, / with 1000 annotation\(s\):/);
+        await client.ping();
+    });
+});
+
+describe("text recognition", () => {
+    const WORDS = ["Deployment finished", "3 warnings, 0 errors", "Press Enter to continue"];
+    let sign;
+    before(async () => {
+        sign = await desktop.openWindow({ className: "SignTerm", position: [400, 420], size: [420, 200],
+                                          text: WORDS.map((line) => `\\r\\n  ${line}\\r\\n`).join("") });
+    });
+    after(() => sign?.close());
+
+    const recognized = (text) => text.split("\n\nRecognized text:\n")[1]?.split("\n");
+
+    it("reads a terminal window", async () => {
+        const { width, height } = desktop.frame(sign.id);
+        const args = { app_name: "SignTerm", x: 0, y: 30, width, height: height - 30 };
+        const { text } = await call(client, "capture_window_region", { ...args, ocr: true });
+        assert.deepEqual(recognized(text), WORDS);
+        assert.equal(recognized((await call(client, "capture_window_region", args)).text), undefined);
+    });
+
+    it("reads a part of the screen", async () => {
+        const { x, y, width, height } = desktop.frame(sign.id);
+        await call(client, "activate_window", { app_name: "SignTerm" });
+        const { text } = await call(client, "capture_region", { x, y: y + 30, width, height: height - 30, ocr: true });
+        assert.deepEqual(recognized(text), WORDS);
+    });
+
+    it("finds nothing where there is nothing", async () => {
+        for (const size of [1, 60]) {
+            const { error, text } = await call(client, "capture_region",
+                                               { x: 5, y: 5, width: size, height: size, ocr: true });
+            assert.ok(!error);
+            assert.ok(text.endsWith(" px."), text);
+        }
+    });
+
+    it("is left out, with one line in the log, where its data are missing", () =>
+        withProcess({ ...desktop.env, TESSDATA_PREFIX: desktop.home }, async (server) => {
+            const args = { app_name: "SignTerm", x: 0, y: 30, width: 300, height: 100, ocr: true };
+            for (let i = 0; i < 2; ++i) {
+                const { error, text } = await server.callTool("capture_window_region", args);
+                assert.ok(!error);
+                assert.ok(text.endsWith(" px."), text);
+            }
+            assert.equal(server.stderr.match(/OCR/g)?.length, 1, server.stderr);
+        }));
+});
+
 describe("arguments of the capture tools", () => {
     const region = { x: 10, y: 10, width: 50, height: 40 };
     const named = { app_name: "AlphaTerm" };
 
-    for (const name of ["capture_window", "capture_diff", "capture_window_region"]) {
-        const others = name === "capture_window_region" ? region : {};
+    for (const [name, others] of [["capture_window", {}], ["capture_diff", {}], ["capture_window_region", region],
+                                  ["capture_annotated", { regions: [] }]]) {
         for (const value of [undefined, null, 7, false, ["AlphaTerm"], {}, "NoSuch", "AlphaTerm\0"]) {
             it(`${name} refuses ${JSON.stringify(value)} as app_name`, async () => {
                 const { error, text } = await call(client, name, { ...others, app_name: value });

@@ -1,8 +1,10 @@
 #include "OrvaneCore/capture/ToolHandler.h"
 
+#include "OrvaneCore/capture/RegionLabels.h"
 #include "OrvaneCore/mcp/ToolCatalogue.h"
 #include "OrvanePlatform/png/SpngWriter.h"
 #include "tests/support/FakeDesktop.h"
+#include "tests/support/FakeTextRecognition.h"
 #include "tests/support/InMemorySettings.h"
 #include "tests/support/KnownPicture.h"
 
@@ -60,7 +62,9 @@ protected:
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{desktop, desktop, pngWriter};
     QDateTime now{{2026, 3, 4}, {5, 6, 7}, Qt::UTC};
-    ToolHandler handler{discovery, screenCapture, storage, pngWriter, [this] { return now; }};
+    test::FakeTextRecognition textRecognition;
+    ToolHandler handler{discovery, screenCapture, TextRecognizer(textRecognition),
+                        storage,   pngWriter,     [this] { return now; }};
     QString stamp = now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s);
     QJsonObject terminal{{u"app_name"_s, u"TERM"_s}};
 };
@@ -85,9 +89,8 @@ TEST_F(ToolHandlerTest, MakesTheDataFolders) {
 }
 
 TEST_F(ToolHandlerTest, SaysWhichToolsAreStillToCome) {
-    for (const char* name :
-         {"capture_annotated", "start_recording", "stop_recording", "poll_recording", "read_frame",
-          "get_annotations", "annotate_understanding", "get_annotation_feedback"}) {
+    for (const char* name : {"start_recording", "stop_recording", "poll_recording", "read_frame",
+                             "get_annotations", "annotate_understanding", "get_annotation_feedback"}) {
         const QJsonObject result = call(name, terminal);
         EXPECT_EQ(text(result), u"Error: Not available in this build: "_s + QLatin1String(name));
         EXPECT_TRUE(failed(result));
@@ -233,6 +236,100 @@ TEST_F(ToolHandlerTest, SaysWhyARegionIsRefused) {
     const QString reason = u"Error: A region of 0x40 holds no pixels: width and height must be at least 1."_s;
     EXPECT_EQ(text(call("capture_region", arguments)), reason);
     EXPECT_EQ(text(call("capture_window_region", arguments)), reason);
+}
+
+TEST_F(ToolHandlerTest, ReadsTheTextOfARegionWhenAsked) {
+    textRecognition.lines = {{u"Save all"_s, {0, 0, 10, 10}, 0.9F}, {u"Cancel"_s, {0, 20, 10, 10}, 0.8F}};
+    const QJsonObject asking{{u"ocr"_s, true}};
+    EXPECT_EQ(
+        text(call("capture_region", joined(square, asking))),
+        u"Captured region (10,20) 30x40. Returned image: 300×200 px.\n\nRecognized text:\nSave all\nCancel");
+    EXPECT_EQ(textRecognition.pictures.back(), desktop.picture);
+
+    EXPECT_EQ(text(call("capture_window_region", joined(joined(square, terminal), asking))),
+              u"Captured region (10,20 30x40) of Terminal - build — main. Returned image: 30×40 px."
+              u"\n\nRecognized text:\nSave all\nCancel");
+    EXPECT_EQ(textRecognition.pictures.back(), desktop.picture.copy(10, 20, 30, 40));
+}
+
+TEST_F(ToolHandlerTest, ReadsNoTextUnlessTheBooleanSaysSo) {
+    textRecognition.lines = {{u"Save all"_s, {0, 0, 10, 10}, 0.9F}};
+    for (const QJsonValue& value : {QJsonValue(u"true"_s), QJsonValue(1), QJsonValue(), QJsonValue(false)}) {
+        const QJsonObject result = call("capture_region", joined(square, {{u"ocr"_s, value}}));
+        EXPECT_EQ(text(result), u"Captured region (10,20) 30x40. Returned image: 300×200 px.");
+    }
+    EXPECT_TRUE(textRecognition.pictures.empty());
+}
+
+TEST_F(ToolHandlerTest, AnswersWithoutTextWhereNoneIsRead) {
+    const QJsonObject asking = joined(square, {{u"ocr"_s, true}});
+    EXPECT_TRUE(text(call("capture_region", asking)).endsWith(u"px."_s));
+    EXPECT_EQ(textRecognition.pictures.size(), 1U);
+    textRecognition.failure = u"The engine is broken."_s;
+    const QJsonObject result = call("capture_region", asking);
+    EXPECT_TRUE(text(result).endsWith(u"px."_s));
+    EXPECT_FALSE(failed(result));
+}
+
+TEST_F(ToolHandlerTest, AnnotatesACapture) {
+    QJsonArray regions{joined(square, {{u"label"_s, u"the button"_s}})};
+    for (int i = 2; i <= 6; ++i) {
+        regions.append(QJsonObject{{u"x"_s, -i},
+                                   {u"y"_s, i},
+                                   {u"width"_s, 0},
+                                   {u"height"_s, i},
+                                   {u"label"_s, u"n°"_s + QString::number(i)}});
+    }
+    const QJsonObject result = call("capture_annotated", joined(terminal, {{u"regions"_s, regions}}));
+    EXPECT_EQ(text(result), u"Captured Terminal - build — main (300x200) with 6 annotation(s):\n"
+                            u"  [1] (10,20 30x40) the button\n"
+                            u"  [2] (-2,2 0x2) n°2\n"
+                            u"  [3] (-3,3 0x3) n°3\n"
+                            u"  [4] (-4,4 0x4) n°4\n"
+                            u"  [5] (-5,5 0x5) n°5\n"
+                            u"  [6] (-6,6 0x6) n°6\n");
+    EXPECT_EQ(items(result), 2);
+    std::vector<AnnotationRegion> expected{{{10, 20, 30, 40}, u"the button"_s}};
+    for (int i = 2; i <= 6; ++i)
+        expected.push_back({{-i, i, 0, i}, u"n°"_s + QString::number(i)});
+    EXPECT_EQ(image(result), renderAnnotations(desktop.picture, expected, 300, 200));
+    EXPECT_EQ(saved(), QStringList{stamp + u"-TERM-annotated.png"_s});
+}
+
+TEST_F(ToolHandlerTest, AnnotatesNothing) {
+    const QJsonObject result = call("capture_annotated", joined(terminal, {{u"regions"_s, QJsonArray()}}));
+    EXPECT_EQ(text(result), u"Captured Terminal - build — main (300x200) with 0 annotation(s):\n");
+    EXPECT_EQ(image(result), desktop.picture);
+}
+
+TEST_F(ToolHandlerTest, LeavesOutRegionsThatAreNotWhole) {
+    const QJsonObject whole = joined(square, {{u"label"_s, u"kept"_s}});
+    QJsonArray regions;
+    for (const QString& key : whole.keys()) {
+        QJsonObject without = whole;
+        without.remove(key);
+        regions.append(without);
+        regions.append(joined(whole, {{key, QJsonArray{1}}}));
+    }
+    regions.append(joined(whole, {{u"x"_s, 10.5}}));
+    regions.append(joined(whole, {{u"x"_s, u"10"_s}}));
+    regions.append(joined(whole, {{u"more"_s, true}}));
+    EXPECT_EQ(
+        text(call("capture_annotated", joined(terminal, {{u"regions"_s, regions}}))),
+        u"Captured Terminal - build — main (300x200) with 1 annotation(s):\n  [1] (10,20 30x40) kept\n");
+}
+
+TEST_F(ToolHandlerTest, NeedsRegionsToAnnotate) {
+    for (const QJsonValue& bad : {QJsonValue(QJsonValue::Undefined), QJsonValue(u"[]"_s), QJsonValue(square),
+                                  QJsonValue(QJsonArray{square, 3}), QJsonValue()}) {
+        const QJsonObject result = call("capture_annotated", joined(terminal, {{u"regions"_s, bad}}));
+        EXPECT_EQ(text(result), invalidArguments);
+        EXPECT_TRUE(failed(result));
+    }
+    EXPECT_EQ(text(call("capture_annotated", {{u"regions"_s, QJsonArray()}})), invalidArguments);
+    EXPECT_EQ(text(call("capture_annotated", {{u"app_name"_s, u"Nope"_s}, {u"regions"_s, QJsonArray()}})),
+              invalidArguments);
+    EXPECT_TRUE(saved().isEmpty());
 }
 
 TEST_F(ToolHandlerTest, ComparesBeforeAndAfter) {

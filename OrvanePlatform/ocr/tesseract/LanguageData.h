@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace orvane::ocr {
+
+/// The name of Tesseract's data file for a language (BCP 47), without its suffix: "eng" for "en-US".
+/// Throws PlatformError for a language that has none.
+QString dataNameOf(const QString& language);
+
+/// The languages whose data files are among the given ones.
+QStringList languagesWithData(const QStringList& dataNames);
+
+} // namespace orvane::ocr
