@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QGuiApplication>
 
+#include <algorithm>
+
 namespace orvane {
 
 void runToolFace(int argc, char* argv[]) {
@@ -18,6 +20,8 @@ void runToolFace(int argc, char* argv[]) {
     logQtMessages();
     // Fonts need an application object. This one reaches for no desktop, because the process must outlive it.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // None of the arguments is meant for Qt, which would take "-platform" for one of its own.
+    argc = std::min(argc, 1);
     const QGuiApplication application(argc, argv);
     const std::unique_ptr<Platform> platform = makePlatform();
     StorageManager storage(platform->settingsStore(), QDir::homePath());

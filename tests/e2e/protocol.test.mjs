@@ -24,6 +24,15 @@ async function assertRefused(line, code, message) {
     });
 }
 
+describe("other arguments", () => {
+    it("mean nothing to the tool server, whatever they mean to Qt", () =>
+        withProcess(place.env, (server) => server.assertAlive(),
+                    { args: ["-platform", "nonsense", "--mcp", "-qwindowgeometry", "-reverse"] }));
+
+    it("of the environment do not choose the platform either", () =>
+        withProcess({ ...place.env, QT_QPA_PLATFORM: "nonsense" }, (server) => server.assertAlive()));
+});
+
 describe("replies byte for byte", () => {
     const expected = [
         ['{"jsonrpc":"2.0","id":1,"method":"ping"}', '{"id":1,"jsonrpc":"2.0","result":{}}'],
