@@ -105,6 +105,17 @@ TEST_F(TesseractBackendTest, TellsWhereTheLinesAre) {
     EXPECT_TRUE(QRectF(second.ink).adjusted(-1, -1, 1, 1).contains(lines[1].box));
 }
 
+TEST_F(TesseractBackendTest, ReadsManyLinesSideBySideAndGivesThemInOrder) {
+    const QStringList words{u"Save"_s, u"Print"_s, u"Rename"_s, u"Delete"_s, u"Search"_s, u"Replace"_s};
+    QImage picture = sheet(300, 24 * 28 + 10, Qt::white);
+    QStringList expected;
+    for (int row = 0; row < 24; ++row) {
+        expected.append(words[row % words.size()] + u" the document "_s + QString::number(100 + row));
+        drawLine(picture, {10, 5 + 28 * row}, expected.back(), Qt::black, interfaceFont());
+    }
+    EXPECT_EQ(textsIn(picture), expected);
+}
+
 TEST_F(TesseractBackendTest, ReadsALightPaneAndADarkOneInOnePicture) {
     QImage picture = sheet(500, 90, Qt::white);
     QPainter(&picture).fillRect(QRect(200, 0, 300, 90), darkBackground);
