@@ -30,10 +30,10 @@ class TesseractBackendTest : public testing::Test {
 protected:
     /// The engines take long to load, so the tests that run in one process share them. Not longer than that:
     /// they need what Tesseract keeps in static storage when they go.
-    static void SetUpTestSuite() { s_backend = std::make_unique<LazyTextRecognition>(); }
-    static void TearDownTestSuite() { s_backend.reset(); }
+    static void SetUpTestSuite() { sharedBackend = std::make_unique<LazyTextRecognition>(); }
+    static void TearDownTestSuite() { sharedBackend.reset(); }
 
-    static LazyTextRecognition& backend() { return *s_backend; }
+    static LazyTextRecognition& backend() { return *sharedBackend; }
 
     static QStringList allLanguages() {
         return {u"en-US"_s, u"zh-Hans"_s, u"zh-Hant"_s, u"ja-JP"_s, u"ko-KR"_s};
@@ -58,7 +58,7 @@ protected:
     }
 
 private:
-    static inline std::unique_ptr<LazyTextRecognition> s_backend;
+    static inline std::unique_ptr<LazyTextRecognition> sharedBackend;
 };
 
 TEST_F(TesseractBackendTest, SupportsTheLanguagesWhoseDataAreInstalled) {
