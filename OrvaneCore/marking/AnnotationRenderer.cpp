@@ -52,7 +52,8 @@ public:
         , m_scale(scale)
         , m_start(mapPoint(annotation.start))
         , m_end(mapPoint(annotation.end))
-        , m_rect(drawable(QRectF(m_start, m_end)))
+        // Of points that are near already: a QRectF keeps a width, which far points round or overflow.
+        , m_rect(QRectF(drawable(m_start), drawable(m_end)).normalized())
         // In this order, because comparing with a width that is no number chooses the first.
         , m_lineWidth(std::min(std::max(1.0, annotation.strokeWidth * scale), widestStroke)) {}
 
@@ -137,10 +138,11 @@ private:
             AnnotationRenderer::aspectFit(m_annotation.image.deviceIndependentSize(), m_rect);
         QImage picture = m_annotation.image;
         // A smooth painter looks at four pixels for each it paints, which leaves most of a large picture out.
-        const QSize pixels = m_painter.deviceTransform().mapRect(fitted).size().toSize();
-        if (2 * pixels.width() < picture.width())
-            picture =
-                picture.scaled(pixels.expandedTo({1, 1}), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        const QSizeF pixels = m_painter.deviceTransform().mapRect(fitted).size();
+        if (2 * pixels.width() < picture.width()) {
+            picture = picture.scaled(pixels.toSize().expandedTo({1, 1}), Qt::IgnoreAspectRatio,
+                                     Qt::SmoothTransformation);
+        }
         const PainterState state(m_painter);
         if (std::isfinite(m_annotation.rotation) && m_annotation.rotation != 0) {
             m_painter.translate(fitted.center());

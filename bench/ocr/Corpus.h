@@ -15,7 +15,8 @@ struct Sample {
     QStringList lines;
     /// As the recogniser's data files are called: "eng".
     QString language;
-    /// "sentence", "label", "code", "path", "row" for the crop of one line; "panel" for a picture of several.
+    /// Of the crop of one line "sentence", "label", "code", "path" or "row", and "line" in other languages;
+    /// of a panel what it is, such as "dialog".
     QString kind;
     QString font;
     bool isDark = false;
