@@ -147,6 +147,7 @@ TEST(RegionLabels, RepeatsFiveColours) {
     std::vector<AnnotationRegion> regions;
     const std::array expected{SystemColors::red,    SystemColors::blue,   SystemColors::green,
                               SystemColors::orange, SystemColors::purple, SystemColors::red};
+    regions.reserve(6);
     for (int i = 0; i < 6; ++i)
         regions.push_back({{20 + 60 * i, 50, 40, 100}, {}});
     const QImage picture = drawn(1, regions);
@@ -202,6 +203,7 @@ TEST(RegionLabels, SurvivesAnyNumbers) {
 
 TEST(RegionLabels, DrawsThousandsOfRegions) {
     std::vector<AnnotationRegion> regions;
+    regions.reserve(3000);
     for (int i = 0; i < 3000; ++i)
         regions.push_back({{i % 380, i % 280, 15, 10}, u"n"_s});
     EXPECT_NE(drawn(1, regions), whitePicture(1));
