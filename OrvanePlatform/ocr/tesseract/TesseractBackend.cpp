@@ -59,6 +59,8 @@ std::vector<TextLine> TesseractBackend::recognize(const QImage& picture, const Q
                                 .arg(picture.height()));
     const QImage flat = opaque(picture);
     const std::vector<FoundLine> found = findLines(flat);
+    if (found.empty())
+        return {};
     if (found.size() == mostLines)
         logLine(u"OCR: of a picture with more lines, the topmost %1 are read"_s.arg(mostLines));
 
