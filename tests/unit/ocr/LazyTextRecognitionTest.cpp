@@ -109,12 +109,13 @@ TEST(ModuleLoaderTest, NamesTheModuleAndTheFolderThatItIsMissingFrom) {
     }
 }
 
+} // namespace
+
 class OtherInterface {
 public:
     virtual ~OtherInterface() = default;
 };
 
-} // namespace
 } // namespace orvane::ocr
 
 Q_DECLARE_INTERFACE(orvane::ocr::OtherInterface, "com.orvane.test.OtherInterface")
