@@ -1,10 +1,14 @@
 #include "Orvane/ToolFace.h"
 
 #include "OrvaneCore/Log.h"
+#include "OrvaneCore/capture/CaptureTools.h"
 #include "OrvaneCore/capture/ScreenCapture.h"
+#include "OrvaneCore/capture/SessionTools.h"
 #include "OrvaneCore/capture/ToolHandler.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/mcp/MCPServer.h"
+#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/recording/ScreenRecorder.h"
 #include "OrvaneCore/storage/StorageManager.h"
 #include "OrvanePlatform/Platform.h"
 
@@ -27,10 +31,18 @@ void runToolFace(int argc, char* argv[]) {
     StorageManager storage(platform->settingsStore(), QDir::homePath());
     WindowDiscovery discovery(platform->windowServer(), platform->displays());
     ScreenCapture screenCapture(platform->screenSource(), platform->displays(), platform->pngWriter());
-    ToolHandler toolHandler(discovery, screenCapture, TextRecognizer(platform->textRecognition()), storage,
-                            platform->pngWriter());
+    SystemClock clock;
+    ScreenRecorder recorder(discovery, screenCapture, storage, platform->pngWriter(), platform->media(),
+                            clock);
+    const TextRecognizer textRecognizer(platform->textRecognition());
+    CaptureTools captureTools(discovery, screenCapture, textRecognizer, storage, platform->pngWriter());
+    SessionTools sessionTools(recorder, screenCapture, textRecognizer, storage);
+    ToolHandler toolHandler(captureTools, sessionTools);
     MCPServer server(toolHandler);
     server.run(platform->standardStreams());
+    // The agent is gone, and what it recorded shall not lack its report.
+    if (recorder.recordingSessionId())
+        recorder.stopRecording();
 }
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
 #include "OrvanePlatform/headless/HeadlessDesktop.h"
+#include "OrvanePlatform/media/LazyMedia.h"
 #include "OrvanePlatform/ocr/LazyTextRecognition.h"
 #include "OrvanePlatform/png/SpngWriter.h"
 #include "OrvanePlatform/posix/PosixStreams.h"
@@ -22,12 +23,14 @@ public:
     PngWriter& pngWriter() override { return m_pngWriter; }
     StandardStreams& standardStreams() override { return m_streams; }
     TextRecognitionBackend& textRecognition() override { return m_textRecognition; }
+    MediaBackend& media() override { return m_media; }
 
 private:
     freedesktop::JsonSettingsStore m_settings{freedesktop::JsonSettingsStore::defaultPath()};
     png::SpngWriter m_pngWriter;
     posix::PosixStreams m_streams;
     ocr::LazyTextRecognition m_textRecognition;
+    media::LazyMedia m_media;
 };
 
 class X11Platform final : public CommonPlatform {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/platform/Displays.h"
+#include "OrvaneCore/platform/MediaBackend.h"
 #include "OrvaneCore/platform/PngWriter.h"
 #include "OrvaneCore/platform/ScreenSource.h"
 #include "OrvaneCore/platform/SettingsStore.h"
@@ -25,6 +26,7 @@ public:
     virtual PngWriter& pngWriter() = 0;
     virtual StandardStreams& standardStreams() = 0;
     virtual TextRecognitionBackend& textRecognition() = 0;
+    virtual MediaBackend& media() = 0;
 
 protected:
     Platform() = default;

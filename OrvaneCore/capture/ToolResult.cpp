@@ -1,12 +1,8 @@
 #include "OrvaneCore/capture/ToolResult.h"
 
-#include <QJsonArray>
-
 namespace orvane {
 
 using namespace Qt::StringLiterals;
-
-namespace {
 
 QJsonObject textItem(const QString& text) {
     return {{u"type"_s, u"text"_s}, {u"text"_s, text}};
@@ -18,23 +14,21 @@ QJsonObject imageItem(const QByteArray& png) {
             {u"mimeType"_s, u"image/png"_s}};
 }
 
-QJsonObject content(const QJsonArray& items) {
+QJsonObject toolResultWithItems(const QJsonArray& items) {
     return {{u"content"_s, items}};
 }
 
-} // namespace
-
 QJsonObject toolResult(const QString& text) {
-    return content({textItem(text)});
+    return toolResultWithItems({textItem(text)});
 }
 
 QJsonObject toolResultWithImage(const QString& text, const QByteArray& png) {
-    return content({textItem(text), imageItem(png)});
+    return toolResultWithItems({textItem(text), imageItem(png)});
 }
 
 QJsonObject toolResultWithImages(const QString& text, const QByteArray& firstPng,
                                  const QByteArray& secondPng) {
-    return content({textItem(text), imageItem(firstPng), imageItem(secondPng)});
+    return toolResultWithItems({textItem(text), imageItem(firstPng), imageItem(secondPng)});
 }
 
 QJsonObject toolError(const QString& message) {

@@ -306,7 +306,8 @@ void StorageManager::updateLatestLink(const QString& target) const {
 }
 
 QString StorageManager::sessionDir(const QString& id) const {
-    return QDir(sessionsDir()).filePath(id);
+    // Joined as it is: QDir would take an id with a slash in front for a path of its own.
+    return sessionsDir() + u'/' + id;
 }
 
 std::optional<QString> StorageManager::latestSessionDir() const {

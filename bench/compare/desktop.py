@@ -58,9 +58,9 @@ def end(process):
 class Desktop:
     """A private virtual desktop with windows of its own."""
 
-    def __init__(self, stack):
+    def __init__(self, stack, width, height):
         holder = subprocess.Popen(
-            [os.path.join(PROJECT, "scripts/with-desktop"), "--size", f"{WIDTH}x{HEIGHT}", "--",
+            [os.path.join(PROJECT, "scripts/with-desktop"), "--size", f"{width}x{height}", "--",
              "sh", "-c", "env -0; exec 1>&-; cat >/dev/null"],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         # Closing its input ends the desktop.
@@ -173,6 +173,12 @@ class Server:
         seconds, content = self.call("capture_region", x=0, y=0, width=WIDTH, height=HEIGHT)
         return seconds, content[1]["data"]
 
+    def processor_seconds(self):
+        """What the process has used until now, by itself and by the kernel for it."""
+        with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as file:
+            fields = file.read().rpartition(")")[2].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
     def memory(self):
         """Fields of /proc/PID/status in KiB."""
         with open(f"/proc/{self.process.pid}/status", encoding="ascii") as file:
@@ -181,9 +187,9 @@ class Server:
 
 
 @contextlib.contextmanager
-def desktop():
+def desktop(width=WIDTH, height=HEIGHT):
     with contextlib.ExitStack() as stack:
-        yield Desktop(stack)
+        yield Desktop(stack, width, height)
 
 
 def newest_capture(place):

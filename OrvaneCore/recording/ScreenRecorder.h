@@ -1,0 +1,136 @@
+#pragma once
+
+#include "OrvaneCore/capture/ScreenCapture.h"
+#include "OrvaneCore/capture/WindowDiscovery.h"
+#include "OrvaneCore/platform/MediaBackend.h"
+#include "OrvaneCore/recording/ChangeTracker.h"
+#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/recording/RecordingTarget.h"
+#include "OrvaneCore/recording/RecordingVideo.h"
+#include "OrvaneCore/recording/Timeline.h"
+#include "OrvaneCore/recording/WorkQueue.h"
+#include "OrvaneCore/storage/StorageManager.h"
+
+#include <QStringList>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace orvane {
+
+/// The one recorder of a process: pictures and a timeline of what visibly happens to a window, a display or a
+/// region, in a session folder, and a movie beside it where the settings want one.
+///
+///     frame-000-start.png   the first picture
+///     change-NNN.png        one for each change, the changed cells marked; NNN is the analysed frame
+///     frame-NNN-end.png     the last picture
+///     recording.mp4         the movie
+///     SESSION.md            the report, written at the end
+///
+/// A process that dies in the middle leaves the pictures and what there is of the movie, and no report.
+///
+/// A monitor: every call from any thread, and calls may run side by side; what is shared is locked, and never
+/// during a capture, a sleep or a file's writing. Captures are taken on a thread of its own, changes are
+/// sought and written on another, so that neither waits for the other.
+class ScreenRecorder {
+public:
+    /// What a poller gets.
+    struct Poll {
+        /// One line for each entry of the timeline since the last poll, whoever that was.
+        QStringList events;
+        /// Of the last recording, also after its end; empty before the first.
+        QString sessionId;
+        /// Empty when no recording is going on.
+        QString sessionDir;
+    };
+
+    /// Everything handed in outlives the recorder.
+    ScreenRecorder(WindowDiscovery& discovery, ScreenCapture& screenCapture, StorageManager& storage,
+                   const PngWriter& pngWriter, MediaBackend& media, RecorderClock& clock);
+    /// A recording that is going on ends without a report.
+    ~ScreenRecorder();
+    ScreenRecorder(const ScreenRecorder&) = delete;
+    ScreenRecorder& operator=(const ScreenRecorder&) = delete;
+
+    /// Records the first window of the application and gives the session id. Throws
+    /// OrvaneError::invalidArguments when there is no such window, else as below.
+    QString startRecording(const QString& appName, qint64 intervalMs, RecordingSource source);
+
+    /// Takes the first picture, begins to record and gives the session id. `intervalMs` is the time from one
+    /// look to the next where no movie is written; with a movie its rate counts. Throws
+    /// OrvaneError::invalidArguments while a recording is going on. What the first capture throws passes
+    /// unchanged, and then the recording counts as going on, with nothing captured, until it is stopped.
+    QString startRecording(const RecordingTarget& target, qint64 intervalMs, RecordingSource source);
+
+    /// Takes the last picture, writes the report and gives the session id. Throws
+    /// OrvaneError::invalidArguments when no recording is going on.
+    QString stopRecording();
+
+    /// While paused nothing is captured; all times go on as wall-clock time. Ignored where it makes no sense.
+    void pauseRecording();
+    void resumeRecording();
+
+    /// Waits until the changes seen up to now are written, so that every picture it names is there.
+    Poll pollTimeline();
+
+    /// Where a picture of the recording lies; nothing when no recording is going on.
+    std::optional<QString> framePath(const QString& fileName) const;
+    std::optional<QString> recordingSessionId() const;
+    std::optional<QString> currentSessionDir() const;
+    QString currentAppName() const;
+    bool recordingIsPaused() const;
+    /// Seconds of the recording without its pauses; 0 when none is going on.
+    double activeElapsed() const;
+
+private:
+    struct Recording;
+    struct EndFrame {
+        QByteArray png;
+        /// Why there is no picture.
+        std::optional<QString> failure;
+    };
+
+    std::shared_ptr<Recording> claim(const RecordingTarget& target, qint64 intervalMs,
+                                     RecordingSource source);
+    void beginCapturing(const std::shared_ptr<Recording>& recording, const QImage& firstFrame);
+    void captureLoop(const std::stop_token& stop, const std::shared_ptr<Recording>& recording,
+                     QImage previous);
+    bool rest(const std::stop_token& stop, Recording& recording, RecorderClock::Monotonic until);
+    std::optional<QImage> look(const Recording& recording);
+    void analyse(Recording& recording, const QImage& previous, const QImage& current, int frameIndex,
+                 const QDateTime& time);
+    void leaveLoop(const std::shared_ptr<Recording>& recording);
+    EndFrame captureEndFrame(const Recording& recording);
+    void appendEnd(Recording& recording, const EndFrame& endFrame);
+    void writeReport(const Recording& recording);
+
+    QImage capture(const RecordingTarget& target, bool showsCursor);
+    QByteArray encode(const QImage& picture) const;
+    void append(Recording& recording, const TimelineEntry& entry);
+    std::shared_ptr<Recording> activeRecording() const;
+    bool isPaused(const Recording& recording) const;
+
+    WindowDiscovery& m_discovery;
+    ScreenCapture& m_screenCapture;
+    StorageManager& m_storage;
+    const PngWriter& m_pngWriter;
+    MediaBackend& m_media;
+    RecorderClock& m_clock;
+
+    /// Held by a start until the recording is the recorder's, so that of two only one begins.
+    std::mutex m_startMutex;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_loopChanged;
+    /// The recording that is going on, or the last one; null before the first.
+    std::shared_ptr<Recording> m_recording;
+    /// Remembers from one recording to the next which cells were active. Used by the queue's jobs only.
+    ChangeTracker m_tracker;
+    WorkQueue m_work;
+    /// One that was told to end is joined when the next recording begins. Last, so that it ends first.
+    std::jthread m_loop;
+};
+
+} // namespace orvane
