@@ -73,7 +73,7 @@ protected:
         return pngWriter.encode(knownPicture(width, height, false));
     }
 
-    QString start(QJsonObject arguments = {{u"app_name"_s, u"TERM"_s}}) {
+    QString start(const QJsonObject& arguments = {{u"app_name"_s, u"TERM"_s}}) {
         QString reply = text(tools.startRecording(arguments));
         clock.awaitSleeper();
         return reply;

@@ -17,7 +17,7 @@ protected:
     QString source(const QSize& size, QRgb color = qRgb(10, 200, 30)) {
         QImage picture(size, QImage::Format_RGB32);
         picture.fill(color);
-        const QString path = folder.filePath(u"source.png"_s);
+        QString path = folder.filePath(u"source.png"_s);
         EXPECT_TRUE(picture.save(path));
         return path;
     }
