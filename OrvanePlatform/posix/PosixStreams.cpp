@@ -1,5 +1,6 @@
 #include "OrvanePlatform/posix/PosixStreams.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
@@ -66,14 +67,32 @@ private:
 } // namespace
 
 PosixStreams::PosixStreams()
-    : PosixStreams(STDIN_FILENO, STDOUT_FILENO) {}
+    : PosixStreams(STDIN_FILENO, STDOUT_FILENO) {
+    m_heedsSignals = true;
+}
 
 PosixStreams::PosixStreams(int inputFd, int outputFd)
     : m_inputFd(inputFd)
     , m_outputFd(outputFd) {}
 
+/// Waits for input; false when a signal asked the process to end.
+bool PosixStreams::mayRead() {
+    if (!m_heedsSignals)
+        return true;
+    if (!m_endSignals)
+        m_endSignals = std::make_unique<EndSignals>();
+    std::array<pollfd, 2> entries{{{m_endSignals->descriptor(), POLLIN, 0}, {m_inputFd, POLLIN, 0}}};
+    while (::poll(entries.data(), entries.size(), -1) < 0) {
+        if (errno != EINTR && errno != EAGAIN)
+            return true;
+    }
+    return entries.front().revents == 0;
+}
+
 qsizetype PosixStreams::read(std::span<char> buffer) {
     for (;;) {
+        if (!mayRead())
+            return 0;
         const ssize_t count = ::read(m_inputFd, buffer.data(), buffer.size());
         if (count >= 0)
             return count;
