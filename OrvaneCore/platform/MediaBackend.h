@@ -23,15 +23,17 @@ struct VideoFormat {
 };
 
 /// One movie that is being written. One thread at a time. Destroyed unfinished, it leaves what it has written
-/// so far, as a process does that is killed: a file that plays up to its last second or so.
+/// so far, as a process does that is killed: a file that plays up to its last second or so, or up to its last
+/// frame but one where frames come slower than that.
 class VideoWriter {
 public:
     virtual ~VideoWriter() = default;
 
     /// Takes a frame of any size, which is scaled to the movie's, to be shown at `time` after the movie's
-    /// begin; times ascend. Returns soon: encoding and writing go on behind it. False, and the frame is
-    /// dropped, when the encoder is not ready for more. A writer that has failed goes on taking frames and
-    /// keeps none of them; finish() tells. After finish() nothing is taken.
+    /// begin; times ascend. Each is shown until the next one, the first from the begin on, and the last for
+    /// as long as the rate of the format says. Alpha is ignored. Returns soon: encoding and writing go on
+    /// behind it. False, and the frame is dropped, when the encoder is not ready for more. A writer that has
+    /// failed goes on taking frames and keeps none of them; finish() tells. After finish() nothing is taken.
     virtual bool append(const QImage& frame, std::chrono::microseconds time) = 0;
 
     /// Waits until every frame is on the disk and the file is as players like it best. Only the first call

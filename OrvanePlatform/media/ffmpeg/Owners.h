@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 
 extern "C" {
 #include <libavcodec/avcodec.h>

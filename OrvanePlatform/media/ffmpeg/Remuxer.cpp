@@ -21,7 +21,7 @@ qint64 headerBytes(const FragmentedMp4::Content& content) {
     constexpr qint64 fixed = 8192;
     constexpr qint64 perFrame = 8 + 4 + 4;
     constexpr qint64 perPiece = 8 + 12;
-    constexpr qint64 smallestPiece = 512 * 1024;
+    constexpr qint64 smallestPiece = 524'288;
     return fixed + perFrame * content.packets + perPiece * (content.bytes / smallestPiece + 1);
 }
 
