@@ -2,10 +2,27 @@
 #include "tests/desktop/DesktopFixture.h"
 
 #include <QDir>
+#include <QPainter>
 
 #include <csignal>
 
 namespace orvane::test {
+
+namespace {
+
+class TestWindowCommands : public DesktopFixture {
+protected:
+    QImage shown(const TestWindow& window) { return capture.captureWindow(window.id(), false).image; }
+
+    static QImage filled(QImage picture, const QRect& rect, const QColor& color) {
+        QPainter painter(&picture);
+        painter.fillRect(rect, color);
+        painter.end();
+        return picture;
+    }
+};
+
+} // namespace
 
 TEST(VirtualDesktop, IsPrivateAndLeavesNothing) {
     const QByteArray homeBefore = qgetenv("HOME");
@@ -46,6 +63,35 @@ TEST(Eventually, WaitsAndGivesUp) {
 TEST(RunCommand, GivesTheOutputAndFailsLoudly) {
     EXPECT_EQ(runCommand(u"echo"_s, {u"a b"_s}), "a b\n");
     EXPECT_THROW(runCommand(u"false"_s, {}), std::runtime_error);
+}
+
+TEST_F(TestWindowCommands, FillARectangleAndNothingElse) {
+    TestWindow window({u"--undecorated"_s});
+    window.fill({30, 40, 50, 60}, u"#12ab34"_s);
+    const QImage once = filled(knownPicture(300, 200, false), {30, 40, 50, 60}, u"#12ab34"_s);
+    EXPECT_EQ(shown(window), once);
+    window.fill({299, 199, 1, 1}, Qt::white);
+    EXPECT_EQ(shown(window), filled(once, {299, 199, 1, 1}, Qt::white));
+}
+
+TEST_F(TestWindowCommands, FillForAsLongAsNothingElseIsShown) {
+    TestWindow window({u"--undecorated"_s});
+    window.fill({0, 0, 400, 100}, Qt::red);
+    window.command(u"resize 350 180"_s);
+    const QImage grown = filled(knownPicture(350, 180, false), {0, 0, 400, 100}, Qt::red);
+    EXPECT_TRUE(eventually([&] { return shown(window) == grown; }));
+    window.command(u"picture"_s);
+    EXPECT_EQ(shown(window), knownPicture(350, 180, false));
+    window.fill({0, 0, 10, 10}, Qt::red);
+    window.command(u"color #0000ff"_s);
+    EXPECT_EQ(shown(window).pixelColor(5, 5), QColor(Qt::blue));
+}
+
+TEST_F(TestWindowCommands, FillOpaquelyInATransparentWindow) {
+    TestWindow window({u"--undecorated"_s, u"--depth"_s, u"32"_s});
+    window.fill({30, 40, 50, 60}, u"#12ab34"_s);
+    EXPECT_EQ(shown(window).pixel(31, 41), 0xff12ab34U);
+    EXPECT_EQ(qAlpha(shown(window).pixel(11, 20)), 0x80);
 }
 
 TEST(KnownPicture, HasNoTwoNeighboursAlike) {

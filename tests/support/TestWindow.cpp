@@ -33,6 +33,15 @@ void TestWindow::command(const QString& line) {
         throw std::runtime_error("the test window did not obey");
 }
 
+void TestWindow::fill(const QRect& rect, const QColor& color) {
+    command(QStringLiteral("fill %1 %2 %3 %4 %5")
+                .arg(rect.x())
+                .arg(rect.y())
+                .arg(rect.width())
+                .arg(rect.height())
+                .arg(color.name()));
+}
+
 QByteArray TestWindow::readLine() {
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(deadlineMs))

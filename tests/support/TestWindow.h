@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QColor>
 #include <QProcess>
+#include <QRect>
 #include <QStringList>
 
 #include <memory>
@@ -22,6 +24,9 @@ public:
 
     /// Sends a command and waits until the X server has dealt with it.
     void command(const QString& line);
+
+    /// Shows a part of the client area in that colour: at once as a whole, and over what it showed before.
+    void fill(const QRect& rect, const QColor& color);
 
 private:
     QByteArray readLine();

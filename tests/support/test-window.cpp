@@ -1,6 +1,7 @@
 // A window for the tests: shows the known picture (or one colour), is of any kind a test needs, and obeys
 // commands on its standard input, one a line, each answered by "done" once the X server has dealt with it:
-//   color #rrggbb | picture | move X Y | resize W H | iconify | title TEXT | quit
+//   color #rrggbb | picture | fill X Y W H #rrggbb | move X Y | resize W H | iconify | title TEXT | quit
+// A fill appears at once as a whole and stays until the next "color" or "picture".
 // It prints "ready WINDOW-ID" when it has been mapped and drawn.
 #include "tests/support/Eventually.h"
 #include "tests/support/KnownPicture.h"
@@ -9,6 +10,7 @@
 #include <QColor>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QPainter>
 #include <QSocketNotifier>
 #include <QString>
 #include <QStringList>
@@ -82,10 +84,16 @@ public:
         const QStringList words = line.split(u' ');
         if (command == u"color") {
             m_options.color = QColor(words.value(1));
+            m_fills.clear();
             draw();
         } else if (command == u"picture") {
             m_options.color.reset();
+            m_fills.clear();
             draw();
+        } else if (command == u"fill") {
+            fill({{words.value(1).toInt(), words.value(2).toInt(), words.value(3).toInt(),
+                   words.value(4).toInt()},
+                  QColor(words.value(5))});
         } else if (command == u"move") {
             configure(XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, words);
         } else if (command == u"resize") {
@@ -103,6 +111,11 @@ public:
     }
 
 private:
+    struct Fill {
+        QRect rect;
+        QColor color;
+    };
+
     template <typename T>
     static std::unique_ptr<T, decltype(&std::free)> take(T* pointer) {
         return {pointer, &std::free};
@@ -188,6 +201,10 @@ private:
                 .convertToFormat(transparent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
         if (m_options.color)
             picture.fill(*m_options.color);
+        QPainter painter(&picture);
+        for (const Fill& fill : m_fills)
+            painter.fillRect(fill.rect, fill.color);
+        painter.end();
         // A request may hold 256 KiB at least, and a strip of 16 rows is below that up to 4096 pixels' width.
         constexpr int stripRows = 16;
         for (int top = 0; top < size.height(); top += stripRows) {
@@ -198,6 +215,18 @@ private:
                           static_cast<uint32_t>(picture.bytesPerLine() * rows), picture.constScanLine(top));
         }
         xcb_flush(m_connection);
+    }
+
+    /// One request, so that nobody sees a part of it.
+    void fill(const Fill& fill) {
+        m_fills.push_back(fill);
+        const uint32_t alpha = m_options.depth == 32 ? 0xff000000U : 0U;
+        const uint32_t pixel = (fill.color.rgb() & 0x00ffffffU) | alpha;
+        xcb_change_gc(m_connection, m_graphics, XCB_GC_FOREGROUND, &pixel);
+        const xcb_rectangle_t rectangle{
+            static_cast<int16_t>(fill.rect.x()), static_cast<int16_t>(fill.rect.y()),
+            static_cast<uint16_t>(fill.rect.width()), static_cast<uint16_t>(fill.rect.height())};
+        xcb_poly_fill_rectangle(m_connection, m_window, m_graphics, 1, &rectangle);
     }
 
     void reportReady() {
@@ -250,6 +279,7 @@ private:
     }
 
     Options m_options;
+    std::vector<Fill> m_fills;
     xcb_connection_t* m_connection;
     xcb_screen_t* m_screen = nullptr;
     xcb_window_t m_window = XCB_WINDOW_NONE;

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { spawn, execFileSync } from "node:child_process";
 import { once } from "node:events";
-import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
+import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { fileURLToPath } from "node:url";
@@ -68,6 +68,13 @@ class Desktop {
 
     run(command, ...args) {
         return execFileSync(command, args, { env: this.env, maxBuffer: 1 << 28, stdio: ["ignore", "pipe", "pipe"] });
+    }
+
+    /// Makes these the user's settings, all others having their defaults.
+    settings(values) {
+        const folder = join(this.env.XDG_CONFIG_HOME, "orvane");
+        mkdirSync(folder, { recursive: true });
+        writeFileSync(join(folder, "settings.json"), JSON.stringify(values));
     }
 
     /// What a window, or with "root" the whole screen, looks like according to xwd.

@@ -25,8 +25,8 @@ export async function connect(env) {
     return client;
 }
 
-/// Calls a tool and checks everything that holds for every tool result. Gives { error, text, images }, where
-/// images are decoded pictures and text is that of the first item.
+/// Calls a tool and checks everything that holds for every tool result. Gives { error, text, images, items }, where
+/// images are decoded pictures, text is that of the first item, and items are all texts and pictures in their order.
 export async function call(client, name, args = {}) {
     return readResult(await client.callTool({ name, arguments: args }), name);
 }
@@ -36,18 +36,20 @@ export function readResult(result, name = "tool") {
     for (const key of Object.keys(result)) {
         assert.ok(key === "content" || key === "isError", `${name} gives the key ${key}`);
     }
-    const images = [];
+    const items = [];
     for (const item of result.content) {
         if (item.type === "text") {
             assert.deepEqual(Object.keys(item).sort(), ["text", "type"]);
+            items.push(item.text);
         } else {
             assert.deepEqual(Object.keys(item).sort(), ["data", "mimeType", "type"]);
             assert.equal(item.type, "image");
             assert.equal(item.mimeType, "image/png");
             assert.match(item.data, /^[A-Za-z0-9+/]+={0,2}$/);
-            images.push(decodePng(Buffer.from(item.data, "base64")));
+            items.push(decodePng(Buffer.from(item.data, "base64")));
         }
     }
+    const images = items.filter((item) => typeof item !== "string");
     const [{ type, text }] = result.content;
     assert.equal(type, "text", `${name}: the text comes first`);
     const error = "isError" in result;
@@ -61,7 +63,7 @@ export function readResult(result, name = "tool") {
         assert.deepEqual([images[0].width, images[0].height], [Number(stated[1]), Number(stated[2])],
                          `${name}: the stated size`);
     }
-    return { error, text, images };
+    return { error, text, images, items };
 }
 
 /// A process of the program whose standard input and output are in the test's own hands.

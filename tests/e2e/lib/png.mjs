@@ -95,6 +95,16 @@ export function decodeXwd(bytes) {
     };
 }
 
+/// Red, green and blue of "#rrggbb".
+export const channels = (colour) => [1, 3, 5].map((start) => parseInt(colour.slice(start, start + 2), 16));
+
+/// What a colour that covers by a share from 0 to 1 makes of the one below it.
+export const blend = (top, ground, share) => "#" + channels(top).map((value, i) =>
+    hex(Math.round(share * value + (1 - share) * channels(ground)[i]))).join("");
+
+/// Whether two colours differ by no more than rounding does.
+export const nearly = (one, other) => channels(one).every((value, i) => Math.abs(value - channels(other)[i]) <= 2);
+
 /// The part of a picture that begins at (x, y).
 export function crop(picture, x, y, width, height) {
     assert.ok(x >= 0 && y >= 0 && x + width <= picture.width && y + height <= picture.height,
