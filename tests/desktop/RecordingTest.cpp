@@ -42,12 +42,11 @@ protected:
     using RecordingFixture::RecordingFixture;
 
     void SetUp() override { testing::internal::CaptureStderr(); }
-    void TearDown() override { log(); }
+    void TearDown() override { endCapture(); }
 
     /// What was logged since the last call.
     std::string log() {
-        std::string text = testing::internal::GetCapturedStderr();
-        std::fputs(text.c_str(), stderr);
+        std::string text = endCapture();
         testing::internal::CaptureStderr();
         return text;
     }
@@ -76,6 +75,12 @@ protected:
     }
 
 private:
+    static std::string endCapture() {
+        std::string text = testing::internal::GetCapturedStderr();
+        std::fputs(text.c_str(), stderr);
+        return text;
+    }
+
     int m_changes = 0;
 };
 
