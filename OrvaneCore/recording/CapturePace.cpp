@@ -12,6 +12,8 @@ constexpr qint64 shortestPeriodMs = 1000 / 60;
 constexpr qint64 longestPeriodMs = 1000LL * 60 * 60 * 24 * 365;
 // The part of a period that is left to others, however long a look takes.
 constexpr int restPart = 4;
+// A few frames of a movie. What is longer than this was seen by nobody.
+constexpr RecorderClock::Monotonic mostLag = std::chrono::milliseconds(150);
 
 } // namespace
 
@@ -26,8 +28,12 @@ CapturePace capturePace(std::optional<int> videoFps, qint64 intervalMs) {
 
 RecorderClock::Monotonic nextDue(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
                                  std::chrono::milliseconds period) {
-    const RecorderClock::Monotonic step(period);
-    return std::max(due + step, now + step / restPart);
+    return std::max(due + RecorderClock::Monotonic(period), now - mostLag);
+}
+
+RecorderClock::Monotonic lookTime(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
+                                  std::chrono::milliseconds period) {
+    return std::max(due, now + RecorderClock::Monotonic(period) / restPart);
 }
 
 } // namespace orvane

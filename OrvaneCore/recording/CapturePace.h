@@ -19,9 +19,13 @@ struct CapturePace {
 /// machine could keep, and one of no sense, becomes the nearest that makes sense.
 CapturePace capturePace(std::optional<int> videoFps, qint64 intervalMs);
 
-/// When to look again: one period after the look that was due at `due`, so that the time a look takes does
-/// not slow the pace; a recording that has fallen behind does not catch up, and always rests for a moment.
+/// When the look after the one that was due at `due` is due: one period later, so that the time a look takes
+/// does not slow the pace. That may be past already; a delay of more than a few frames is not made up for.
 RecorderClock::Monotonic nextDue(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
                                  std::chrono::milliseconds period);
+
+/// When to take a look that is due at `due`: then, or as soon as others have had their turn.
+RecorderClock::Monotonic lookTime(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
+                                  std::chrono::milliseconds period);
 
 } // namespace orvane

@@ -217,8 +217,9 @@ void ScreenRecorder::captureLoop(const std::stop_token& stop, const std::shared_
     qint64 tick = 0;
     RecorderClock::Monotonic due = m_clock.monotonic();
     while (true) {
-        due = nextDue(due, m_clock.monotonic(), pace.period);
-        if (!rest(stop, *recording, due))
+        const RecorderClock::Monotonic now = m_clock.monotonic();
+        due = nextDue(due, now, pace.period);
+        if (!rest(stop, *recording, lookTime(due, now, pace.period)))
             break;
         if (isPaused(*recording))
             continue;

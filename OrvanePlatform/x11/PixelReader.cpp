@@ -2,6 +2,10 @@
 
 #include <QSysInfo>
 
+#include <algorithm>
+#include <atomic>
+#include <deque>
+
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -120,20 +124,28 @@ private:
     uchar* m_memory = nullptr;
 };
 
-/// Keeps the segment of the last picture that was given up, so that a series of captures maps memory once.
+/// Keeps the segments of pictures that were given up, so that a series of captures maps memory once: several
+/// for as long as a picture is held, as in a recording, and one at rest.
 class PixelReader::Pool : public std::enable_shared_from_this<Pool> {
 public:
     std::unique_ptr<Segment> take(const std::shared_ptr<X11Connection>& connection, qsizetype bytes) {
         {
             const std::scoped_lock lock(m_mutex);
-            if (m_idle && m_idle->bytes() >= bytes)
-                return std::move(m_idle);
+            const auto fits = std::find_if(m_idle.begin(), m_idle.end(), [bytes](const auto& segment) {
+                return segment->bytes() >= bytes;
+            });
+            if (fits != m_idle.end()) {
+                std::unique_ptr<Segment> segment = std::move(*fits);
+                m_idle.erase(fits);
+                return segment;
+            }
         }
         return Segment::make(connection, bytes);
     }
 
     /// Wraps the segment in an image that gives it back at its end.
     QImage lend(std::unique_ptr<Segment> segment, const QSize& size, const Layout& layout) {
+        ++m_lent;
         auto* lease = new Lease{shared_from_this(), std::move(segment)};
         return {lease->segment->memory(), size.width(),    size.height(), layout.stride,
                 layout.pixels.format,     &Pool::giveBack, lease};
@@ -141,7 +153,9 @@ public:
 
     void giveBack(std::unique_ptr<Segment> segment) {
         const std::scoped_lock lock(m_mutex);
-        m_idle = std::move(segment);
+        // The last one used is the one whose memory and size are most likely to be right for the next.
+        m_idle.push_front(std::move(segment));
+        m_idle.resize(std::min(m_idle.size(), m_lent > 0 ? mostIdle : 1));
     }
 
 private:
@@ -152,11 +166,16 @@ private:
 
     static void giveBack(void* pointer) {
         const std::unique_ptr<Lease> lease(static_cast<Lease*>(pointer));
+        --lease->pool->m_lent;
         lease->pool->giveBack(std::move(lease->segment));
     }
 
+    static constexpr std::size_t mostIdle = 4;
+
     std::mutex m_mutex;
-    std::unique_ptr<Segment> m_idle;
+    /// Those used last come first.
+    std::deque<std::unique_ptr<Segment>> m_idle;
+    std::atomic<int> m_lent = 0;
 };
 
 PixelReader::PixelReader(std::shared_ptr<X11Connection> connection)

@@ -15,8 +15,8 @@ namespace orvane::x11 {
 enum class Alpha { counts, ignored };
 
 /// Reads pixels of drawables into images, through shared memory where the server offers it.
-/// A picture lies in the memory the server wrote it to, with no copy; the memory of one picture that is no
-/// longer used is kept for the next. Any thread.
+/// A picture lies in the memory the server wrote it to, with no copy; the memory of pictures that are no
+/// longer used is kept for the next ones. Any thread.
 class PixelReader {
 public:
     explicit PixelReader(std::shared_ptr<X11Connection> connection);

@@ -57,19 +57,21 @@ bool Redirection::composited() const {
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-void Redirection::prepare(xcb_window_t topLevel) {
+bool Redirection::prepare(xcb_window_t topLevel) {
     if (!m_connection->extensions().composite) {
         throw PlatformError(QStringLiteral("The X server lacks the Composite extension, which capturing a "
                                            "window needs. Capture a region instead."));
     }
     const std::scoped_lock lock(m_mutex);
-    if (m_redirected || composited())
-        return;
+    const bool isComposited = composited();
+    if (m_redirected || isComposited)
+        return isComposited;
     redirectAndAwaitRepaint(topLevel, [this] {
         return xcb_composite_redirect_subwindows(m_connection->raw(), m_connection->root(),
                                                  XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     });
     m_redirected = true;
+    return false;
 }
 
 void Redirection::prepareFreed(xcb_window_t topLevel) {

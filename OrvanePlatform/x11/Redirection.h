@@ -19,9 +19,10 @@ public:
     bool composited() const;
 
     /// After this the window's pixmap can be named and holds what the window shows. The first call without a
-    /// compositor waits until the window has drawn the parts that were covered: at most half a second.
+    /// compositor waits until the window has drawn the parts that were covered: at most half a second. Gives
+    /// whether a compositor runs, as `composited` does.
     /// Throws PlatformError when the server cannot redirect windows or the connection is lost.
-    void prepare(xcb_window_t topLevel);
+    bool prepare(xcb_window_t topLevel);
 
     /// The same for a window that the compositor has set free, as some do with full-screen windows: this one
     /// is redirected on behalf of this connection.

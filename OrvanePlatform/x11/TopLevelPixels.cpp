@@ -48,8 +48,8 @@ std::optional<QImage> readNamed(const X11Connection& connection, PixelReader& re
 
 std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader,
                                    Redirection& redirection, xcb_window_t topLevel, const QRect& area) {
-    redirection.prepare(topLevel);
-    const Alpha alpha = redirection.composited() ? Alpha::counts : Alpha::ignored;
+    const bool composited = redirection.prepare(topLevel);
+    const Alpha alpha = composited ? Alpha::counts : Alpha::ignored;
     if (auto pixels = readNamed(connection, reader, topLevel, area, alpha))
         return pixels;
     redirection.prepareFreed(topLevel);

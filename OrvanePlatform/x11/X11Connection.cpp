@@ -122,6 +122,23 @@ void X11Connection::queryExtensions() {
     }
 }
 
+QString X11Connection::atomName(xcb_atom_t atom) const {
+    {
+        const std::scoped_lock lock(m_atomNamesMutex);
+        const auto known = m_atomNames.constFind(atom);
+        if (known != m_atomNames.constEnd())
+            return *known;
+    }
+    const auto answer = reply<xcb_get_atom_name_reply>(xcb_get_atom_name(m_connection, atom));
+    if (!answer)
+        return {};
+    QString name =
+        QString::fromUtf8(xcb_get_atom_name_name(answer.get()), xcb_get_atom_name_name_length(answer.get()));
+    const std::scoped_lock lock(m_atomNamesMutex);
+    m_atomNames.insert(atom, name);
+    return name;
+}
+
 bool X11Connection::lost() const {
     return xcb_connection_has_error(m_connection) != 0;
 }

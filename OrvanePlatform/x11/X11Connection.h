@@ -3,10 +3,12 @@
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvanePlatform/x11/Atoms.h"
 
+#include <QHash>
 #include <QString>
 
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <type_traits>
 
 #include <xcb/xcb.h>
@@ -51,6 +53,9 @@ public:
     const Atoms& atoms() const { return m_atoms; }
     const Extensions& extensions() const { return m_extensions; }
 
+    /// The name of an atom; the server is asked once. Empty when there is no such atom.
+    QString atomName(xcb_atom_t atom) const;
+
     /// True once the server is gone or `abandon` was called; the connection is of no use from then on.
     bool lost() const;
 
@@ -90,6 +95,8 @@ private:
     xcb_screen_t* m_screen = nullptr;
     Atoms m_atoms;
     Extensions m_extensions;
+    mutable std::mutex m_atomNamesMutex;
+    mutable QHash<xcb_atom_t, QString> m_atomNames;
 };
 
 } // namespace orvane::x11

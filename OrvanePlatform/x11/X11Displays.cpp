@@ -8,13 +8,6 @@ namespace orvane::x11 {
 
 namespace {
 
-QString atomName(const X11Connection& connection, xcb_atom_t atom) {
-    const auto reply = connection.reply<xcb_get_atom_name_reply>(xcb_get_atom_name(connection.raw(), atom));
-    if (!reply)
-        return {};
-    return QString::fromUtf8(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()));
-}
-
 std::vector<Monitor> readMonitors(const X11Connection& connection) {
     std::vector<Monitor> monitors;
     if (connection.extensions().randrMonitors) {
@@ -24,7 +17,7 @@ std::vector<Monitor> readMonitors(const X11Connection& connection) {
             for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
                  xcb_randr_monitor_info_next(&it)) {
                 const xcb_randr_monitor_info_t& info = *it.data;
-                monitors.push_back({.name = atomName(connection, info.name),
+                monitors.push_back({.name = connection.atomName(info.name),
                                     .pixels = QRect(info.x, info.y, info.width, info.height),
                                     .primary = info.primary != 0});
             }

@@ -118,6 +118,19 @@ describe("a recording with a movie", () => {
         assert.match(recording.report(), /\| recording_end \| Recording stopped\. Duration: /);
     }));
 
+    for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
+        it(`is finished when ${signal} asks the process to end`, () =>
+            withWindow(desktop, "EndedMovieTerm", async (window) => {
+                const server = new RawProcess(desktop.env);
+                const recording = await Recording.start(desktop, server, "EndedMovieTerm");
+                await until("there is something of it", () => existsSync(movie(recording)));
+                server.process.kill(signal);
+                assert.equal(await server.closed, 0);
+                assertFinished(movie(recording), window);
+                assert.match(recording.report(), /\| recording_end \| Recording stopped\. Duration: /);
+            }));
+    }
+
     it("plays as far as it was written when the process is killed", () =>
         withWindow(desktop, "KilledMovieTerm", async (window) => {
             const server = new RawProcess(desktop.env);

@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvanePlatform/media/ffmpeg/AvError.h"
+#include "OrvanePlatform/media/ffmpeg/GiveWay.h"
 #include "OrvanePlatform/media/video/MovieTimes.h"
 #include "OrvanePlatform/media/video/VideoLimits.h"
 
@@ -59,9 +60,12 @@ H264Encoder::H264Encoder(const VideoFormat& format)
     options.set("preset", preset);
     options.set("forced-idr", 1);
     options.set("x264-params", withLeastDelay);
-    checked(avcodec_open2(m_context.get(), codec, options.get()),
-            u"The H.264 encoder does not take a movie of %1 x %2 pixels"_s.arg(stored.width())
-                .arg(stored.height()));
+    // The encoder's threads are as the one that starts them.
+    runGivingWay([&] {
+        checked(avcodec_open2(m_context.get(), codec, options.get()),
+                u"The H.264 encoder does not take a movie of %1 x %2 pixels"_s.arg(stored.width())
+                    .arg(stored.height()));
+    });
 }
 
 void H264Encoder::encode(AVFrame& picture, qint64 tick, bool isKeyFrame, const Taker& taker) {

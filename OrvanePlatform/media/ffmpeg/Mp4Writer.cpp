@@ -1,8 +1,10 @@
 #include "OrvanePlatform/media/ffmpeg/Mp4Writer.h"
 
 #include "OrvaneCore/platform/PlatformError.h"
+#include "OrvanePlatform/media/ffmpeg/GiveWay.h"
 #include "OrvanePlatform/media/ffmpeg/Remuxer.h"
 
+#include <algorithm>
 #include <exception>
 
 namespace orvane::media {
@@ -11,14 +13,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Enough for an encoder that is late once, little enough for frames of 8 megabytes and more.
-constexpr std::size_t mostWaitingFrames = 4;
+// A quarter of a second at 1920x1080 and 30 frames a second. More memory than this takes only what is larger
+// still, because an encoder must be allowed to be late once.
+constexpr qint64 mostWaitingBytes = qint64{64} << 20;
+constexpr qint64 fewestWaitingFrames = 4;
+constexpr qint64 mostWaitingFrames = 30;
 
 // How long a fragment waits for its last frames.
 constexpr std::chrono::milliseconds longestWait{1000};
 
 // The format has no longer frames than 2^31 ticks, which are 6.6 hours.
 constexpr qint64 longestFrameTicks = qint64{3600} * ticksPerSecond;
+
+std::size_t waitingFrames(const QSize& size) {
+    constexpr qint64 bytesPerPixel = 4;
+    const qint64 frameBytes = bytesPerPixel * size.width() * size.height();
+    return static_cast<std::size_t>(
+        std::clamp(mostWaitingBytes / frameBytes, fewestWaitingFrames, mostWaitingFrames));
+}
 
 } // namespace
 
@@ -28,7 +40,7 @@ Mp4Writer::Mp4Writer(const QString& path, const VideoFormat& format)
     , m_converter(format.sizePixels)
     , m_file(path, m_encoder.context())
     , m_times(format.framesPerSecond, format.keyFrameInterval)
-    , m_queue(mostWaitingFrames)
+    , m_queue(waitingFrames(format.sizePixels))
     , m_thread([this] { run(); }) {}
 
 Mp4Writer::~Mp4Writer() {
@@ -66,6 +78,7 @@ void Mp4Writer::finish() {
 }
 
 void Mp4Writer::run() {
+    giveWay();
     try {
         writeFrames();
     } catch (const std::exception& error) {

@@ -4,8 +4,11 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <map>
 
 #include <malloc.h>
+#include <sys/resource.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 // The compiler brings the function but not its header.
@@ -53,6 +56,19 @@ protected:
             append(*writer, noise(format.sizePixels), index * period);
         writer->finish();
         return static_cast<double>(QFileInfo(path()).size()) * 8 / test::secondsOf(path());
+    }
+
+    /// {thread: its nice value} of this process.
+    static std::map<int, int> niceValues() {
+        std::map<int, int> values;
+        for (const QString& thread :
+             QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            errno = 0;
+            const int value = ::getpriority(PRIO_PROCESS, thread.toUInt());
+            if (errno == 0)
+                values.emplace(thread.toInt(), value);
+        }
+        return values;
     }
 
     /// What is allocated and not freed.
@@ -124,6 +140,27 @@ TEST_F(Mp4RateTest, KeepsToTheBitRateAtTheExpectedFrameRate) {
 TEST_F(Mp4RateTest, KeepsToTheBitRateWhenFramesComeSlower) {
     const double bits = bitsPerSecondOf(formatOf({320, 240}, 1'000'000), 200ms, 150);
     EXPECT_NEAR(bits, 1'000'000, 250'000);
+}
+
+TEST_F(Mp4RateTest, ItsThreadsGiveWayAndNoOthersDo) {
+    const std::map<int, int> before = niceValues();
+    const std::unique_ptr<VideoWriter> writer = create(formatOf({640, 480}));
+    const auto newThreadsGiveWay = [&] {
+        int count = 0;
+        for (const auto& [thread, value] : niceValues()) {
+            if (before.count(thread) != 0)
+                continue;
+            ++count;
+            if (value < 10)
+                return false;
+        }
+        return count > 0;
+    };
+    EXPECT_TRUE(test::eventually(newThreadsGiveWay));
+    for (const auto& [thread, value] : niceValues()) {
+        const auto known = before.find(thread);
+        EXPECT_TRUE(known == before.end() || value == known->second);
+    }
 }
 
 TEST_F(Mp4RateTest, MemoryDoesNotGrowWithTheMovie) {

@@ -29,15 +29,24 @@ TEST(CapturePaceTest, NeverSpinsAndNeverOverflows) {
         EXPECT_EQ(capturePace(noRate, 250), (CapturePace{.period = 1000ms, .stride = 1})) << noRate;
 }
 
-TEST(CapturePaceTest, KeepsTimeHoweverLongALookTakes) {
+TEST(CapturePaceTest, ALookIsDueOnePeriodAfterTheLastHoweverLongThatTook) {
     EXPECT_EQ(nextDue(0ms, 0ms, 100ms), 100ms);
     EXPECT_EQ(nextDue(100ms, 130ms, 100ms), 200ms);
-    EXPECT_EQ(nextDue(100ms, 175ms, 100ms), 200ms);
+    EXPECT_EQ(nextDue(100ms, 190ms, 100ms), 200ms);
+    EXPECT_EQ(nextDue(100ms, 290ms, 100ms), 200ms);
 }
 
-TEST(CapturePaceTest, RestsAndDoesNotCatchUpWhenItHasFallenBehind) {
-    EXPECT_EQ(nextDue(100ms, 190ms, 100ms), 215ms);
-    EXPECT_EQ(nextDue(100ms, 5000ms, 100ms), 5025ms);
+TEST(CapturePaceTest, MakesUpForAShortDelayOnly) {
+    EXPECT_EQ(nextDue(100ms, 350ms, 100ms), 200ms);
+    EXPECT_EQ(nextDue(100ms, 351ms, 100ms), 201ms);
+    EXPECT_EQ(nextDue(100ms, 5000ms, 100ms), 4850ms);
+}
+
+TEST(CapturePaceTest, LooksWhenItIsDueButRestsForAMoment) {
+    EXPECT_EQ(lookTime(200ms, 130ms, 100ms), 200ms);
+    EXPECT_EQ(lookTime(200ms, 175ms, 100ms), 200ms);
+    EXPECT_EQ(lookTime(200ms, 190ms, 100ms), 215ms);
+    EXPECT_EQ(lookTime(200ms, 350ms, 100ms), 375ms);
 }
 
 } // namespace orvane
