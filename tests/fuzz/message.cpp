@@ -1,0 +1,59 @@
+// One message to the MCP server, whatever its bytes.
+#include "OrvaneCore/mcp/MCPServer.h"
+#include "OrvaneCore/mcp/MessageCodec.h"
+#include "OrvaneCore/mcp/MessageError.h"
+#include "OrvaneCore/mcp/ToolCallHandler.h"
+#include "tests/fuzz/Check.h"
+
+#include <QJsonDocument>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace {
+
+using namespace orvane;
+using namespace Qt::StringLiterals;
+using fuzz::check;
+
+/// Gives back what it is called with, so that it all comes out in the reply.
+class EchoingHandler final : public ToolCallHandler {
+public:
+    QJsonObject handleToolCall(const QString& name, const QJsonObject& arguments) override {
+        return {{u"name"_s, name}, {u"arguments"_s, arguments}};
+    }
+};
+
+void checkReply(const QJsonObject& reply) {
+    check(reply.size() == 3, "a reply has three keys");
+    check(reply[u"jsonrpc"_s] == u"2.0"_s, "a reply names its version");
+    check(reply.contains(u"id"_s), "a reply has an id");
+    check(reply[u"result"_s].isObject() != reply[u"error"_s].isObject(), "a reply has a result or an error");
+
+    QByteArray line;
+    try {
+        line = MessageCodec::serialise(reply);
+    } catch (const MessageError&) {
+        return;
+    }
+    check(!line.contains('\n'), "a reply is one line");
+    check(MessageCodec::serialise(MessageCodec::parse(line).object()) == line, "a reply can be read back");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    static EchoingHandler handler;
+    static const MCPServer server(handler);
+    const QByteArrayView message(bytes, static_cast<qsizetype>(size));
+    const std::optional<QJsonObject> processed = server.process(message);
+    if (processed)
+        checkReply(*processed);
+    try {
+        check(server.handleMessage(message) == processed, "a message is answered the same each time");
+    } catch (const MessageError&) {
+        check(processed && (*processed)[u"error"_s][u"code"_s] == -32603, "what is no JSON is an error");
+    }
+    return 0;
+}
