@@ -48,6 +48,10 @@ MCPServer::MCPServer(ToolCallHandler& toolHandler)
 
 void MCPServer::run(StandardStreams& streams) const {
     LineReader lines(streams);
+    run(lines, streams);
+}
+
+void MCPServer::run(LineReader& lines, StandardStreams& streams) const {
     while (const std::optional<QByteArrayView> line = lines.next()) {
         if (line->isEmpty())
             continue;

@@ -9,6 +9,7 @@
 
 namespace orvane {
 
+class LineReader;
 class StandardStreams;
 class ToolCallHandler;
 
@@ -22,6 +23,9 @@ public:
     /// Serves one message a line, each reply written before the next line is read, until the input ends or
     /// nobody reads the replies any more.
     void run(StandardStreams& streams) const;
+
+    /// The same with a reader that somebody has read from before.
+    void run(LineReader& lines, StandardStreams& streams) const;
 
     /// Handles one message in UTF-8, without a newline at its end. Gives the reply, or nothing for a
     /// notification. Blocks as long as the tool takes. Throws MessageError when the line is not JSON.

@@ -11,9 +11,11 @@ namespace orvane {
 
 namespace {
 
-bool writeNewFile(const QString& path, QByteArrayView bytes) {
+bool writeNewFile(const QString& path, QByteArrayView bytes,
+                  const std::optional<QFileDevice::Permissions>& permissions) {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered;
+    if (!(permissions ? file.open(mode, *permissions) : file.open(mode))) {
         return false;
     }
     const bool complete = file.write(bytes.data(), bytes.size()) == bytes.size();
@@ -30,12 +32,13 @@ bool replaceFile(const QString& from, const QString& to) {
 
 } // namespace
 
-bool writeFileAtomically(const QString& path, QByteArrayView bytes) {
+bool writeFileAtomically(const QString& path, QByteArrayView bytes,
+                         std::optional<QFileDevice::Permissions> permissions) {
     const QFileInfo target(path);
     // Not derived from the target's name, which may already be as long as the file system allows.
     const QString temporary =
         target.path() + QStringLiteral("/.orvane-") + QUuid::createUuid().toString(QUuid::Id128);
-    if (writeNewFile(temporary, bytes) && replaceFile(temporary, path)) {
+    if (writeNewFile(temporary, bytes, permissions) && replaceFile(temporary, path)) {
         return true;
     }
     QFile::remove(temporary);

@@ -67,20 +67,21 @@ private:
 } // namespace
 
 PosixStreams::PosixStreams()
-    : PosixStreams(STDIN_FILENO, STDOUT_FILENO) {
-    m_heedsSignals = true;
-}
+    : PosixStreams(STDIN_FILENO, STDOUT_FILENO) {}
 
 PosixStreams::PosixStreams(int inputFd, int outputFd)
     : m_inputFd(inputFd)
     , m_outputFd(outputFd) {}
 
-/// Waits for input; false when a signal asked the process to end.
-bool PosixStreams::mayRead() {
-    if (!m_heedsSignals)
-        return true;
+void PosixStreams::endInputOnSignals() {
     if (!m_endSignals)
         m_endSignals = std::make_unique<EndSignals>();
+}
+
+/// Waits for input; false when a signal asked the process to end.
+bool PosixStreams::mayRead() {
+    if (!m_endSignals)
+        return true;
     std::array<pollfd, 2> entries{{{m_endSignals->descriptor(), POLLIN, 0}, {m_inputFd, POLLIN, 0}}};
     while (::poll(entries.data(), entries.size(), -1) < 0) {
         if (errno != EINTR && errno != EAGAIN)

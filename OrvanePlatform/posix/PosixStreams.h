@@ -13,10 +13,13 @@ namespace orvane::posix {
 /// false and never ends the process.
 class PosixStreams final : public StandardStreams {
 public:
-    /// The process's own standard input and output. From the first read on the input ends also when a signal
-    /// asks the process to end, so that what is under way can be brought to its end.
+    /// The process's own standard input and output.
     PosixStreams();
     PosixStreams(int inputFd, int outputFd);
+
+    /// From now on the input ends also when a signal asks the process to end, so that what is under way can
+    /// be brought to its end. The thread that reads.
+    void endInputOnSignals();
 
     qsizetype read(std::span<char> buffer) override;
     bool write(QByteArrayView bytes) override;
@@ -26,8 +29,7 @@ private:
 
     int m_inputFd;
     int m_outputFd;
-    bool m_heedsSignals = false;
-    /// Null until the first read.
+    /// Null until signals are to be heeded.
     std::unique_ptr<EndSignals> m_endSignals;
     std::mutex m_writing;
 };

@@ -44,6 +44,14 @@ TEST_F(AtomicFile, ReplacesALongerFile) {
     EXPECT_EQ(entries().size(), 1);
 }
 
+TEST_F(AtomicFile, HasThePermissionsThatAreAskedFor) {
+    const auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+    EXPECT_TRUE(writeFileAtomically(under(QStringLiteral("f")), QByteArray("x"), ownerOnly));
+    const auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther |
+                        QFileDevice::WriteOther | QFileDevice::ExeOwner;
+    EXPECT_EQ(QFile::permissions(under(QStringLiteral("f"))) & (ownerOnly | others), ownerOnly);
+}
+
 TEST_F(AtomicFile, FollowsTheUmaskLikeAnyFile) {
     const mode_t before = ::umask(0027);
     EXPECT_TRUE(writeFileAtomically(under(QStringLiteral("f")), QByteArray("x")));
