@@ -1,5 +1,7 @@
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
 
+#include "OrvanePlatform/freedesktop/DesktopEntryKeys.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -25,24 +27,6 @@ QStringList localeForms(const QString& locale) {
     return forms;
 }
 
-QString unescaped(const QString& value) {
-    QString result;
-    result.reserve(value.size());
-    for (qsizetype i = 0; i < value.size(); ++i) {
-        const QChar next = i + 1 < value.size() ? value[i + 1] : QChar();
-        if (value[i] != u'\\' || next.isNull()) {
-            result += value[i];
-            continue;
-        }
-        ++i;
-        result += next == u's'   ? QChar(u' ')
-                  : next == u'n' ? QChar(u'\n')
-                  : next == u't' ? QChar(u'\t')
-                                 : next;
-    }
-    return result;
-}
-
 qint64 stampOf(const QString& folder) {
     return QFileInfo(folder).lastModified().toMSecsSinceEpoch();
 }
@@ -51,22 +35,7 @@ qint64 stampOf(const QString& folder) {
 
 std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArray& contents,
                                               const QString& locale) {
-    QHash<QString, QString> values;
-    bool inGroup = false;
-    for (const QByteArray& rawLine : contents.split('\n')) {
-        const QByteArray line = rawLine.trimmed();
-        if (line.startsWith('[')) {
-            inGroup = line == "[Desktop Entry]";
-            continue;
-        }
-        const qsizetype equals = line.indexOf('=');
-        if (!inGroup || equals <= 0 || line.startsWith('#'))
-            continue;
-        const QString key = QString::fromUtf8(line.left(equals)).trimmed();
-        if (!values.contains(key))
-            values.insert(key, unescaped(QString::fromUtf8(line.mid(equals + 1)).trimmed()));
-    }
-
+    const QHash<QString, QString> values = readDesktopEntryKeys(contents);
     DesktopEntry entry{
         .id = id, .name = {}, .startupWMClass = values.value(QStringLiteral("StartupWMClass"))};
     for (const QString& form : localeForms(locale)) {

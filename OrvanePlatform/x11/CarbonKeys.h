@@ -1,0 +1,19 @@
+#pragma once
+
+#include <xcb/xproto.h>
+
+namespace orvane::x11 {
+
+/// What a virtual key code of the Carbon event API is on an X keyboard.
+struct CarbonKey {
+    int carbonKeyCode;
+    /// What the key gives without modifiers; for the digits of the keypad, with NumLock.
+    xcb_keysym_t keysym;
+    /// Where the key sits on a US keyboard, for the keys that other alphabets do not have. Else 0.
+    xcb_keycode_t usKeycode;
+};
+
+/// Null for a code that stands for no key of a PC keyboard.
+const CarbonKey* carbonKey(int carbonKeyCode);
+
+} // namespace orvane::x11
