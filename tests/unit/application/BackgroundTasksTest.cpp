@@ -1,0 +1,57 @@
+#include "Orvane/BackgroundTasks.h"
+#include "tests/support/EventLoop.h"
+
+#include <gtest/gtest.h>
+
+#include <QThread>
+
+#include <atomic>
+
+namespace orvane {
+namespace {
+
+TEST(BackgroundTasksTest, WorkRunsElsewhereAndWhatFollowsHere) {
+    BackgroundTasks tasks;
+    QThread* const here = QThread::currentThread();
+    std::atomic<QThread*> worker = nullptr;
+    QThread* follower = nullptr;
+    tasks.run([&]() -> TaskRunner::Continuation {
+        worker = QThread::currentThread();
+        return [&] { follower = QThread::currentThread(); };
+    });
+    EXPECT_TRUE(test::eventuallyInLoop([&] { return follower != nullptr; }));
+    EXPECT_NE(worker, here);
+    EXPECT_EQ(follower, here);
+}
+
+TEST(BackgroundTasksTest, NothingNeedsToFollow) {
+    std::atomic<bool> ran = false;
+    {
+        BackgroundTasks tasks;
+        tasks.run([&]() -> TaskRunner::Continuation {
+            ran = true;
+            return {};
+        });
+    }
+    EXPECT_TRUE(ran);
+}
+
+TEST(BackgroundTasksTest, TheEndWaitsForWorkAndDropsWhatFollows) {
+    std::atomic<int> ran = 0;
+    bool followed = false;
+    {
+        BackgroundTasks tasks;
+        for (int i = 0; i < 20; ++i) {
+            tasks.run([&]() -> TaskRunner::Continuation {
+                ++ran;
+                return [&] { followed = true; };
+            });
+        }
+    }
+    EXPECT_EQ(ran, 20);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(followed);
+}
+
+} // namespace
+} // namespace orvane

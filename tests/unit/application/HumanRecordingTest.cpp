@@ -1,0 +1,183 @@
+#include "Orvane/HumanRecording.h"
+
+#include "tests/unit/recording/RecorderFixture.h"
+
+#include <deque>
+
+namespace orvane {
+namespace {
+
+using namespace Qt::StringLiterals;
+using test::RecorderFixture;
+
+/// Tasks that the test runs, one after the other.
+class HeldTasks final : public TaskRunner {
+public:
+    void run(std::function<Continuation()> work) override { m_waiting.push_back(std::move(work)); }
+
+    std::size_t count() const { return m_waiting.size(); }
+
+    /// The first task and what follows from it.
+    void runNext() {
+        const auto work = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        if (const Continuation next = work())
+            next();
+    }
+
+private:
+    std::deque<std::function<Continuation()>> m_waiting;
+};
+
+class RecordedView final : public HumanRecording::View {
+public:
+    struct Toast {
+        QString title;
+        QString subtitle;
+        QString icon;
+        double seconds;
+
+        bool operator==(const Toast&) const = default;
+    };
+
+    void recordingChanged() override { ++changes; }
+    void copyToClipboard(const QString& text) override { copied.push_back(text); }
+    void showToast(const QString& title, const QString& subtitle, const QString& icon,
+                   double seconds) override {
+        toasts.push_back({title, subtitle, icon, seconds});
+    }
+
+    int changes = 0;
+    std::vector<QString> copied;
+    std::vector<Toast> toasts;
+};
+
+class HumanRecordingTest : public RecorderFixture {
+protected:
+    using Answer = std::function<void(std::optional<RecordingTarget>)>;
+
+    HumanRecordingTest() { testing::internal::CaptureStderr(); }
+    ~HumanRecordingTest() override {
+        if (!m_logIsTaken)
+            testing::internal::GetCapturedStderr();
+    }
+
+    QString log() {
+        m_logIsTaken = true;
+        return QString::fromStdString(testing::internal::GetCapturedStderr());
+    }
+
+    /// Answers the question for a target.
+    void choose(const std::optional<RecordingTarget>& target) {
+        const Answer answer = std::move(answers.front());
+        answers.pop_front();
+        answer(target);
+    }
+
+    void record(const RecordingTarget& target) {
+        human.toggle();
+        choose(target);
+        tasks.runNext();
+        clock.awaitSleeper();
+    }
+
+    HeldTasks tasks;
+    RecordedView view;
+    std::deque<Answer> answers;
+    HumanRecording human{recorder, discovery,
+                         storage,  tasks,
+                         view,     [this](Answer answer) { answers.push_back(std::move(answer)); }};
+
+private:
+    bool m_logIsTaken = false;
+};
+
+TEST_F(HumanRecordingTest, RecordsWhatWasChosenUntilItIsToggledAgain) {
+    record(DisplayTarget{11});
+    EXPECT_TRUE(human.isRecording());
+    EXPECT_EQ(human.appName(), u"Full Screen"_s);
+    EXPECT_EQ(view.changes, 1);
+    EXPECT_TRUE(view.copied.empty());
+    const QString id = recorder.recordingSessionId().value();
+
+    human.toggle();
+    EXPECT_TRUE(human.isRecording());
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(human.appName(), QString());
+    EXPECT_EQ(view.changes, 2);
+    const QString folder = u"~/.orvane/sessions/"_s + id;
+    EXPECT_EQ(view.copied,
+              (std::vector{u"[Orvane] Recording of Full Screen\nSession: "_s + id + u"\nTimeline: "_s +
+                           folder + u"/SESSION.md\nStart frame: "_s + folder + u"/frame-000-start.png\n"_s}));
+    EXPECT_EQ(view.toasts, (std::vector<RecordedView::Toast>{
+                               {u"Recording saved"_s, u"Copied to clipboard · ⌘ Ctrl H for GIF export"_s,
+                                u"checkmark.circle.fill"_s, 4.0}}));
+    EXPECT_TRUE(report(id).contains(u"- **Source:** human\n"_s));
+    const QString lines = log();
+    EXPECT_TRUE(lines.contains(u"orvane: human recording started for Full Screen\n"_s));
+    EXPECT_TRUE(lines.endsWith(u"orvane: human recording stopped (session "_s + id + u")\n"_s))
+        << qPrintable(lines);
+}
+
+TEST_F(HumanRecordingTest, NamesEachKindOfTarget) {
+    EXPECT_EQ(recordingName(WindowTarget{u"Terminal"_s, windowId}), u"Terminal"_s);
+    EXPECT_EQ(recordingName(DisplayTarget{11}), u"Full Screen"_s);
+    EXPECT_EQ(recordingName(RegionTarget{QRectF(5.5, 6.5, 320.9, 200.1), 11}), u"Region (320×200)"_s);
+}
+
+TEST_F(HumanRecordingTest, RaisesTheWindowFirst) {
+    record(WindowTarget{u"Terminal"_s, windowId});
+    EXPECT_EQ(human.appName(), u"Terminal"_s);
+    EXPECT_EQ(desktop.activations.size(), 1U);
+}
+
+TEST_F(HumanRecordingTest, AsksOnceHoweverOftenItIsToggledMeanwhile) {
+    human.toggle();
+    human.toggle();
+    choose(DisplayTarget{11});
+    human.toggle();
+    EXPECT_TRUE(answers.empty());
+    EXPECT_EQ(tasks.count(), 1U);
+    EXPECT_EQ(log(), u"orvane: recording start already in progress\n"
+                     u"orvane: recording start already in progress\n"_s);
+}
+
+TEST_F(HumanRecordingTest, NothingChosenIsNothingRecorded) {
+    human.toggle();
+    choose(std::nullopt);
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(tasks.count(), 0U);
+    EXPECT_EQ(view.changes, 0);
+    human.toggle();
+    EXPECT_EQ(answers.size(), 1U) << "a new one can begin";
+    EXPECT_EQ(log(), u"orvane: recording cancelled\n"_s);
+}
+
+TEST_F(HumanRecordingTest, AFailedStartLeavesNothingBehind) {
+    recorder.startRecording(DisplayTarget{11}, 1000, RecordingSource::mcp);
+    human.toggle();
+    choose(DisplayTarget{11});
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(view.changes, 0);
+    human.toggle();
+    EXPECT_EQ(answers.size(), 1U) << "a new one can begin";
+    EXPECT_TRUE(log().contains(u"orvane: recording failed: Invalid arguments: Already recording. "_s));
+}
+
+TEST_F(HumanRecordingTest, AFailedStopLeavesEverythingAsItWas) {
+    record(DisplayTarget{11});
+    recorder.stopRecording();
+    human.toggle();
+    tasks.runNext();
+    EXPECT_TRUE(human.isRecording());
+    EXPECT_EQ(human.appName(), u"Full Screen"_s);
+    EXPECT_EQ(view.changes, 1);
+    EXPECT_TRUE(view.copied.empty());
+    EXPECT_TRUE(view.toasts.empty());
+    EXPECT_TRUE(log().endsWith(u"orvane: stop recording failed: Invalid arguments: Not recording.\n"_s));
+}
+
+} // namespace
+} // namespace orvane
