@@ -1,0 +1,16 @@
+# Run by `cmake --install` after the desktop entry is in place. A session need not look for programs in ~/.local/bin
+# or the like, and desktops do not show an entry whose program they cannot find: there the entry gives its path.
+if(NOT CMAKE_INSTALL_PREFIX MATCHES "^/usr(/local)?/?$")
+    set(command "${CMAKE_INSTALL_PREFIX}/bin/orvane")
+    if(command MATCHES "[^-A-Za-z0-9_./+:@,]")
+        set(command "\"${command}\"")
+    endif()
+    if(CMAKE_INSTALL_PREFIX MATCHES "[\"`$\\%=;\r\n\t]")
+        message(WARNING "The menu entry cannot hold the path ${CMAKE_INSTALL_PREFIX}: it finds orvane by PATH.")
+    else()
+        set(entry "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/share/applications/com.orvane.app.desktop")
+        file(READ "${entry}" text)
+        string(REPLACE "\nExec=orvane\n" "\nExec=${command}\n" text "${text}")
+        file(WRITE "${entry}" "${text}")
+    endif()
+endif()
