@@ -70,6 +70,8 @@ class Desktop:
         if "DISPLAY=" not in text:
             raise Trouble("the virtual desktop did not start")
         self.environment = dict(entry.split("=", 1) for entry in text.split("\0") if entry)
+        # What is measured is this program, and the application only where it is asked for.
+        self.environment["ORVANE_START_APPLICATION"] = "0"
         self.folder = self.environment["HOME"]
         self.stack = stack
 

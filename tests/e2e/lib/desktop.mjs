@@ -24,12 +24,15 @@ export async function until(what, condition, seconds = 10) {
     }
 }
 
+/// For tool servers that are tested without the application: they serve by themselves.
+const ALONE = { ORVANE_START_APPLICATION: "0" };
+
 /// An environment without a desktop, with a home folder of its own. remove() takes the folder away.
 export function bareHome() {
     const home = mkdtempSync(join(tmpdir(), "orvane-e2e-"));
     return {
         home,
-        env: { PATH: process.env.PATH, LANG: "C.UTF-8", HOME: home, XDG_RUNTIME_DIR: home },
+        env: { PATH: process.env.PATH, LANG: "C.UTF-8", HOME: home, XDG_RUNTIME_DIR: home, ...ALONE },
         remove: () => rmSync(home, { recursive: true, force: true }),
     };
 }
@@ -52,7 +55,9 @@ export async function startDesktop(...options) {
 
 class Desktop {
     constructor(env, holder, ended) {
-        this.env = env;
+        /// Of a tool server that serves by itself, and of one that may start the application.
+        this.env = { ...env, ...ALONE };
+        this.applicationEnv = env;
         this.home = env.HOME;
         this.folder = env.ORVANE_DESKTOP_DIR;
         this.xserver = Number(env.ORVANE_DESKTOP_XSERVER_PID);

@@ -1,0 +1,188 @@
+#include "Orvane/AppDelegate.h"
+
+#include "OrvaneCore/Log.h"
+#include "OrvanePlatform/Platform.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCursor>
+#include <QDateTime>
+#include <QDir>
+
+#include <chrono>
+#include <utility>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto cleanupPeriod = 86'400s;
+constexpr qsizetype maxRequestBytes = 8'388'608;
+constexpr double connectionTimeoutSeconds = 30.0;
+constexpr int portRange = 50;
+
+void logUnavailable(QStringView what) {
+    logLine(u"Not available in this build: "_s + what.toString());
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Platform& platform)
+    : m_platform(platform)
+    , m_services(platform)
+    , m_endpoint(QDir::homePath(), platform.secretStore())
+    , m_hotkeys(platform.makeHotkeys())
+    , m_shortcuts(platform.settingsStore(), *m_hotkeys)
+    , m_toast([&platform] { return platform.desktopShell().isComposited(); })
+    , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
+                  [this](const auto& answer) { chooseTarget(answer); }) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    m_services.storage().ensureDirectories();
+    runCleanup();
+    QObject::connect(&m_cleanupTimer, &QTimer::timeout, &m_cleanupTimer, [this] { runCleanup(); });
+    m_cleanupTimer.start(cleanupPeriod);
+    setupMenuBar();
+    setupHotkeys();
+    startMCPHost();
+    if (const auto limits = m_platform.desktopShell().limits())
+        logLine(*limits);
+    tellOfFirstLaunch();
+    logLine(u"running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.");
+}
+
+void AppDelegate::runCleanup() {
+    m_tasks.run([this]() -> TaskRunner::Continuation {
+        const int count = m_services.storage().cleanupExpired();
+        if (count >= 1)
+            logLine(u"cleaned up "_s + QString::number(count) + u" expired item(s)"_s);
+        return {};
+    });
+}
+
+void AppDelegate::setupMenuBar() {
+    m_statusItem = std::make_unique<StatusItem>(
+        [this] { return menuState(); },
+        [this](StatusAction action, const std::optional<QString>& payload) { perform(action, payload); },
+        [this] { return m_platform.desktopShell().hasTrayHost(); });
+}
+
+void AppDelegate::setupHotkeys() {
+    for (const HotkeyDefinition& hotkey : KeyboardShortcuts::definitions) {
+        if (hotkey.name == HotkeyName::toggleRecording)
+            m_shortcuts.onKeyUp(hotkey.name, [this] { m_recording.toggle(); });
+        else
+            m_shortcuts.onKeyUp(hotkey.name, [&hotkey] { logUnavailable(hotkey.storedName); });
+    }
+}
+
+void AppDelegate::startMCPHost() {
+    // The keyring may take its time.
+    m_tasks.run([this]() -> TaskRunner::Continuation {
+        return [this, token = m_endpoint.token()] { hostTools(token); };
+    });
+}
+
+void AppDelegate::hostTools(const QString& token) {
+    if (m_hasQuit)
+        return;
+    auto host = std::make_unique<MCPHTTPServer>(m_services.server(), token, maxRequestBytes,
+                                                connectionTimeoutSeconds);
+    const std::optional<int> port = host->start(MCPEndpoint::defaultPort, portRange);
+    if (!port) {
+        logLine(u"could not bind MCP HTTP host (no free port)");
+        return;
+    }
+    m_mcpHTTPServer = std::move(host);
+    const auto info =
+        MCPEndpointInfo::ofHost(*port, token, static_cast<qint32>(QCoreApplication::applicationPid()),
+                                QDateTime::currentDateTimeUtc());
+    m_endpoint.write(info);
+    logLine(u"MCP HTTP host on "_s + info.url);
+}
+
+void AppDelegate::tellOfFirstLaunch() {
+    if (m_services.storage().hasOnboarded())
+        logLine(u"hasOnboarded=true — skipping wizard");
+    else
+        logUnavailable(u"onboarding wizard");
+}
+
+StatusMenuState AppDelegate::menuState() {
+    const StorageManager& storage = m_services.storage();
+    return {.isRecording = m_recording.isRecording(),
+            .recordingAppName = m_recording.appName(),
+            .camera = {.isOn = storage.enableCamera(), .selectedId = storage.cameraDeviceId(), .devices = {}},
+            .mic = {.isOn = storage.enableMic(), .selectedId = storage.micDeviceId(), .devices = {}},
+            .markerCount = 0,
+            .unavailable = {StatusAction::toggleOverlay, StatusAction::togglePresentDraw,
+                            StatusAction::toggleHistory, StatusAction::openSettings,
+                            StatusAction::replaySetup, StatusAction::clearMarkers}};
+}
+
+void AppDelegate::perform(StatusAction action, const std::optional<QString>& payload) {
+    StorageManager& storage = m_services.storage();
+    switch (action) {
+    case StatusAction::toggleRecording:
+        m_recording.toggle();
+        return;
+    case StatusAction::selectCameraDevice:
+        storage.setCameraDeviceId(payload);
+        storage.setEnableCamera(payload.has_value());
+        return;
+    case StatusAction::selectMicDevice:
+        storage.setMicDeviceId(payload);
+        storage.setEnableMic(payload.has_value());
+        return;
+    case StatusAction::quit:
+        quit();
+        return;
+    case StatusAction::toggleOverlay:
+    case StatusAction::togglePresentDraw:
+    case StatusAction::toggleHistory:
+    case StatusAction::openSettings:
+    case StatusAction::replaySetup:
+    case StatusAction::clearMarkers:
+        // Shown disabled.
+        return;
+    }
+}
+
+/// The display under the pointer.
+void AppDelegate::chooseTarget(const std::function<void(std::optional<RecordingTarget>)>& answer) {
+    m_tasks.run([this, answer, point = QCursor::pos()]() -> TaskRunner::Continuation {
+        const auto match = m_services.discovery().findDisplay(QRectF(point, QSizeF(1, 1)));
+        return [answer, display = DisplayTarget{static_cast<quint32>(match.displayId)}] { answer(display); };
+    });
+}
+
+void AppDelegate::recordingChanged() {
+    m_statusItem->update();
+}
+
+void AppDelegate::copyToClipboard(const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
+}
+
+void AppDelegate::showToast(const QString& title, const QString& subtitle, const QString& icon,
+                            double seconds) {
+    m_toast.showRich(title, subtitle, icon, std::chrono::duration<double>(seconds));
+}
+
+void AppDelegate::quit() {
+    if (std::exchange(m_hasQuit, true))
+        return;
+    if (m_recording.isRecording())
+        m_recording.stop();
+    if (m_mcpHTTPServer)
+        m_mcpHTTPServer->stop();
+    m_endpoint.remove();
+    QCoreApplication::quit();
+}
+
+} // namespace orvane

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Orvane/BackgroundTasks.h"
+#include "Orvane/HumanRecording.h"
+#include "Orvane/StatusItem.h"
+#include "Orvane/StatusMenu.h"
+#include "Orvane/ToolServices.h"
+#include "OrvaneCore/mcp/MCPEndpoint.h"
+#include "OrvaneCore/mcp/MCPHTTPServer.h"
+#include "OrvaneCore/platform/GlobalHotkeys.h"
+#include "OrvaneCore/settings/KeyboardShortcuts.h"
+#include "OrvaneCore/storage/ToastWindow.h"
+
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace orvane {
+
+class Platform;
+
+/// The spine of the tray application: owns all that lives as long as it does, and says in which order things
+/// begin and end. Main thread; needs a QApplication that outlives it.
+class AppDelegate final : private HumanRecording::View {
+public:
+    explicit AppDelegate(Platform& platform);
+    /// Waits for tools that run and for recordings to be written.
+    ~AppDelegate() override;
+
+    /// Called once, before the event loop runs.
+    void applicationDidFinishLaunching();
+
+    /// Ends the event loop, and before that what others could still come by. Once is enough.
+    void quit();
+
+private:
+    void runCleanup();
+    void setupMenuBar();
+    void setupHotkeys();
+    void startMCPHost();
+    void hostTools(const QString& token);
+    void tellOfFirstLaunch();
+
+    StatusMenuState menuState();
+    void perform(StatusAction action, const std::optional<QString>& payload);
+    void chooseTarget(const std::function<void(std::optional<RecordingTarget>)>& answer);
+
+    void recordingChanged() override;
+    void copyToClipboard(const QString& text) override;
+    void showToast(const QString& title, const QString& subtitle, const QString& icon,
+                   double seconds) override;
+
+    Platform& m_platform;
+    ToolServices m_services;
+    MCPEndpoint m_endpoint;
+    std::unique_ptr<GlobalHotkeys> m_hotkeys;
+    KeyboardShortcuts m_shortcuts;
+    ToastWindow m_toast;
+    HumanRecording m_recording;
+    /// Null until the application has launched.
+    std::unique_ptr<StatusItem> m_statusItem;
+    /// Null where no port is free.
+    std::unique_ptr<MCPHTTPServer> m_mcpHTTPServer;
+    QTimer m_cleanupTimer;
+    bool m_hasQuit = false;
+    /// Last, so that it ends first: tasks use all the others.
+    BackgroundTasks m_tasks;
+};
+
+} // namespace orvane

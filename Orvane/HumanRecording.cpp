@@ -1,0 +1,114 @@
+#include "Orvane/HumanRecording.h"
+
+#include "OrvaneCore/Log.h"
+#include "OrvaneCore/capture/WindowDiscovery.h"
+#include "OrvaneCore/recording/ScreenRecorder.h"
+#include "OrvaneCore/storage/StorageManager.h"
+
+#include <exception>
+#include <utility>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 intervalMs = 1000;
+constexpr double toastSeconds = 4.0;
+
+QString clipboardText(const QString& appName, const QString& sessionId, const QString& folder) {
+    return u"[Orvane] Recording of "_s + appName + u"\nSession: "_s + sessionId + u"\nTimeline: "_s + folder +
+           u"/SESSION.md\nStart frame: "_s + folder + u"/frame-000-start.png\n"_s;
+}
+
+} // namespace
+
+QString recordingName(const RecordingTarget& target) {
+    if (const auto* window = std::get_if<WindowTarget>(&target))
+        return window->appName;
+    if (const auto* region = std::get_if<RegionTarget>(&target))
+        return u"Region (%1×%2)"_s.arg(static_cast<qint64>(region->rectPoints.width()))
+            .arg(static_cast<qint64>(region->rectPoints.height()));
+    return u"Full Screen"_s;
+}
+
+HumanRecording::HumanRecording(ScreenRecorder& recorder, WindowDiscovery& discovery,
+                               const StorageManager& storage, TaskRunner& tasks, View& view,
+                               TargetChooser chooseTarget)
+    : m_recorder(recorder)
+    , m_discovery(discovery)
+    , m_storage(storage)
+    , m_tasks(tasks)
+    , m_view(view)
+    , m_chooseTarget(std::move(chooseTarget)) {}
+
+void HumanRecording::toggle() {
+    if (m_isRecording) {
+        stop();
+        return;
+    }
+    if (m_isStarting) {
+        logLine(u"recording start already in progress");
+        return;
+    }
+    m_isStarting = true;
+    m_chooseTarget([this](const std::optional<RecordingTarget>& target) { start(target); });
+}
+
+void HumanRecording::start(const std::optional<RecordingTarget>& target) {
+    if (!target) {
+        logLine(u"recording cancelled");
+        m_isStarting = false;
+        return;
+    }
+    m_tasks.run([this, target = *target]() -> TaskRunner::Continuation {
+        const QString name = recordingName(target);
+        // A window that cannot be raised is recorded where it is.
+        if (std::holds_alternative<WindowTarget>(target))
+            m_discovery.activate(name);
+        try {
+            m_recorder.startRecording(target, intervalMs, RecordingSource::human);
+        } catch (const std::exception& error) {
+            return [this, text = QString::fromUtf8(error.what())] { failed(text); };
+        }
+        return [this, name] { started(name); };
+    });
+}
+
+void HumanRecording::started(const QString& name) {
+    m_isRecording = true;
+    m_isStarting = false;
+    m_appName = name;
+    m_view.recordingChanged();
+    logLine(u"human recording started for "_s + name);
+}
+
+void HumanRecording::failed(const QString& error) {
+    logLine(u"recording failed: "_s + error);
+    m_isStarting = false;
+}
+
+void HumanRecording::stop() {
+    m_tasks.run([this, name = m_appName]() -> TaskRunner::Continuation {
+        try {
+            return [this, sessionId = m_recorder.stopRecording(), name] { stopped(sessionId, name); };
+        } catch (const std::exception& error) {
+            logLine(u"stop recording failed: "_s + QString::fromUtf8(error.what()));
+            return {};
+        }
+    });
+}
+
+void HumanRecording::stopped(const QString& sessionId, const QString& appName) {
+    m_isRecording = false;
+    m_appName.clear();
+    m_view.recordingChanged();
+    logLine(u"human recording stopped (session "_s + sessionId + u')');
+    const QString folder = m_storage.displayPath(m_storage.sessionDir(sessionId));
+    m_view.copyToClipboard(clipboardText(appName, sessionId, folder));
+    m_view.showToast(u"Recording saved"_s, u"Copied to clipboard · ⌘ Ctrl H for GIF export"_s,
+                     u"checkmark.circle.fill"_s, toastSeconds);
+}
+
+} // namespace orvane

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "OrvaneCore/capture/CaptureTools.h"
+#include "OrvaneCore/capture/ScreenCapture.h"
+#include "OrvaneCore/capture/SessionTools.h"
+#include "OrvaneCore/capture/ToolHandler.h"
+#include "OrvaneCore/capture/WindowDiscovery.h"
+#include "OrvaneCore/marking/TextRecognizer.h"
+#include "OrvaneCore/mcp/MCPServer.h"
+#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/recording/ScreenRecorder.h"
+#include "OrvaneCore/storage/StorageManager.h"
+
+namespace orvane {
+
+class Platform;
+
+/// The tools with all that they stand on, wired up: one set in each process that serves them. Any thread.
+/// Needs a QGuiApplication, because pictures have text on them.
+class ToolServices {
+public:
+    /// The platform outlives the services.
+    explicit ToolServices(Platform& platform);
+    /// A recording that is going on, whoever began it, is brought to its end.
+    ~ToolServices();
+    ToolServices(const ToolServices&) = delete;
+    ToolServices& operator=(const ToolServices&) = delete;
+
+    StorageManager& storage() { return m_storage; }
+    WindowDiscovery& discovery() { return m_discovery; }
+    ScreenRecorder& recorder() { return m_recorder; }
+    const MCPServer& server() const { return m_server; }
+
+private:
+    StorageManager m_storage;
+    WindowDiscovery m_discovery;
+    ScreenCapture m_screenCapture;
+    SystemClock m_clock;
+    ScreenRecorder m_recorder;
+    TextRecognizer m_textRecognizer;
+    CaptureTools m_captureTools;
+    SessionTools m_sessionTools;
+    ToolHandler m_toolHandler;
+    MCPServer m_server;
+};
+
+} // namespace orvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace orvane {
+
+/// What the desktop has to offer to windows of ours. Any thread.
+class DesktopShell {
+public:
+    virtual ~DesktopShell() = default;
+
+    /// Whether windows can be translucent now.
+    virtual bool isComposited() = 0;
+
+    /// Whether there is a tray now, of whichever kind.
+    virtual bool hasTrayHost() = 0;
+
+    /// A sentence for the log on what this kind of desktop keeps from the program; nothing where it is whole.
+    virtual std::optional<QString> limits() = 0;
+
+protected:
+    DesktopShell() = default;
+    DesktopShell(const DesktopShell&) = default;
+    DesktopShell& operator=(const DesktopShell&) = default;
+};
+
+} // namespace orvane

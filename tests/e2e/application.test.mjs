@@ -1,0 +1,174 @@
+// The tray application: what it leaves where others find it, one copy at a time, how it ends, and the human's recording.
+import assert from "node:assert/strict";
+import { createServer } from "node:net";
+import { existsSync, readFileSync, rmSync, statSync } from "node:fs";
+import { join } from "node:path";
+import { after, before, describe, it } from "node:test";
+import { Client } from "@modelcontextprotocol/sdk/client/index.js";
+import { StreamableHTTPClientTransport } from "@modelcontextprotocol/sdk/client/streamableHttp.js";
+import { Application, endpointFile, http, withApplication } from "./lib/application.mjs";
+import { startDesktop, until } from "./lib/desktop.mjs";
+import { call } from "./lib/orvane.mjs";
+import { Recording, pause, sessionIds, sessionsFolder } from "./lib/recording.mjs";
+
+let desktop;
+before(async () => {
+    desktop = await startDesktop("--size", "1280x800");
+    desktop.settings({ SaveRawVideo: false, HasOnboarded: true });
+});
+after(() => desktop?.stop());
+
+describe("the application", () => {
+    it("tells where it hosts the tools, and takes that back when it ends", async () => {
+        let url;
+        await withApplication(desktop, async (application) => {
+            const text = readFileSync(endpointFile(desktop.home), "utf8");
+            const { pid, port, startedAt, token, version } = application.endpoint;
+            url = application.url;
+            assert.equal(text.trimEnd(), JSON.stringify({ pid, port, startedAt, token, url, version }, null, 4));
+            assert.equal(pid, application.process.pid);
+            assert.ok(port >= 47600 && port < 47650, port);
+            assert.equal(url, `http://127.0.0.1:${port}/mcp`);
+            assert.match(token, /^[0-9a-f]{64}$/);
+            assert.equal(version, "0.1.0");
+            assert.ok(Math.abs(Date.now() - Date.parse(startedAt)) < 60000, startedAt);
+            assert.equal(statSync(endpointFile(desktop.home)).mode & 0o777, 0o600);
+            assert.ok(existsSync(join(desktop.home, ".orvane/captures")));
+            await until("it runs", () => application.stderr.includes("orvane: running."));
+            assert.ok(application.stderr.includes("orvane: hasOnboarded=true — skipping wizard\n"), application.stderr);
+            assert.ok(application.stderr.includes("orvane: running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.\n"));
+        });
+        assert.ok(!existsSync(endpointFile(desktop.home)));
+        await assert.rejects(http(url), /ECONNREFUSED/);
+    });
+
+    it("keeps its token from one start to the next", async () => {
+        const tokens = [];
+        for (let i = 0; i < 2; i++) {
+            await withApplication(desktop, async (application) => { tokens.push(application.endpoint.token); });
+        }
+        assert.equal(tokens[0], tokens[1]);
+    });
+
+    it("answers over HTTP, with the token only", () => withApplication(desktop, async (application) => {
+        const health = await http(application.url.replace("/mcp", "/health"));
+        assert.deepEqual([health.status, health.body], [200, '{"ok":true,"server":"orvane"}']);
+        const ping = await application.post({ jsonrpc: "2.0", id: 7, method: "ping" });
+        assert.equal(ping.status, 200);
+        assert.deepEqual(JSON.parse(ping.body), { id: 7, jsonrpc: "2.0", result: {} });
+        assert.equal((await application.post({ method: "notifications/initialized" })).status, 202);
+        const refused = await application.post({ id: 1, method: "ping" }, { authorization: "Bearer 0123" });
+        assert.deepEqual([refused.status, refused.body], [401, "Unauthorized"]);
+        const foreign = await application.post({ id: 1, method: "ping" }, { origin: "http://example.com" });
+        assert.deepEqual([foreign.status, foreign.body], [403, "Forbidden origin"]);
+    }));
+
+    it("serves the SDK's HTTP client", () => withApplication(desktop, async (application) => {
+        const client = new Client({ name: "orvane-e2e", version: "1.0.0" });
+        await client.connect(new StreamableHTTPClientTransport(new URL(application.url), {
+            requestInit: { headers: { authorization: `Bearer ${application.endpoint.token}` } } }));
+        assert.equal((await client.listTools()).tools.length, 14);
+        const { error, text, images } = await call(client, "capture_region", { x: 0, y: 0, width: 200, height: 100 });
+        assert.ok(!error, text);
+        assert.equal(images.length, 1);
+        await client.close();
+    }));
+
+    it("does without a host where no port is free", async () => {
+        const holders = [];
+        for (let port = 47600; port < 47650; port++) {
+            const holder = createServer();
+            // A port that another test's application has is taken as well.
+            await new Promise((resolve) => { holder.once("error", resolve).listen(port, "127.0.0.1", resolve); });
+            holders.push(holder);
+        }
+        const application = new Application(desktop);
+        await until("it says so", () =>
+            application.stderr.includes("orvane: could not bind MCP HTTP host (no free port)\n"));
+        assert.ok(!existsSync(endpointFile(desktop.home)));
+        assert.equal(await application.stop(), 0);
+        await Promise.all(holders.map((holder) => new Promise((resolve) => { holder.close(resolve); })));
+    });
+
+    for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
+        it(`quits as from its menu on ${signal}`, async () => {
+            const application = await Application.start(desktop);
+            assert.equal(await application.stop(signal), 0);
+            assert.ok(!existsSync(endpointFile(desktop.home)));
+        });
+    }
+});
+
+describe("a second copy of the application", () => {
+    const answer = (...command) => {
+        try {
+            return desktop.run("xdotool", ...command).toString().trim();
+        } catch {
+            return "";
+        }
+    };
+    /// The window of that process, and not the first copy's pin button.
+    const alertOf = ({ process: { pid } }) => answer("search", "--onlyvisible", "--name", "^Orvane$").split("\n")
+        .find((id) => answer("getwindowpid", id) === String(pid));
+
+    it("shows an alert and leaves", () => withApplication(desktop, async (first) => {
+        const second = new Application(desktop);
+        const id = await until("the alert shows", () => alertOf(second));
+        await until("the alert has the keyboard", () => answer("getactivewindow") === id);
+        assert.ok(!second.ended);
+        desktop.run("xdotool", "key", "Return");
+        assert.equal(await second.closed, 0);
+        assert.equal(JSON.parse((await first.post({ id: 1, method: "ping" })).body).id, 1);
+        assert.equal(first.endpoint.pid, first.process.pid);
+    }));
+
+    it("takes over at once from one that was killed", async () => {
+        const first = await Application.start(desktop);
+        const { token } = first.endpoint;
+        assert.equal(await first.stop("SIGKILL"), "SIGKILL");
+        assert.ok(existsSync(endpointFile(desktop.home)), "a crash leaves the file");
+        await withApplication(desktop, async (second) => {
+            assert.equal(second.endpoint.pid, second.process.pid);
+            assert.equal(second.endpoint.token, token);
+        });
+    });
+});
+
+describe("the human's recording", () => {
+    const press = () => desktop.run("xdotool", "key", "super+ctrl+r");
+
+    it("starts and stops with the hotkey, and leaves its place on the clipboard", () =>
+        withApplication(desktop, async (application) => {
+            rmSync(sessionsFolder(desktop), { recursive: true, force: true });
+            press();
+            await until("it records", () =>
+                application.stderr.includes("orvane: human recording started for Full Screen\n"));
+            const [id] = sessionIds(desktop);
+            await pause(300);
+            press();
+            await until("it has stopped", () =>
+                application.stderr.includes(`orvane: human recording stopped (session ${id})\n`));
+            const folder = `~/.orvane/sessions/${id}`;
+            await until("the clipboard has the text", () => {
+                try {
+                    return desktop.run("xclip", "-selection", "clipboard", "-o").toString() ===
+                        `[Orvane] Recording of Full Screen\nSession: ${id}\nTimeline: ${folder}/SESSION.md\n` +
+                        `Start frame: ${folder}/frame-000-start.png\n`;
+                } catch {
+                    return false;
+                }
+            });
+            const report = new Recording(desktop, null, id).report();
+            assert.match(report, /^- \*\*Source:\*\* human$/m);
+        }));
+
+    it("is finished when the application quits", async () => {
+        rmSync(sessionsFolder(desktop), { recursive: true, force: true });
+        const application = await Application.start(desktop);
+        press();
+        await until("it records", () => application.stderr.includes("orvane: human recording started"));
+        assert.equal(await application.stop(), 0);
+        const [id] = sessionIds(desktop);
+        assert.match(new Recording(desktop, null, id).report(), /\| recording_end \| Recording stopped/);
+    });
+});
