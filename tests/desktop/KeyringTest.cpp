@@ -41,13 +41,14 @@ const QString servicePath = u"/org/freedesktop/secrets"_s;
 const QString serviceInterface = u"org.freedesktop.Secret.Service"_s;
 
 class KeyringTest : public testing::Test {
-protected:
+public:
     ~KeyringTest() override {
         QDBusConnection::disconnectFromBus(u"test"_s);
         m_daemon.terminate();
         m_daemon.waitForFinished();
     }
 
+protected:
     /// The desktop's keyring daemon, with a keyring of its own that is open.
     void startKeyring() {
         m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);

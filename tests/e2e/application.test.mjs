@@ -162,6 +162,20 @@ describe("the human's recording", () => {
             assert.match(report, /^- \*\*Source:\*\* human$/m);
         }));
 
+    it("is not the only one that is finished when the application quits", async () => {
+        rmSync(sessionsFolder(desktop), { recursive: true, force: true });
+        const application = await Application.start(desktop);
+        const window = await desktop.openWindow({ className: "AgentTerm" });
+        const { body } = await application.post({ jsonrpc: "2.0", id: 1, method: "tools/call", params: {
+            name: "start_recording", arguments: { app_name: "AgentTerm" } } });
+        assert.match(JSON.parse(body).result.content[0].text, /^Recording started for AgentTerm\./);
+        assert.equal(await application.stop(), 0);
+        const report = new Recording(desktop, null, sessionIds(desktop)[0]).report();
+        assert.match(report, /^- \*\*Source:\*\* mcp$/m);
+        assert.match(report, /\| recording_end \| Recording stopped/);
+        await window.close();
+    });
+
     it("is finished when the application quits", async () => {
         rmSync(sessionsFolder(desktop), { recursive: true, force: true });
         const application = await Application.start(desktop);

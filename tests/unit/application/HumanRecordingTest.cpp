@@ -53,14 +53,15 @@ public:
 };
 
 class HumanRecordingTest : public RecorderFixture {
-protected:
-    using Answer = std::function<void(std::optional<RecordingTarget>)>;
-
+public:
     HumanRecordingTest() { testing::internal::CaptureStderr(); }
     ~HumanRecordingTest() override {
         if (!m_logIsTaken)
             testing::internal::GetCapturedStderr();
     }
+
+protected:
+    using Answer = std::function<void(std::optional<RecordingTarget>)>;
 
     QString log() {
         m_logIsTaken = true;

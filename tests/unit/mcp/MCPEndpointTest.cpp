@@ -177,7 +177,7 @@ TEST_F(MCPEndpointTest, AFileThatIsNoneIsNothing) {
 }
 
 TEST_F(MCPEndpointTest, AHugeFileIsNothing) {
-    put(sample.encoded() + QByteArray(64 * 1024, ' '));
+    put(sample.encoded() + QByteArray(qsizetype{64} * 1024, ' '));
     EXPECT_EQ(m_endpoint.read(), std::nullopt);
     // Only its length was wrong.
     put(sample.encoded() + QByteArray(1024, ' '));

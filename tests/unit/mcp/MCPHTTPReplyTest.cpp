@@ -121,7 +121,7 @@ TEST(MCPHTTPReplyTest, AHeadHasALimit) {
 }
 
 TEST(MCPHTTPReplyTest, ABodyHasNone) {
-    const QByteArray body(32 * 1024 * 1024, 'b');
+    const QByteArray body(qsizetype{32} * 1024 * 1024, 'b');
     const QByteArray bytes = httpReply("200 OK", body);
     MCPHTTPReply reply;
     for (qsizetype at = 0; at < bytes.size(); at += 100'000)

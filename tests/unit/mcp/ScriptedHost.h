@@ -92,7 +92,7 @@ public:
         }
 
         QByteArray read() {
-            QByteArray bytes(256 * 1024, Qt::Uninitialized);
+            QByteArray bytes(qsizetype{256} * 1024, Qt::Uninitialized);
             const ssize_t count =
                 isOver(POLLIN) ? 0 : ::recv(m_fd, bytes.data(), static_cast<size_t>(bytes.size()), 0);
             bytes.truncate(std::max<ssize_t>(count, 0));
