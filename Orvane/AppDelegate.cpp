@@ -50,6 +50,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     setupMenuBar();
     setupHotkeys();
     startMCPHost();
+}
+
+void AppDelegate::finishLaunching() {
     if (const auto limits = m_platform.desktopShell().limits())
         logLine(*limits);
     tellOfFirstLaunch();
@@ -84,13 +87,16 @@ void AppDelegate::setupHotkeys() {
 void AppDelegate::startMCPHost() {
     // The keyring may take its time.
     m_tasks.run([this]() -> TaskRunner::Continuation {
-        return [this, token = m_endpoint.token()] { hostTools(token); };
+        return [this, token = m_endpoint.token()] {
+            if (m_hasQuit)
+                return;
+            hostTools(token);
+            finishLaunching();
+        };
     });
 }
 
 void AppDelegate::hostTools(const QString& token) {
-    if (m_hasQuit)
-        return;
     auto host = std::make_unique<MCPHTTPServer>(m_services.server(), token, maxRequestBytes,
                                                 connectionTimeoutSeconds);
     const std::optional<int> port = host->start(MCPEndpoint::defaultPort, portRange);

@@ -38,8 +38,10 @@ private:
     void runCleanup();
     void setupMenuBar();
     void setupHotkeys();
+    /// What is left of the launch follows when the host is there.
     void startMCPHost();
     void hostTools(const QString& token);
+    void finishLaunching();
     void tellOfFirstLaunch();
 
     StatusMenuState menuState();

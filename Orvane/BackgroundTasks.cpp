@@ -1,31 +1,13 @@
 #include "Orvane/BackgroundTasks.h"
 
-#include <QCoreApplication>
-#include <QEvent>
+#include "OrvaneCore/PostedCall.h"
 
 #include <utility>
 
 namespace orvane {
 
-namespace {
-
-class ContinuationEvent final : public QEvent {
-public:
-    explicit ContinuationEvent(TaskRunner::Continuation next)
-        : QEvent(QEvent::User)
-        , m_next(std::move(next)) {}
-
-    void run() const { m_next(); }
-
-private:
-    TaskRunner::Continuation m_next;
-};
-
-} // namespace
-
 void BackgroundTasks::Receiver::customEvent(QEvent* event) {
-    if (event->type() == QEvent::User)
-        static_cast<const ContinuationEvent*>(event)->run();
+    PostedCall::run(*event);
 }
 
 BackgroundTasks::~BackgroundTasks() {
@@ -35,7 +17,7 @@ BackgroundTasks::~BackgroundTasks() {
 void BackgroundTasks::run(std::function<Continuation()> work) {
     m_threads.start([this, work = std::move(work)] {
         if (Continuation next = work())
-            QCoreApplication::postEvent(&m_mainThread, new ContinuationEvent(std::move(next)));
+            PostedCall::post(m_mainThread, std::move(next));
     });
 }
 

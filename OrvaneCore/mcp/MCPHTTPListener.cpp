@@ -1,10 +1,9 @@
 #include "OrvaneCore/mcp/MCPHTTPListener.h"
 
+#include "OrvaneCore/PostedCall.h"
 #include "OrvaneCore/mcp/MCPHTTPRoutes.h"
 #include "OrvaneCore/mcp/MCPPort.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <QHostAddress>
 
 #include <utility>
@@ -18,18 +17,6 @@ constexpr int listenBacklog = 1024;
 /// None is ever pending, each is taken at once. So this is for accepting, and 0 for not accepting.
 constexpr int accepting = 1;
 
-class StepEvent final : public QEvent {
-public:
-    explicit StepEvent(std::function<void()> step)
-        : QEvent(QEvent::User)
-        , m_step(std::move(step)) {}
-
-    void run() const { m_step(); }
-
-private:
-    const std::function<void()> m_step;
-};
-
 } // namespace
 
 MCPHTTPListener::MCPHTTPListener(const MCPHTTPConnection::Limits& limits, const QByteArray& token,
@@ -41,12 +28,11 @@ MCPHTTPListener::MCPHTTPListener(const MCPHTTPConnection::Limits& limits, const 
 }
 
 void MCPHTTPListener::post(std::function<void()> step) {
-    QCoreApplication::postEvent(this, new StepEvent(std::move(step)));
+    PostedCall::post(*this, std::move(step));
 }
 
 void MCPHTTPListener::customEvent(QEvent* event) {
-    if (event->type() == QEvent::User)
-        static_cast<const StepEvent*>(event)->run();
+    PostedCall::run(*event);
 }
 
 std::optional<int> MCPHTTPListener::start(int preferredPort, int range) {

@@ -17,8 +17,11 @@ constexpr int answerMs = 300;
 bool hasHostOnBus() {
     const QString watcher = u"org.kde.StatusNotifierWatcher"_s;
     const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return false;
+    bus.interface()->setTimeout(answerMs);
     // Asking the watcher itself could start one.
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(watcher))
+    if (!bus.interface()->isServiceRegistered(watcher))
         return false;
     QDBusMessage request = QDBusMessage::createMethodCall(watcher, u"/StatusNotifierWatcher"_s,
                                                           u"org.freedesktop.DBus.Properties"_s, u"Get"_s);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QEvent>
+
+#include <functional>
+
+class QObject;
+
+namespace orvane {
+
+/// A call that is made on the thread of an object, by that thread's event loop and in the order of posting.
+/// It is dropped when the object goes first. The object's `customEvent` hands its events to `run`.
+class PostedCall final : public QEvent {
+public:
+    /// Any thread; the receiver exists.
+    static void post(QObject& receiver, std::function<void()> call);
+
+    /// Makes the call if the event is one.
+    static void run(QEvent& event);
+
+private:
+    explicit PostedCall(std::function<void()> call);
+
+    const std::function<void()> m_call;
+};
+
+} // namespace orvane
