@@ -5,9 +5,9 @@
 #include "OrvaneCore/capture/TypedObject.h"
 #include "OrvaneCore/present/AnnotationFeedback.h"
 #include "OrvaneCore/present/PresentSessionJson.h"
+#include "OrvaneCore/storage/PlainFile.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -30,21 +30,9 @@ constexpr qint64 largestSession = 16LL * 1024 * 1024;
 
 const QByteArray pngSignature("\x89PNG\r\n\x1a\n");
 
-/// Nothing unless it is a plain file: a device or a pipe might never end.
-std::optional<QByteArray> readFile(const QString& path, qint64 largest = largestFile) {
-    const QFileInfo info(path);
-    if (!info.isFile() || info.size() > largest)
-        return std::nullopt;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QByteArray bytes = file.readAll();
-    return file.error() == QFileDevice::NoError ? std::optional(std::move(bytes)) : std::nullopt;
-}
-
 /// Nothing for what is not UTF-8, either.
 std::optional<QString> readText(const QString& path) {
-    const auto bytes = readFile(path);
+    const auto bytes = readPlainFile(path, largestFile);
     if (!bytes)
         return std::nullopt;
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -178,7 +166,7 @@ QJsonObject SessionTools::getAnnotationFeedback(const QJsonObject& arguments) {
         return toolError(u"sessionId is required (from annotate_understanding's result)."_s);
     const QString folder = m_storage.sessionDir(*sessionId);
     const QString displayPath = m_storage.displayPath(folder);
-    const auto json = readFile(folder + u"/session.json"_s, largestSession);
+    const auto json = readPlainFile(folder + u"/session.json"_s, largestSession);
     const auto bundle = json ? decodeSession(*json) : std::nullopt;
     if (!bundle)
         return toolResult(notFoundReplyText(*sessionId, displayPath));
@@ -197,7 +185,7 @@ QJsonObject SessionTools::getAnnotationFeedback(const QJsonObject& arguments) {
 }
 
 std::optional<QByteArray> SessionTools::agentImage(const QString& path) const {
-    const auto bytes = readFile(path);
+    const auto bytes = readPlainFile(path, largestFile);
     if (!bytes || !bytes->startsWith(pngSignature))
         return std::nullopt;
     // Bytes that are no picture come back as they are.

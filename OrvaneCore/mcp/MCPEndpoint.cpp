@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/platform/SecretStore.h"
 #include "OrvaneCore/storage/AtomicFile.h"
+#include "OrvaneCore/storage/PlainFile.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -50,13 +51,8 @@ void MCPEndpoint::write(const MCPEndpointInfo& info) const {
 }
 
 std::optional<MCPEndpointInfo> MCPEndpoint::read() const {
-    // Opening a named pipe would wait for a writer for ever.
-    if (!QFileInfo(m_filePath).isFile())
-        return std::nullopt;
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
-        return std::nullopt;
-    return MCPEndpointInfo::decoded(file.read(largestFile));
+    const std::optional<QByteArray> bytes = readPlainFile(m_filePath, largestFile);
+    return bytes ? MCPEndpointInfo::decoded(*bytes) : std::nullopt;
 }
 
 void MCPEndpoint::remove() const {

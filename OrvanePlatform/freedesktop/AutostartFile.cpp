@@ -3,6 +3,7 @@
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvaneCore/storage/AtomicFile.h"
 #include "OrvanePlatform/freedesktop/DesktopEntryKeys.h"
+#include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDir>
 #include <QFile>
@@ -112,13 +113,11 @@ AutostartFile::AutostartFile(QString executable, QStringList folders)
 }
 
 QStringList AutostartFile::standardFolders() {
-    // Not asked of QStandardPaths, which takes relative paths as they are.
-    const QString user = qEnvironmentVariable("XDG_CONFIG_HOME");
     QStringList folders = qEnvironmentVariable("XDG_CONFIG_DIRS").split(u':', Qt::SkipEmptyParts);
     folders.removeIf([](const QString& folder) { return !QDir::isAbsolutePath(folder); });
     if (folders.isEmpty())
         folders.append(u"/etc/xdg"_s);
-    folders.prepend(QDir::isAbsolutePath(user) ? user : QDir::home().filePath(u".config"_s));
+    folders.prepend(configHome());
     for (QString& folder : folders)
         folder = QDir(folder).filePath(u"autostart"_s);
     return folders;

@@ -1,6 +1,8 @@
 #include "OrvanePlatform/freedesktop/FileSecretStore.h"
 
 #include "OrvaneCore/storage/AtomicFile.h"
+#include "OrvaneCore/storage/PlainFile.h"
+#include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDir>
 #include <QFile>
@@ -28,11 +30,7 @@ FileSecretStore::FileSecretStore(const QString& filePath)
     : m_filePath(QFileInfo(filePath).absoluteFilePath()) {}
 
 QString FileSecretStore::defaultPath() {
-    const QString configured = qEnvironmentVariable("XDG_DATA_HOME");
-    const QString dataHome = configured.startsWith(QLatin1Char('/'))
-                                 ? configured
-                                 : QDir::home().filePath(QStringLiteral(".local/share"));
-    return QDir(dataHome).filePath(QStringLiteral("orvane/secrets.json"));
+    return QDir(dataHome()).filePath(QStringLiteral("orvane/secrets.json"));
 }
 
 std::optional<QString> FileSecretStore::get(const QString& key) {
@@ -58,13 +56,7 @@ bool FileSecretStore::remove(const QString& key) {
 }
 
 QJsonObject FileSecretStore::read() const {
-    // Opening a named pipe would wait for a writer for ever.
-    if (!QFileInfo(m_filePath).isFile())
-        return {};
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
-        return {};
-    return QJsonDocument::fromJson(file.read(largestFile)).object();
+    return QJsonDocument::fromJson(readPlainFile(m_filePath, largestFile).value_or(QByteArray())).object();
 }
 
 bool FileSecretStore::write(const QJsonObject& secrets) const {

@@ -1,6 +1,7 @@
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
 
 #include "OrvaneCore/Log.h"
+#include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDateTime>
 #include <QDeadlineTimer>
@@ -154,11 +155,7 @@ JsonSettingsStore::JsonSettingsStore(const QString& filePath)
     : m_filePath(QFileInfo(filePath).absoluteFilePath()) {}
 
 QString JsonSettingsStore::defaultPath() {
-    const QString configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    const QString configHome = configured.startsWith(QLatin1Char('/'))
-                                   ? configured
-                                   : QDir::home().filePath(QStringLiteral(".config"));
-    return QDir(configHome).filePath(QStringLiteral("orvane/settings.json"));
+    return QDir(configHome()).filePath(QStringLiteral("orvane/settings.json"));
 }
 
 QJsonValue JsonSettingsStore::value(const QString& key) const {
