@@ -96,7 +96,7 @@ TEST_F(FileSecrets, AreForTheirUserAloneAgainAfterTheNextWrite) {
 TEST_F(FileSecrets, CountAsNoneInADamagedFile) {
     for (const QByteArray& bytes :
          {QByteArray(), QByteArray("{"), QByteArray("[\"a\"]"), QByteArray(100, '\xff'),
-          "{\"a\":\"1\"}" + QByteArray(1024 * 1024, ' ')}) {
+          "{\"a\":\"1\"}" + QByteArray(qsizetype(1024) * 1024, ' ')}) {
         writeFile(file(), bytes);
         FileSecretStore store(file());
         EXPECT_EQ(store.get(u"a"_s), std::nullopt);
