@@ -4,7 +4,6 @@
 #include "OrvanePlatform/Platform.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QCursor>
 #include <QDateTime>
 #include <QDir>
@@ -23,6 +22,7 @@ constexpr auto cleanupPeriod = 86'400s;
 constexpr qsizetype maxRequestBytes = 8'388'608;
 constexpr double connectionTimeoutSeconds = 30.0;
 constexpr int portRange = 50;
+constexpr double submitToastSeconds = 4.0;
 
 void logUnavailable(QStringView what) {
     logLine(u"Not available in this build: "_s + what.toString());
@@ -38,7 +38,27 @@ AppDelegate::AppDelegate(Platform& platform)
     , m_shortcuts(platform.settingsStore(), *m_hotkeys)
     , m_toast([&platform] { return platform.desktopShell().isComposited(); })
     , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
-                  [this](const auto& answer) { chooseTarget(answer); }) {}
+                  [this](const auto& answer) { chooseTarget(answer); })
+    , m_markers(platform.settingsStore())
+    , m_submitPipeline({.storage = m_services.storage(),
+                        .discovery = m_services.discovery(),
+                        .screenCapture = m_services.screenCapture(),
+                        .displays = platform.displays(),
+                        .pngWriter = platform.pngWriter(),
+                        .textRecognizer = m_services.textRecognizer(),
+                        .clipboard = m_clipboard})
+    , m_overlay({.manager = m_markers,
+                 .sendTargets = m_sendTargets,
+                 .pipeline = m_submitPipeline,
+                 .tasks = m_tasks,
+                 .keyboard = platform.desktopKeyboard(),
+                 .displays = platform.displays(),
+                 .capture = m_services.screenCapture(),
+                 .isComposited = [&platform] { return platform.desktopShell().isComposited(); },
+                 .showToast =
+                     [this](const SubmitToast& toast) {
+                         showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
+                     }}) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -55,6 +75,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::finishLaunching() {
     if (const auto limits = m_platform.desktopShell().limits())
         logLine(*limits);
+    m_markers.restoreImageMode();
     tellOfFirstLaunch();
     logLine(u"running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.");
 }
@@ -79,6 +100,8 @@ void AppDelegate::setupHotkeys() {
     for (const HotkeyDefinition& hotkey : KeyboardShortcuts::definitions) {
         if (hotkey.name == HotkeyName::toggleRecording)
             m_shortcuts.onKeyUp(hotkey.name, [this] { m_recording.toggle(); });
+        else if (hotkey.name == HotkeyName::toggleOverlay)
+            m_shortcuts.onKeyUp(hotkey.name, [this] { m_overlay.toggleOverlay(); });
         else
             m_shortcuts.onKeyUp(hotkey.name, [&hotkey] { logUnavailable(hotkey.storedName); });
     }
@@ -125,10 +148,9 @@ StatusMenuState AppDelegate::menuState() {
             .recordingAppName = m_recording.appName(),
             .camera = {.isOn = storage.enableCamera(), .selectedId = storage.cameraDeviceId(), .devices = {}},
             .mic = {.isOn = storage.enableMic(), .selectedId = storage.micDeviceId(), .devices = {}},
-            .markerCount = 0,
-            .unavailable = {StatusAction::toggleOverlay, StatusAction::togglePresentDraw,
-                            StatusAction::toggleHistory, StatusAction::openSettings,
-                            StatusAction::replaySetup, StatusAction::clearMarkers}};
+            .markerCount = static_cast<int>(m_markers.markers().size()),
+            .unavailable = {StatusAction::togglePresentDraw, StatusAction::toggleHistory,
+                            StatusAction::openSettings, StatusAction::replaySetup}};
 }
 
 void AppDelegate::perform(StatusAction action, const std::optional<QString>& payload) {
@@ -136,6 +158,12 @@ void AppDelegate::perform(StatusAction action, const std::optional<QString>& pay
     switch (action) {
     case StatusAction::toggleRecording:
         m_recording.toggle();
+        return;
+    case StatusAction::toggleOverlay:
+        m_overlay.toggleOverlay();
+        return;
+    case StatusAction::clearMarkers:
+        m_markers.clearAll();
         return;
     case StatusAction::selectCameraDevice:
         storage.setCameraDeviceId(payload);
@@ -148,12 +176,10 @@ void AppDelegate::perform(StatusAction action, const std::optional<QString>& pay
     case StatusAction::quit:
         quit();
         return;
-    case StatusAction::toggleOverlay:
     case StatusAction::togglePresentDraw:
     case StatusAction::toggleHistory:
     case StatusAction::openSettings:
     case StatusAction::replaySetup:
-    case StatusAction::clearMarkers:
         // Shown disabled.
         return;
     }
@@ -172,7 +198,7 @@ void AppDelegate::recordingChanged() {
 }
 
 void AppDelegate::copyToClipboard(const QString& text) {
-    QGuiApplication::clipboard()->setText(text);
+    m_clipboard.writeText(text);
 }
 
 void AppDelegate::showToast(const QString& title, const QString& subtitle, const QString& icon,

@@ -4,10 +4,15 @@
 #include "Orvane/HumanRecording.h"
 #include "Orvane/StatusItem.h"
 #include "Orvane/StatusMenu.h"
+#include "Orvane/SystemClipboard.h"
 #include "Orvane/ToolServices.h"
+#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/SubmitPipeline.h"
+#include "OrvaneCore/marking/overlay/OverlayController.h"
 #include "OrvaneCore/mcp/MCPEndpoint.h"
 #include "OrvaneCore/mcp/MCPHTTPServer.h"
 #include "OrvaneCore/platform/GlobalHotkeys.h"
+#include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
 #include "OrvaneCore/storage/ToastWindow.h"
 
@@ -58,8 +63,13 @@ private:
     MCPEndpoint m_endpoint;
     std::unique_ptr<GlobalHotkeys> m_hotkeys;
     KeyboardShortcuts m_shortcuts;
+    SystemClipboard m_clipboard;
     ToastWindow m_toast;
     HumanRecording m_recording;
+    MarkerManager m_markers;
+    SendTargets m_sendTargets;
+    SubmitPipeline m_submitPipeline;
+    OverlayController m_overlay;
     /// Null until the application has launched.
     std::unique_ptr<StatusItem> m_statusItem;
     /// Null where no port is free.

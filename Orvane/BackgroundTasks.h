@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Orvane/TaskRunner.h"
+#include "OrvaneCore/PostedCall.h"
+#include "OrvaneCore/TaskRunner.h"
 
-#include <QObject>
 #include <QThreadPool>
 
 namespace orvane {
@@ -17,13 +17,7 @@ public:
     void run(std::function<Continuation()> work) override;
 
 private:
-    /// Calls what is sent to it on the thread that it was made on.
-    class Receiver final : public QObject {
-    protected:
-        void customEvent(QEvent* event) override;
-    };
-
-    Receiver m_mainThread;
+    CallReceiver m_mainThread;
     QThreadPool m_threads;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Orvane/TaskRunner.h"
+#include "OrvaneCore/TaskRunner.h"
 #include "OrvaneCore/recording/RecordingTarget.h"
 
 #include <QString>

@@ -28,7 +28,9 @@ public:
 
     StorageManager& storage() { return m_storage; }
     WindowDiscovery& discovery() { return m_discovery; }
+    ScreenCapture& screenCapture() { return m_screenCapture; }
     ScreenRecorder& recorder() { return m_recorder; }
+    const TextRecognizer& textRecognizer() const { return m_textRecognizer; }
     const MCPServer& server() const { return m_server; }
 
 private:

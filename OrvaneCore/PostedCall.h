@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QEvent>
+#include <QObject>
 
 #include <functional>
-
-class QObject;
+#include <utility>
 
 namespace orvane {
 
@@ -22,6 +22,16 @@ private:
     explicit PostedCall(std::function<void()> call);
 
     const std::function<void()> m_call;
+};
+
+/// Makes the calls that are posted to it, on the thread that it was made on.
+class CallReceiver final : public QObject {
+public:
+    /// Any thread.
+    void post(std::function<void()> call) { PostedCall::post(*this, std::move(call)); }
+
+protected:
+    void customEvent(QEvent* event) override { PostedCall::run(*event); }
 };
 
 } // namespace orvane

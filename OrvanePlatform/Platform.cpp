@@ -14,6 +14,7 @@
 #include "OrvanePlatform/posix/PosixStreams.h"
 #include "OrvanePlatform/posix/SingleInstanceGuard.h"
 #include "OrvanePlatform/posix/ThisProcess.h"
+#include "OrvanePlatform/x11/X11DesktopKeyboard.h"
 #include "OrvanePlatform/x11/X11DesktopShell.h"
 #include "OrvanePlatform/x11/X11Displays.h"
 #include "OrvanePlatform/x11/X11Hotkeys.h"
@@ -84,6 +85,7 @@ public:
     WindowServer& windowServer() override { return m_windowServer; }
     ScreenSource& screenSource() override { return m_screenSource; }
     DesktopShell& desktopShell() override { return m_shell; }
+    DesktopKeyboard& desktopKeyboard() override { return m_keyboard; }
     std::unique_ptr<GlobalHotkeys> makeHotkeys() override { return std::make_unique<x11::X11Hotkeys>(); }
     QByteArray windowSystem() const override { return "xcb"; }
 
@@ -104,6 +106,7 @@ private:
     x11::X11WindowServer m_windowServer{m_session, m_entries};
     x11::X11ScreenSource m_screenSource{m_session};
     x11::X11DesktopShell m_shell{m_session};
+    x11::X11DesktopKeyboard m_keyboard{m_session};
 };
 
 class HeadlessPlatform final : public CommonPlatform {
@@ -112,6 +115,7 @@ public:
     WindowServer& windowServer() override { return m_desktop; }
     ScreenSource& screenSource() override { return m_desktop; }
     DesktopShell& desktopShell() override { return m_shell; }
+    DesktopKeyboard& desktopKeyboard() override { return m_keyboard; }
     std::unique_ptr<GlobalHotkeys> makeHotkeys() override { return std::make_unique<headless::NoHotkeys>(); }
     QByteArray windowSystem() const override { return "offscreen"; }
     std::optional<QString> displayTrouble() override { return m_desktop.unavailableReason(); }
@@ -119,6 +123,7 @@ public:
 private:
     headless::HeadlessDesktop m_desktop;
     headless::NoShell m_shell;
+    headless::NoKeyboard m_keyboard;
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/platform/DesktopKeyboard.h"
 #include "OrvaneCore/platform/DesktopShell.h"
 #include "OrvaneCore/platform/GlobalHotkeys.h"
 
@@ -14,6 +15,14 @@ public:
 
 private:
     Id m_lastId = 0;
+};
+
+/// No keyboard to give to windows.
+class NoKeyboard final : public DesktopKeyboard {
+public:
+    bool give(quintptr /*window*/) override { return false; }
+    void giveBack() override {}
+    std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return std::nullopt; }
 };
 
 /// No place for windows.

@@ -55,4 +55,11 @@ const CarbonKey* carbonKey(int carbonKeyCode) {
     return found != carbonKeys.end() && found->carbonKeyCode == carbonKeyCode ? found : nullptr;
 }
 
+std::optional<int> carbonKeyCodeAt(quint32 keycode) {
+    const auto* const found =
+        std::find_if(carbonKeys.begin(), carbonKeys.end(),
+                     [keycode](const CarbonKey& key) { return keycode != 0 && key.usKeycode == keycode; });
+    return found == carbonKeys.end() ? std::nullopt : std::optional(found->carbonKeyCode);
+}
+
 } // namespace orvane::x11

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QtGlobal>
+
+#include <optional>
+
 #include <xcb/xproto.h>
 
 namespace orvane::x11 {
@@ -15,5 +19,8 @@ struct CarbonKey {
 
 /// Null for a code that stands for no key of a PC keyboard.
 const CarbonKey* carbonKey(int carbonKeyCode);
+
+/// The code of the key that has this place on a US keyboard, as far as the table knows places.
+std::optional<int> carbonKeyCodeAt(quint32 keycode);
 
 } // namespace orvane::x11

@@ -7,9 +7,10 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { fileURLToPath } from "node:url";
 import { isDeepStrictEqual } from "node:util";
-import { colours, decodeXwd, samePixels } from "./png.mjs";
+import { colours, decodeRoot, decodeXwd, samePixels } from "./png.mjs";
 
 const WITH_DESKTOP = fileURLToPath(new URL("../../../scripts/with-desktop", import.meta.url));
+const ROOT_PICTURE = fileURLToPath(new URL("root-picture", import.meta.url));
 
 /// Waits until `condition` gives something true, and gives that.
 export async function until(what, condition, seconds = 10) {
@@ -82,9 +83,10 @@ class Desktop {
         writeFileSync(join(folder, "settings.json"), JSON.stringify(values));
     }
 
-    /// What a window, or with "root" the whole screen, looks like according to xwd.
+    /// What a window, or with "root" the whole screen, looks like.
     picture(id) {
-        return decodeXwd(this.run("xwd", "-silent", ...(id === "root" ? ["-root"] : ["-id", String(id)])));
+        return id === "root" ? decodeRoot(this.run(ROOT_PICTURE))
+            : decodeXwd(this.run("xwd", "-silent", "-id", String(id)));
     }
 
     /// Opens a terminal of one solid colour, without a cursor, and waits until it shows it.

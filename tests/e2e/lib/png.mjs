@@ -95,6 +95,19 @@ export function decodeXwd(bytes) {
     };
 }
 
+/// Decodes what root-picture writes.
+export function decodeRoot(bytes) {
+    const [width, height] = [bytes.readUInt32LE(0), bytes.readUInt32LE(4)];
+    return {
+        width,
+        height,
+        at(x, y) {
+            const place = 8 + (y * width + x) * 4;
+            return `#${hex(bytes[place + 2])}${hex(bytes[place + 1])}${hex(bytes[place])}`;
+        },
+    };
+}
+
 /// Red, green and blue of "#rrggbb".
 export const channels = (colour) => [1, 3, 5].map((start) => parseInt(colour.slice(start, start + 2), 16));
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "OrvaneCore/PostedCall.h"
+#include "OrvaneCore/platform/Clipboard.h"
+
+namespace orvane {
+
+/// The clipboard as Qt has it, whose thread is the main one. What has not been written when this object goes
+/// is not written any more. Made on the main thread.
+class SystemClipboard final : public Clipboard {
+public:
+    void writeText(const QString& text) override;
+    void writeImage(const QImage& image) override;
+
+private:
+    CallReceiver m_mainThread;
+};
+
+} // namespace orvane

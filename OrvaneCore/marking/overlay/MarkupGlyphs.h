@@ -1,0 +1,16 @@
+#pragma once
+
+#include "OrvaneCore/marking/AnnotationTool.h"
+
+#include <QPainterPath>
+
+namespace orvane {
+
+/// The pictures on the palette's buttons: paths to fill, in points, around the origin, within a square of 18.
+/// Pure.
+QPainterPath toolGlyph(AnnotationTool tool);
+
+/// A piece of a stroke, as wide as the stroke is drawn.
+QPainterPath strokeGlyph(qreal width);
+
+} // namespace orvane

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "OrvaneCore/marking/MarkerManager.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace orvane {
+
+/// What the overlay's bar says.
+struct OverlayBarTexts {
+    QString cancel;
+    QString image;
+    QString markup;
+    QString spotlight;
+    QString ocr;
+    QString send;
+    /// Empty while there is no choice of applications.
+    QString sendHint;
+    QString submit;
+
+    bool operator==(const OverlayBarTexts&) const = default;
+};
+
+/// In that state. Pure.
+OverlayBarTexts overlayBarTexts(const MarkupModes& modes, bool markupMode,
+                                const std::optional<SendTarget>& target);
+
+} // namespace orvane

@@ -1,0 +1,190 @@
+#include "OrvaneCore/marking/overlay/OverlayController.h"
+
+#include "OrvaneCore/Log.h"
+#include "OrvaneCore/TaskRunner.h"
+#include "OrvaneCore/capture/ScreenCapture.h"
+#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/SubmitPipeline.h"
+#include "OrvaneCore/platform/DesktopKeyboard.h"
+#include "OrvaneCore/platform/Displays.h"
+#include "OrvaneCore/send/SendTargets.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <exception>
+#include <utility>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+OverlayController::OverlayController(const Services& services)
+    : m_services(services)
+    , m_commands(
+          services.manager, services.sendTargets, [this] { submit(); }, [this] { cancelOverlay(); }) {}
+
+OverlayController::~OverlayController() = default;
+
+std::vector<OverlayWindow*> OverlayController::windows() const {
+    std::vector<OverlayWindow*> all;
+    all.reserve(m_windows.size());
+    for (const auto& window : m_windows)
+        all.push_back(window.get());
+    return all;
+}
+
+void OverlayController::showOverlay() {
+    if (isShown() || m_isPreparing)
+        return;
+    if (m_isCapturing) {
+        m_showAfterCapture = true;
+        return;
+    }
+    MarkerManager& manager = m_services.manager;
+    manager.setOverlayActive(true);
+    manager.clearAll();
+    manager.setMarkupMode(false);
+    manager.setCurrentTool(AnnotationTool::region);
+    std::optional<SendTarget> target;
+    if (manager.modes().directSend && !m_services.sendTargets.runningTargetsOrdered().empty())
+        target = m_services.sendTargets.runningTargetsOrdered().front();
+    manager.setCurrentSendTarget(target);
+    if (m_services.isComposited()) {
+        openWindows({});
+        return;
+    }
+    m_isPreparing = true;
+    m_services.tasks.run([this, showing = ++m_showing]() -> TaskRunner::Continuation {
+        return [this, showing, frozen = freezeScreens()] {
+            if (showing != m_showing)
+                return;
+            m_isPreparing = false;
+            openWindows(frozen);
+        };
+    });
+}
+
+void OverlayController::openWindows(const FrozenScreens& frozen) {
+    m_screenWatch = std::make_unique<QObject>();
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, m_screenWatch.get(),
+                     [this](const QScreen* screen) { screenRemoved(screen); });
+    for (QScreen* screen : QGuiApplication::screens())
+        openWindow(*screen, frozen.value(screen->geometry().topLeft()));
+    if (!m_windows.empty())
+        m_windows.front()->takeKeyboard();
+}
+
+void OverlayController::openWindow(QScreen& screen, const QImage& frozen) {
+    const OverlayDocument document{.manager = m_services.manager,
+                                   .commands = m_commands,
+                                   .keyboard = m_services.keyboard,
+                                   .targetIcon = [](const SendTarget&) { return QIcon(); }};
+    m_windows.emplace_back(new OverlayWindow(document, screen, frozen));
+    OverlayWindow& window = *m_windows.back();
+    QObject::connect(&screen, &QScreen::geometryChanged, &window, [&window] { window.coverScreen(); });
+    window.show();
+    window.raise();
+}
+
+void OverlayController::screenRemoved(const QScreen* screen) {
+    const bool hadKeyboard = !m_windows.empty() && m_windows.front()->screenOfOverlay() == screen;
+    std::erase_if(m_windows, [screen](const auto& window) {
+        const bool isGone = window->screenOfOverlay() == screen;
+        window->setVisible(!isGone);
+        return isGone;
+    });
+    if (m_windows.empty())
+        hideOverlay();
+    else if (hadKeyboard)
+        m_windows.front()->takeKeyboard();
+}
+
+OverlayController::FrozenScreens OverlayController::freezeScreens() const {
+    FrozenScreens frozen;
+    try {
+        for (const Display& display : m_services.displays.list()) {
+            QImage picture = m_services.capture.captureDisplay(display.id, false);
+            QPainter(&picture).fillRect(picture.rect(), overlayDimming);
+            frozen.insert(display.boundsPoints.topLeft().toPoint(), picture);
+        }
+    } catch (const std::exception& error) {
+        logLine(u"the screen cannot be shown under the overlay: "_s + QString::fromUtf8(error.what()));
+    }
+    return frozen;
+}
+
+void OverlayController::hideOverlay() {
+    ++m_showing;
+    m_isPreparing = false;
+    m_showAfterCapture = false;
+    m_screenWatch.reset();
+    // What asks for this may be an event of one of the windows.
+    const auto windows = std::exchange(m_windows, {});
+    for (const auto& window : windows)
+        window->hide();
+    m_services.manager.setOverlayActive(false);
+    if (!windows.empty())
+        m_services.keyboard.giveBack();
+}
+
+void OverlayController::cancelOverlay() {
+    m_services.manager.clearAll();
+    hideOverlay();
+}
+
+void OverlayController::toggleOverlay() {
+    if (m_showAfterCapture)
+        m_showAfterCapture = false;
+    else if (m_isPreparing)
+        cancelOverlay();
+    else if (!isShown())
+        showOverlay();
+    else if (m_services.manager.markers().empty())
+        cancelOverlay();
+    else
+        submit();
+}
+
+void OverlayController::submit() {
+    if (m_services.manager.markers().empty())
+        return;
+    for (const auto& window : m_windows)
+        window->view().closeEditors();
+    SubmitRequest request = m_services.manager.submitRequest();
+    hideOverlay();
+    m_isCapturing = true;
+    m_services.tasks.run([this, request = std::move(request)]() -> TaskRunner::Continuation {
+        std::optional<SubmitResult> result =
+            m_services.pipeline.submit(request, [this] { m_mainThread.post([this] { picturesTaken(); }); });
+        return [this, request, result = std::move(result)] { submitted(result, request); };
+    });
+}
+
+void OverlayController::picturesTaken() {
+    m_isCapturing = false;
+    if (std::exchange(m_showAfterCapture, false))
+        showOverlay();
+}
+
+void OverlayController::submitted(const std::optional<SubmitResult>& result, const SubmitRequest& request) {
+    if (!result)
+        return;
+    const auto count = static_cast<int>(request.markers.size());
+    logLine(u"submitted %1 annotation(s). Clipboard updated."_s.arg(count));
+    MarkerManager& manager = m_services.manager;
+    if (result->sendOutcome)
+        manager.setLastSendOutcome(result->sendOutcome);
+    // The human may be at the next marks already.
+    if (!manager.isOverlayActive())
+        manager.clearAll();
+    m_services.showToast(submitToast(
+        count, request.modes, request.sendTarget ? std::optional(request.sendTarget->name) : std::nullopt,
+        result->sendOutcome, result->copiedOcrText));
+    m_services.tasks.run([this, result = *result]() -> TaskRunner::Continuation {
+        m_services.pipeline.generateThumbnail(result);
+        return {};
+    });
+}
+
+} // namespace orvane

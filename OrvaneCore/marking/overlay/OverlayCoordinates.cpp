@@ -1,0 +1,46 @@
+#include "OrvaneCore/marking/overlay/OverlayCoordinates.h"
+
+#include "OrvaneCore/FixedText.h"
+#include "OrvaneCore/Log.h"
+
+#include <QString>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The same rectangle seen from the lower edge of an area of that height.
+QRectF yUp(const QRectF& rect, qreal height) {
+    return {rect.x(), height - rect.y() - rect.height(), rect.width(), rect.height()};
+}
+
+QString text(const QRectF& rect) {
+    return u"(%1, %2, %3, %4)"_s.arg(fixedText(rect.x(), 1), fixedText(rect.y(), 1),
+                                     fixedText(rect.width(), 1), fixedText(rect.height(), 1));
+}
+
+} // namespace
+
+QPointF OverlayCoordinates::convertPointToScreen(const QPointF& viewPoint) const {
+    return viewPoint + frame.topLeft();
+}
+
+QPointF OverlayCoordinates::convertPointFromScreen(const QPointF& globalPoint) const {
+    return globalPoint - frame.topLeft();
+}
+
+QRectF OverlayCoordinates::convertToScreen(const QRectF& viewRect) const {
+    const QRectF global = viewRect.translated(frame.topLeft());
+    logLine(u"convert viewRect=%1 → cocoaScreen=%2 → quartz=%3 mainH=%4"_s.arg(
+        text(yUp(viewRect, frame.height())), text(yUp(global, primaryHeight)), text(global),
+        fixedText(primaryHeight, 1)));
+    return global;
+}
+
+QRectF OverlayCoordinates::convertFromScreen(const QRectF& globalRect) const {
+    return globalRect.translated(-frame.topLeft());
+}
+
+} // namespace orvane

@@ -1,0 +1,221 @@
+#include "OrvaneCore/marking/overlay/OverlayPainter.h"
+
+#include "OrvaneCore/marking/AnnotationRenderer.h"
+#include "OrvaneCore/marking/DrawingColors.h"
+#include "OrvaneCore/marking/MarkerPainter.h"
+#include "OrvaneCore/marking/PainterState.h"
+#include "OrvaneCore/marking/overlay/OverlayBounds.h"
+#include "OrvaneCore/marking/overlay/OverlayFonts.h"
+#include "OrvaneCore/marking/overlay/OverlayLayout.h"
+#include "OrvaneCore/marking/overlay/OverlayTexts.h"
+
+#include <QPainterPath>
+#include <QRegion>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvane {
+
+namespace {
+
+constexpr QRgb yellow = 0xFFFFCC00;
+constexpr qreal crosshairWidth = 0.5;
+constexpr qreal outlineWidth = 2;
+
+struct Dashes {
+    qreal length;
+    qreal gap;
+};
+constexpr Dashes crosshairDashes{4, 4};
+constexpr Dashes outlineDashes{6, 4};
+
+QColor plateColor(float alpha) {
+    return QColor::fromRgbF(0.12F, 0.12F, 0.12F, alpha);
+}
+
+/// One scene on its way to one painter.
+class ScenePainting {
+public:
+    ScenePainting(QPainter& painter, const OverlayScene& scene, const QRegion& exposed)
+        : m_painter(painter)
+        , m_scene(scene)
+        , m_bounds(scene)
+        , m_exposed(exposed & m_bounds.view()) {}
+
+    void paint() {
+        if (m_exposed.isEmpty())
+            return;
+        if (m_scene.modes.spotlight)
+            darken();
+        for (const Marker& marker : m_scene.markers)
+            drawMarker(marker);
+        if (const auto rect = currentRectInView(m_scene); rect && m_bounds.currentRect().touches(m_exposed))
+            drawCurrentRect(*rect);
+        for (const Annotation& annotation : m_scene.annotations)
+            drawAnnotation(annotation);
+        if (m_scene.draft)
+            drawAnnotation(*m_scene.draft);
+        drawSelection();
+        if (const auto pointer = pointerInView(m_scene); pointer && m_bounds.crosshair().touches(m_exposed))
+            drawCrosshair(*pointer);
+        if (m_bounds.instructions().touches(m_exposed))
+            drawInstructions();
+    }
+
+private:
+    /// All but the regions. Where two of them overlap it is dark again.
+    void darken() {
+        const QRectF view({0, 0}, m_scene.size);
+        QPainterPath path;
+        path.setFillRule(Qt::OddEvenFill);
+        path.addRect(QRectF(m_exposed.boundingRect().adjusted(-1, -1, 1, 1)) & view);
+        for (const Marker& marker : m_scene.markers) {
+            const auto region = regionInView(m_scene, marker);
+            const QRectF hole = region.value_or(QRectF()) & path.boundingRect();
+            if (!hole.isEmpty() && m_exposed.intersects(hole.toAlignedRect()))
+                path.addRect(hole);
+        }
+        m_painter.fillPath(path, withAlpha(Qt::black, 0.55F));
+    }
+
+    void drawMarker(const Marker& marker) {
+        const auto region = regionInView(m_scene, marker);
+        const VisualBounds bounds = m_bounds.marker(marker);
+        if (!region || !bounds.touches(m_exposed))
+            return;
+        const PainterState state(m_painter);
+        // Whatever is written on the label, it does not leave marks where nobody wipes them off.
+        m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
+        MarkerPainter::draw(m_painter, marker, *region, 1, MarkerStyle::onOverlay,
+                            m_scene.modes.spotlight ? MarkerPainter::Spotlight::on
+                                                    : MarkerPainter::Spotlight::off);
+        drawPlate(OverlayLayout::sizeTag(*region, m_scene.size), 3, plateColor(1), OverlayFont::sizeTag,
+                  sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
+        if (marker.label.isEmpty() && !m_scene.modes.ocr) {
+            // White alone could not be read on a white window.
+            drawPlate(OverlayLayout::hint(*region), 6, plateColor(0.6F), OverlayFont::hint, labelHintText(),
+                      withAlpha(Qt::white, 0.75F));
+        }
+    }
+
+    void drawCurrentRect(const QRectF& rect) {
+        m_painter.fillRect(rect, withAlpha(QColor(yellow), 0.2F));
+        const QColor color = withAlpha(QColor(yellow), 0.8F);
+        const qreal half = outlineWidth / 2;
+        const QRectF outer = rect.adjusted(-half, -half, half, half);
+        for (const qreal y : {outer.top(), outer.bottom() - outlineWidth})
+            drawRow({outer.left(), y, outer.width(), outlineWidth}, outlineDashes, color);
+        // Between the rows: where dashes lie on each other they are denser.
+        const qreal height = outer.height() - 2 * outlineWidth;
+        for (const qreal x : {outer.left(), outer.right() - outlineWidth})
+            drawColumn({x, outer.top() + outlineWidth, outlineWidth, height}, outlineDashes, color);
+        drawPlate(OverlayLayout::dimensionLabel(rect, m_scene.size), 4, plateColor(0.9F), OverlayFont::plate,
+                  dimensionText(rect.size()), Qt::white);
+    }
+
+    void drawAnnotation(const Annotation& annotation) {
+        const VisualBounds bounds = m_bounds.annotation(annotation);
+        if (!bounds.touches(m_exposed))
+            return;
+        const PainterState state(m_painter);
+        m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
+        AnnotationRenderer::draw(m_painter, annotation, PointMap{.origin = m_scene.origin}, 1);
+    }
+
+    void drawSelection() {
+        const Annotation* annotation = selectedAnnotation(m_scene);
+        if (annotation != nullptr && m_bounds.selectedAnnotation().touches(m_exposed)) {
+            AnnotationRenderer::drawSelectionHandles(m_painter, *annotation,
+                                                     PointMap{.origin = m_scene.origin}, 1);
+        }
+        const Marker* marker = selectedMarker(m_scene);
+        const auto region = marker != nullptr ? regionInView(m_scene, *marker) : std::nullopt;
+        if (region && m_bounds.selectedMarker().touches(m_exposed)) {
+            AnnotationRenderer::drawHandleDots(
+                m_painter,
+                {region->topLeft(), region->topRight(), region->bottomLeft(), region->bottomRight()}, 1);
+        }
+    }
+
+    void drawCrosshair(const QPointF& pointer) {
+        const QSizeF view = m_scene.size;
+        const QPointF corner = onPixel(pointer);
+        const QColor color = withAlpha(Qt::white, 0.4F);
+        drawRow({0, corner.y(), view.width(), crosshairWidth}, crosshairDashes, color);
+        drawColumn({corner.x(), 0, crosshairWidth, view.height()}, crosshairDashes, color);
+        const QString text = coordinateText(m_scene, pointer);
+        drawPlate(OverlayLayout::coordinatePlate(pointer, text, view), 4, plateColor(0.9F),
+                  OverlayFont::plate, text, Qt::white);
+    }
+
+    void drawInstructions() {
+        const QString text = overlayInstructions(m_scene);
+        const QRectF place = OverlayLayout::instructionsText(text, m_scene.size);
+        drawGround(OverlayLayout::instructionsPill(place), 14, withAlpha(Qt::black, 0.75F));
+        drawOverlayText(m_painter, OverlayFont::instructions, text, place.topLeft(), Qt::white);
+    }
+
+    /// The corner of the pixel that the point is in, so that a thin line fills as few pixels as it can.
+    QPointF onPixel(const QPointF& point) const {
+        const QTransform toDevice = m_painter.deviceTransform();
+        if (toDevice.type() > QTransform::TxScale)
+            return point;
+        const QPointF pixel = toDevice.map(point);
+        return toDevice.inverted().map(QPointF(std::floor(pixel.x()), std::floor(pixel.y())));
+    }
+
+    // Dashes along a bar from its left or upper end, each as a rectangle: on a large display that takes a
+    // small part of the time that a path of all of them, or a pen, does. Only those that show.
+
+    void drawRow(const QRectF& bar, const Dashes& dashes, const QColor& color) {
+        const QRectF shown = QRectF(m_exposed.boundingRect()).adjusted(-1, -1, 1, 1);
+        const qreal period = dashes.length + dashes.gap;
+        const qreal hidden = std::max(0.0, std::floor((shown.left() - bar.left()) / period));
+        const qreal end = std::min(bar.right(), shown.right());
+        for (qreal x = bar.left() + hidden * period; x < end; x += period)
+            drawDash({x, bar.top(), std::min(dashes.length, bar.right() - x), bar.height()}, color);
+    }
+
+    void drawColumn(const QRectF& bar, const Dashes& dashes, const QColor& color) {
+        const QRectF shown = QRectF(m_exposed.boundingRect()).adjusted(-1, -1, 1, 1);
+        const qreal period = dashes.length + dashes.gap;
+        const qreal hidden = std::max(0.0, std::floor((shown.top() - bar.top()) / period));
+        const qreal end = std::min(bar.bottom(), shown.bottom());
+        for (qreal y = bar.top() + hidden * period; y < end; y += period)
+            drawDash({bar.left(), y, bar.width(), std::min(dashes.length, bar.bottom() - y)}, color);
+    }
+
+    void drawDash(const QRectF& dash, const QColor& color) {
+        if (m_exposed.intersects(dash.adjusted(-1, -1, 1, 1).toAlignedRect()))
+            m_painter.fillRect(dash, color);
+    }
+
+    void drawGround(const QRectF& rect, qreal radius, const QColor& color) {
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(color);
+        m_painter.drawRoundedRect(rect, radius, radius);
+    }
+
+    void drawPlate(const QRectF& plate, qreal radius, const QColor& ground, OverlayFont font,
+                   const QString& text, const QColor& color) {
+        drawGround(plate, radius, ground);
+        const QSizeF free = plate.size() - overlayTextSize(font, text);
+        drawOverlayText(m_painter, font, text, plate.topLeft() + QPointF(free.width() / 2, free.height() / 2),
+                        color);
+    }
+
+    QPainter& m_painter;
+    const OverlayScene& m_scene;
+    OverlayBounds m_bounds;
+    QRegion m_exposed;
+};
+
+} // namespace
+
+void paintOverlay(QPainter& painter, const OverlayScene& scene, const QRegion& exposed) {
+    const PainterState state(painter);
+    ScenePainting(painter, scene, exposed).paint();
+}
+
+} // namespace orvane

@@ -1,0 +1,227 @@
+#include "OrvaneCore/marking/overlay/OverlayView.h"
+
+#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/overlay/AnnotationTextPopover.h"
+#include "OrvaneCore/marking/overlay/MarkerPopover.h"
+#include "OrvaneCore/marking/overlay/MarkupPalette.h"
+#include "OrvaneCore/marking/overlay/OverlayBar.h"
+#include "OrvaneCore/marking/overlay/OverlayCommands.h"
+#include "OrvaneCore/marking/overlay/OverlayDamage.h"
+#include "OrvaneCore/marking/overlay/OverlayKeys.h"
+#include "OrvaneCore/marking/overlay/OverlayPainter.h"
+#include "OrvaneCore/platform/DesktopKeyboard.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int paletteGap = 16;
+
+/// Pictures have no place among marks on a screen that is a picture itself.
+std::vector<std::pair<AnnotationTool, QString>> paletteTools() {
+    return {{AnnotationTool::select, u"Select"_s},   {AnnotationTool::region, u"Region"_s},
+            {AnnotationTool::arrow, u"Arrow"_s},     {AnnotationTool::box, u"Box"_s},
+            {AnnotationTool::ellipse, u"Ellipse"_s}, {AnnotationTool::highlight, u"Highlight"_s},
+            {AnnotationTool::text, u"Text"_s}};
+}
+
+/// Keys that are where they are on every keyboard. The PC's Delete key does what its label says.
+std::optional<int> fixedKeyCode(int key) {
+    switch (key) {
+    case Qt::Key_Return:
+        return 36;
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+        return 48;
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete:
+        return 51;
+    case Qt::Key_Escape:
+        return 53;
+    case Qt::Key_Left:
+        return 123;
+    case Qt::Key_Right:
+        return 124;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+OverlayView::OverlayView(const OverlayDocument& document, QWidget* parent)
+    : QWidget(parent)
+    , m_document(document)
+    , m_gestures(document.manager, *this)
+    , m_bar(new OverlayBar(
+          document.manager, [this](OverlayCommand command) { m_document.commands.perform(command); },
+          document.targetIcon, this))
+    , m_palette(new MarkupPalette(document.manager, paletteTools(), this)) {
+    // Given the keys by calls only: a click on the bar is not to take them from a text.
+    setFocusPolicy(Qt::NoFocus);
+    setMouseTracking(true);
+    setCursor(Qt::CrossCursor);
+    m_palette->setDraggable(true);
+    m_palette->hide();
+    m_subscription = m_document.manager.observe([this] { refresh(); });
+}
+
+OverlayView::~OverlayView() = default;
+
+void OverlayView::setFrame(const QRect& globalFrame, qreal primaryHeight) {
+    m_frame = globalFrame;
+    m_gestures.setFrame(globalFrame, primaryHeight);
+    refresh();
+}
+
+void OverlayView::closeEditors() {
+    if (m_labelEditor) {
+        const Editor<MarkerPopover> editor = std::move(m_labelEditor);
+        editor->closePopover();
+        m_gestures.labelSubmitted(m_labelledMarker, editor->text());
+    }
+    closeTextEditor();
+}
+
+void OverlayView::closeTextEditor() {
+    if (m_textEditor)
+        m_textEditor->closePopover();
+}
+
+void OverlayView::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    paintOverlay(painter, m_shown, event->region());
+}
+
+void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
+    placeControls();
+    refresh();
+}
+
+void OverlayView::placeControls() {
+    m_bar->place(rect());
+    m_palette->adjustSize();
+    m_palette->move((width() - m_palette->width()) / 2, m_bar->y() - paletteGap - m_palette->height());
+}
+
+void OverlayView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        m_gestures.pointerPressed(event->position());
+    else if (event->button() == Qt::RightButton)
+        m_gestures.rightPressed(event->position());
+}
+
+void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
+    // The second press of two quick ones is a press like any other.
+    mousePressEvent(event);
+}
+
+void OverlayView::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons().testFlag(Qt::LeftButton))
+        m_gestures.pointerDragged(event->position());
+    else
+        m_gestures.pointerMoved(event->position());
+}
+
+void OverlayView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        m_gestures.pointerReleased(event->position());
+}
+
+void OverlayView::leaveEvent(QEvent* /*event*/) {
+    m_gestures.pointerLeft();
+}
+
+void OverlayView::keyPressEvent(QKeyEvent* event) {
+    constexpr Qt::KeyboardModifiers otherMeaning = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const std::optional<int> code = event->modifiers() & otherMeaning ? std::nullopt : keyCode(*event);
+    const std::optional<OverlayCommand> command = code ? overlayCommand(*code) : std::nullopt;
+    if (!command) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (!event->isAutoRepeat() || *command == OverlayCommand::deleteMark)
+        m_document.commands.perform(*command);
+}
+
+std::optional<int> OverlayView::keyCode(const QKeyEvent& event) const {
+    if (const std::optional<int> code = fixedKeyCode(event.key()))
+        return code;
+    return m_document.keyboard.keyCode(event.nativeScanCode());
+}
+
+bool OverlayView::focusNextPrevChild(bool /*next*/) {
+    // Tab has a meaning of its own here.
+    return false;
+}
+
+void OverlayView::openLabelEditor(const QUuid& marker, const QPointF& viewPoint) {
+    closeEditors();
+    const auto& markers = m_document.manager.markers();
+    const auto found = std::find_if(markers.begin(), markers.end(),
+                                    [&marker](const Marker& candidate) { return candidate.id == marker; });
+    if (found == markers.end())
+        return;
+    m_labelledMarker = marker;
+    m_labelEditor.reset(new MarkerPopover(found->label, this));
+    m_labelEditor->setOnSubmit(
+        [this, marker](const QString& label) { m_gestures.labelSubmitted(marker, label); });
+    m_labelEditor->setOnClose([this] {
+        m_labelEditor.reset();
+        setFocus();
+    });
+    m_labelEditor->openAt(viewPoint);
+}
+
+void OverlayView::openTextEditor(const QUuid& annotation, const QPointF& viewPoint) {
+    closeEditors();
+    m_textEditor.reset(new AnnotationTextPopover(QString(), this));
+    m_textEditor->setOnClose([this, annotation] {
+        const Editor<AnnotationTextPopover> editor = std::move(m_textEditor);
+        m_gestures.textClosed(annotation, editor->text());
+        setFocus();
+    });
+    m_textEditor->openAt(viewPoint);
+}
+
+void OverlayView::takeKeyboard() {
+    setFocus();
+}
+
+void OverlayView::gestureChanged() {
+    refresh();
+}
+
+void OverlayView::refresh() {
+    m_palette->setVisible(m_document.manager.markupMode());
+    OverlayScene now = scene();
+    const QRegion changed = damage(m_shown, now);
+    m_shown = std::move(now);
+    if (!changed.isEmpty())
+        update(changed);
+}
+
+OverlayScene OverlayView::scene() const {
+    const MarkerManager& manager = m_document.manager;
+    return {.size = size(),
+            .origin = m_frame.topLeft(),
+            .modes = manager.modes(),
+            .markers = manager.markers(),
+            .annotations = manager.annotations(),
+            .selectedMarkerId = manager.selectedMarkerId(),
+            .selectedAnnotationId = manager.selectedAnnotationId(),
+            .currentRect = m_gestures.currentRect(),
+            .mousePosition = m_gestures.mousePosition(),
+            .draft = m_gestures.draft()};
+}
+
+} // namespace orvane

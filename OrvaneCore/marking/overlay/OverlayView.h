@@ -1,0 +1,89 @@
+#pragma once
+
+#include "OrvaneCore/Observers.h"
+#include "OrvaneCore/marking/overlay/OverlayGestures.h"
+#include "OrvaneCore/marking/overlay/OverlayScene.h"
+
+#include <QIcon>
+#include <QUuid>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace orvane {
+
+class AnnotationTextPopover;
+class DesktopKeyboard;
+class MarkerManager;
+class MarkerPopover;
+class MarkupPalette;
+class OverlayBar;
+class OverlayCommands;
+struct SendTarget;
+
+/// What every view of the overlay works on. All of it outlives the views.
+struct OverlayDocument {
+    MarkerManager& manager;
+    OverlayCommands& commands;
+    DesktopKeyboard& keyboard;
+    std::function<QIcon(const SendTarget&)> targetIcon;
+};
+
+/// The overlay on one display: hands events to the rules, shows what the marks look like, and holds the
+/// editors, the bar and the palette. Main thread.
+class OverlayView final : public QWidget, private OverlayGestures::View {
+public:
+    OverlayView(const OverlayDocument& document, QWidget* parent);
+    ~OverlayView() override;
+
+    /// Where the view is, in global points, and how high the primary display is.
+    void setFrame(const QRect& globalFrame, qreal primaryHeight);
+
+    /// Ends what is being typed; it is kept.
+    void closeEditors() override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    struct DeleteLater {
+        void operator()(QObject* object) const { object->deleteLater(); }
+    };
+    template <typename Widget>
+    using Editor = std::unique_ptr<Widget, DeleteLater>;
+
+    void openLabelEditor(const QUuid& marker, const QPointF& viewPoint) override;
+    void openTextEditor(const QUuid& annotation, const QPointF& viewPoint) override;
+    void closeTextEditor() override;
+    void takeKeyboard() override;
+    void gestureChanged() override;
+
+    /// Repaints what differs from what is shown.
+    void refresh();
+    void placeControls();
+    OverlayScene scene() const;
+    std::optional<int> keyCode(const QKeyEvent& event) const;
+
+    OverlayDocument m_document;
+    OverlayGestures m_gestures;
+    QRect m_frame;
+    OverlayScene m_shown;
+    OverlayBar* m_bar;
+    MarkupPalette* m_palette;
+    Editor<MarkerPopover> m_labelEditor;
+    QUuid m_labelledMarker;
+    Editor<AnnotationTextPopover> m_textEditor;
+    Observers::Subscription m_subscription;
+};
+
+} // namespace orvane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+
+class QPainter;
+class QPainterPath;
+
+/// What the bar, the palette and the bubbles of the overlay have in common, so that they look like one family
+/// on every desktop, whatever its style and colours.
+namespace orvane::look {
+
+/// The height of a button, in points.
+inline constexpr int buttonHeight = 28;
+/// Of the strips that hold buttons.
+inline constexpr int stripHeight = 44;
+
+inline constexpr int textPixelSize = 13;
+
+/// The system font, the same as in the pictures that are made.
+QFont font(int pixelSize = textPixelSize, QFont::Weight weight = QFont::Normal);
+
+QColor white(float alpha);
+/// The dark that everything stands on; the screen below shimmers through.
+QColor ground();
+/// What is switched on, or to be pressed next.
+QColor accent();
+
+/// A dark plate of that shape. The painter is given back as it was.
+void drawPlate(QPainter& painter, const QPainterPath& outline);
+
+} // namespace orvane::look

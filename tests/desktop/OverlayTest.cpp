@@ -1,0 +1,358 @@
+#include "OrvaneCore/marking/Palettes.h"
+#include "tests/desktop/OverlayFixture.h"
+
+#include <QClipboard>
+#include <QPushButton>
+
+namespace orvane::test {
+
+namespace {
+
+constexpr QRgb dimmedWhite = 0xFFD9D9D9;
+
+class Overlay : public OverlayFixture {
+protected:
+    using OverlayFixture::OverlayFixture;
+
+    /// The middle of the bar's button with that accessible name, in global points.
+    QPoint buttonAt(const QString& name, std::size_t index = 0) {
+        for (const QAbstractButton* button : window(index).findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && button->accessibleName() == name)
+                return button->mapToGlobal(button->rect().center());
+        }
+        ADD_FAILURE() << "no button " << name.toStdString();
+        return {};
+    }
+
+    const Marker& marker(std::size_t index) { return manager.markers().at(index); }
+};
+
+class OverlayUncomposited : public Overlay {
+protected:
+    OverlayUncomposited()
+        : Overlay({u"--size"_s, u"1280x800"_s, u"--no-compositor"_s}) {}
+};
+
+class OverlayWithoutWindowManager : public Overlay {
+protected:
+    OverlayWithoutWindowManager()
+        : Overlay({u"--size"_s, u"1280x800"_s, u"--no-window-manager"_s}) {}
+};
+
+class OverlayOnTwoDisplays : public Overlay {
+protected:
+    OverlayOnTwoDisplays()
+        : Overlay({u"--monitors"_s, u"A:1000x700+0+0,B:640x480+1000+100"_s}) {}
+};
+
+/// The primary display is the right one.
+class OverlayWithADisplayOnTheLeft : public Overlay {
+protected:
+    OverlayWithADisplayOnTheLeft()
+        : Overlay({u"--monitors"_s, u"B:1000x700+640+0,A:640x480+0+100"_s}) {}
+};
+
+class OverlayOnMixedScales : public Overlay {
+protected:
+    OverlayOnMixedScales()
+        : Overlay({u"--monitors"_s, u"A:1600x1200+0+0,B:1000x700+1600+0"_s, u"--scale"_s, u"A=2;B=1"_s}) {}
+};
+
+} // namespace
+
+TEST_F(Overlay, DimsTheScreenAndHasTheKeyboardAtOnce) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    show();
+    EXPECT_TRUE(comesToShow({100, 300}, dimmedWhite));
+    EXPECT_TRUE(comesToShow({1279, 799}, dimmedWhite));
+    EXPECT_TRUE(manager.isOverlayActive());
+    press(u"Escape"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+    EXPECT_FALSE(manager.isOverlayActive());
+    EXPECT_TRUE(comesToShow({100, 300}, white));
+}
+
+TEST_F(Overlay, StandsAboveAFullScreenWindowAndGivesTheKeyboardBack) {
+    QWidget other;
+    other.setPalette(Qt::white);
+    other.showFullScreen();
+    ASSERT_TRUE(eventuallyInLoop([&] { return activeWindow() == qint64(other.winId()); }));
+    ASSERT_TRUE(comesToShow({100, 300}, white));
+    controller.showOverlay();
+    ASSERT_TRUE(comesToShow({100, 300}, dimmedWhite));
+    press(u"Escape"_s);
+    ASSERT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+    EXPECT_TRUE(eventuallyInLoop([&] { return other.isActiveWindow(); }));
+    EXPECT_TRUE(eventuallyInLoop([&] { return activeWindow() == qint64(other.winId()); }));
+}
+
+TEST_F(Overlay, TakesALostKeyboardBackWithAClick) {
+    const auto other = cover(u"400x300+0+0"_s);
+    show();
+    runCommand(u"xdotool"_s, {u"windowfocus"_s, u"--sync"_s, QString::number(other->id())});
+    ASSERT_TRUE(eventuallyInLoop([&] { return !window().isActiveWindow(); }));
+    clickAt({700, 400});
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow(); }));
+    press(u"Escape"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+}
+
+TEST_F(Overlay, HasAWayOutByMouse) {
+    const auto other = cover(u"400x300+0+0"_s);
+    show();
+    runCommand(u"xdotool"_s, {u"windowfocus"_s, u"--sync"_s, QString::number(other->id())});
+    // The first click counts, even though the window does not have the keyboard.
+    clickAt(buttonAt(u"Cancel (esc)"_s));
+    EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+}
+
+TEST_F(Overlay, MarksARegionAndItsLabel) {
+    show();
+    drag({200, 200}, {500, 400});
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"Too small"_s);
+    press(u"shift+Return"_s);
+    type(u"and grey"_s);
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    ASSERT_EQ(manager.markers().size(), 1U);
+    EXPECT_EQ(marker(0).rect, QRectF(200, 200, 300, 200));
+    EXPECT_EQ(marker(0).label, u"Too small\nand grey"_s);
+    EXPECT_TRUE(controller.isShown());
+    // The outline is in the marker's colour.
+    EXPECT_TRUE(comesToShow({350, 200}, marker(0).color.rgb(), 60));
+}
+
+TEST_F(Overlay, KeepsALabelThatIsLeftForAnotherRegion) {
+    show();
+    drag({200, 200}, {500, 400});
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"kept"_s);
+    mark({600, 200}, {800, 400});
+    EXPECT_EQ(marker(0).label, u"kept"_s);
+    EXPECT_EQ(marker(1).label, QString());
+}
+
+TEST_F(Overlay, LetsARightClickLabelARegion) {
+    show();
+    mark({200, 200}, {500, 400});
+    clickAt({400, 300}, 3);
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"later"_s);
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    EXPECT_EQ(marker(0).label, u"later"_s);
+}
+
+TEST_F(Overlay, TakesTextAsAnyProgramDoes) {
+    QGuiApplication::clipboard()->setText(u"ある日 ж"_s);
+    show();
+    drag({200, 200}, {500, 400});
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"one two"_s);
+    press(u"ctrl+shift+Left"_s);
+    press(u"ctrl+v"_s);
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    EXPECT_EQ(marker(0).label, u"one ある日 ж"_s);
+    clickAt({400, 300}, 3);
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"x"_s);
+    press(u"ctrl+z"_s);
+    type(u""_s);
+    press(u"End"_s);
+    type(u"!"_s);
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    EXPECT_EQ(marker(0).label, u"one ある日 ж!"_s);
+}
+
+TEST_F(Overlay, MovesAndResizesRegionsAndDeletesThem) {
+    show();
+    mark({200, 200}, {500, 400});
+    drag({350, 200}, {360, 220});
+    ASSERT_TRUE(eventuallyInLoop([&] { return marker(0).rect == QRectF(210, 220, 300, 200); }));
+    drag({510, 420}, {610, 520});
+    ASSERT_TRUE(eventuallyInLoop([&] { return marker(0).rect == QRectF(210, 220, 400, 300); }));
+    press(u"BackSpace"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().empty(); }));
+    EXPECT_TRUE(controller.isShown());
+}
+
+TEST_F(Overlay, DrawsWithThePalette) {
+    show();
+    mark({200, 200}, {600, 500});
+    press(u"m"_s);
+    ASSERT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+    clickAt(buttonAt(u"Arrow"_s));
+    ASSERT_TRUE(eventuallyInLoop([&] { return manager.currentTool() == AnnotationTool::arrow; }));
+    drag({250, 250}, {400, 350});
+    ASSERT_TRUE(eventuallyInLoop([&] { return manager.annotations().size() == 1; }));
+    EXPECT_EQ(manager.annotations()[0].start, QPointF(250, 250));
+    EXPECT_EQ(manager.annotations()[0].end, QPointF(400, 350));
+    EXPECT_TRUE(comesToShow({325, 300}, QColor::fromRgb(MarkupColors::defaultColor).rgb()));
+
+    clickAt(buttonAt(u"Text"_s));
+    clickAt({300, 450});
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    type(u"here"_s);
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    ASSERT_EQ(manager.annotations().size(), 2U);
+    EXPECT_EQ(manager.annotations()[1].text, u"here"_s);
+    clickAt({500, 450});
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    press(u"Escape"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.annotations().size() == 2; }));
+}
+
+TEST_F(Overlay, ObeysItsKeysAndButtons) {
+    show();
+    press(u"b"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().spotlight; }));
+    press(u"o"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().ocr; }));
+    clickAt(buttonAt(u"Image Only (I)"_s));
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().image && !manager.modes().ocr; }));
+    press(u"s"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().directSend; }));
+    buttonAt(u"Send: no app (S)"_s);
+    press(u"Tab"_s);
+    press(u"d"_s);
+    press(u"a"_s);
+    press(u"Right"_s);
+    clickAt(buttonAt(u"Send: no app (S)"_s));
+    EXPECT_TRUE(eventuallyInLoop([&] { return !manager.modes().directSend; }));
+    EXPECT_EQ(manager.currentSendTarget(), std::nullopt);
+    EXPECT_TRUE(controller.isShown());
+    EXPECT_EQ(settings.value(u"ImageMode"_s), QJsonValue(true));
+}
+
+TEST_F(Overlay, FindsKeysByTheirPlaceOnTheKeyboard) {
+    runCommand(u"setxkbmap"_s, {u"ru"_s});
+    show();
+    // The key that has M on a US keyboard.
+    press(u"Cyrillic_softsign"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+}
+
+TEST_F(Overlay, IsToggledByItsHotkey) {
+    controller.toggleOverlay();
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow(); }));
+    controller.toggleOverlay();
+    EXPECT_FALSE(controller.isShown());
+    EXPECT_TRUE(toasts.empty());
+
+    show();
+    mark({200, 200}, {500, 400});
+    controller.toggleOverlay();
+    EXPECT_FALSE(controller.isShown());
+    EXPECT_TRUE(isSubmitted());
+    EXPECT_TRUE(manager.markers().empty());
+}
+
+TEST_F(Overlay, ForgetsTheMarksOfTheLastTime) {
+    show();
+    mark({200, 200}, {500, 400});
+    manager.setMarkupMode(true);
+    manager.setCurrentTool(AnnotationTool::arrow);
+    controller.hideOverlay();
+    EXPECT_EQ(manager.markers().size(), 1U);
+    show();
+    EXPECT_TRUE(manager.markers().empty());
+    EXPECT_FALSE(manager.markupMode());
+    EXPECT_EQ(manager.currentTool(), AnnotationTool::region);
+    controller.showOverlay();
+    EXPECT_EQ(controller.windows().size(), 1U);
+}
+
+TEST_F(Overlay, BearsTwoHundredRegions) {
+    show();
+    for (int i = 0; i < 200; ++i)
+        manager.add(QRectF(20 + 60 * (i % 20), 60 + 60 * (i / 20), 40, 40), QString::number(i));
+    drag({100, 670}, {160, 715});
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().size() == 201; }));
+}
+
+TEST_F(OverlayUncomposited, FreezesTheScreen) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    ground->fill(QRect(100, 300, 50, 50), QColor(200, 0, 0));
+    controller.showOverlay();
+    ASSERT_TRUE(comesToShow({200, 300}, dimmedWhite));
+    EXPECT_TRUE(comesToShow({120, 320}, blended(0xFF000000, 38.0 / 255, 0xFFC80000)));
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow(); }));
+    drag({400, 300}, {600, 500});
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().size() == 1; }));
+    controller.cancelOverlay();
+    EXPECT_TRUE(comesToShow({200, 300}, white));
+}
+
+TEST_F(OverlayUncomposited, CanBeSentAwayBeforeItHasCome) {
+    controller.toggleOverlay();
+    EXPECT_FALSE(controller.isShown());
+    controller.toggleOverlay();
+    EXPECT_FALSE(eventuallyInLoop([&] { return controller.isShown(); }, 700));
+    EXPECT_FALSE(manager.isOverlayActive());
+    show();
+}
+
+TEST_F(OverlayWithoutWindowManager, Works) {
+    show();
+    mark({200, 200}, {500, 400});
+    press(u"Escape"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+}
+
+TEST_F(OverlayOnTwoDisplays, IsOnBoth) {
+    const auto ground = cover(u"1640x700+0+0"_s);
+    show();
+    ASSERT_EQ(controller.windows().size(), 2U);
+    EXPECT_TRUE(comesToShow({100, 300}, dimmedWhite));
+    EXPECT_TRUE(comesToShow({1050, 300}, dimmedWhite));
+    mark({1100, 200}, {1300, 300});
+    EXPECT_EQ(marker(0).rect, QRectF(1100, 200, 200, 100));
+    // A drag that leaves its display.
+    mark({900, 200}, {1050, 300});
+    EXPECT_EQ(marker(1).rect, QRectF(900, 200, 150, 100));
+    // What is drawn on one is seen on the other.
+    EXPECT_TRUE(comesToShow({1025, 200}, marker(1).color.rgb(), 60));
+    press(u"Delete"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().size() == 1; }));
+}
+
+TEST_F(OverlayOnTwoDisplays, SurvivesTheLossOfOne) {
+    show();
+    mark({1100, 200}, {1300, 300});
+    runCommand(u"xrandr"_s, {u"--delmonitor"_s, u"B"_s});
+    ASSERT_TRUE(eventuallyInLoop([&] { return controller.windows().size() == 1; }));
+    EXPECT_TRUE(controller.isShown());
+    EXPECT_EQ(manager.markers().size(), 1U);
+    mark({200, 200}, {500, 400});
+    controller.submit();
+    EXPECT_TRUE(isSubmitted());
+    EXPECT_EQ(sessionFiles(), (QStringList{u"SESSION.md"_s, u"display-annotated.png"_s, u"region-2.png"_s}));
+}
+
+TEST_F(OverlayWithADisplayOnTheLeft, MarksOnBoth) {
+    show();
+    EXPECT_EQ(window().geometry(), QRect(640, 0, 1000, 700));
+    mark({100, 200}, {300, 300});
+    mark({800, 100}, {900, 200});
+    EXPECT_EQ(marker(0).rect, QRectF(100, 200, 200, 100));
+    EXPECT_EQ(marker(1).rect, QRectF(800, 100, 100, 100));
+    EXPECT_TRUE(comesToShow({200, 200}, marker(0).color.rgb(), 60));
+}
+
+TEST_F(OverlayOnMixedScales, MarksInPoints) {
+    show();
+    mark({400, 200}, {600, 500});
+    EXPECT_EQ(marker(0).rect, QRectF(200, 100, 100, 150));
+    mark({1700, 100}, {1800, 200});
+    const QRectF right = marker(1).rect;
+    EXPECT_EQ(right.size(), QSizeF(100, 100));
+    EXPECT_EQ(right.topLeft() - QPointF(window(1).geometry().topLeft()), QPointF(100, 100));
+    EXPECT_TRUE(comesToShow({500, 200}, marker(0).color.rgb(), 60));
+    EXPECT_TRUE(comesToShow({1750, 100}, marker(1).color.rgb(), 60));
+}
+
+} // namespace orvane::test
