@@ -126,10 +126,13 @@ void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void OverlayView::mouseMoveEvent(QMouseEvent* event) {
-    if (event->buttons().testFlag(Qt::LeftButton))
+    if (event->buttons().testFlag(Qt::LeftButton)) {
         m_gestures.pointerDragged(event->position());
-    else
-        m_gestures.pointerMoved(event->position());
+        return;
+    }
+    // The release of a gesture may have gone to another program that took the pointer.
+    m_gestures.cancel();
+    m_gestures.pointerMoved(event->position());
 }
 
 void OverlayView::mouseReleaseEvent(QMouseEvent* event) {
