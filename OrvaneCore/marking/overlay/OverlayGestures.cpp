@@ -48,15 +48,18 @@ std::optional<MarkerHit> markerAt(const std::vector<Marker>& markers, const QPoi
     const auto hit = [](const Marker& marker, std::optional<Annotation::Handle> handle) {
         return MarkerHit{.id = marker.id, .rect = marker.rect, .handle = handle};
     };
-    for (auto marker = markers.rbegin(); marker != markers.rend(); ++marker) {
-        if (const std::optional<Annotation::Handle> handle = marker->cornerHandle(point, handleTolerance))
-            return hit(*marker, handle);
-    }
-    for (auto marker = markers.rbegin(); marker != markers.rend(); ++marker) {
-        if (marker->isOnBorder(point, outlineTolerance))
-            return hit(*marker, std::nullopt);
-    }
-    return std::nullopt;
+    const auto cornerAt = [&point](const Marker& marker) {
+        return marker.cornerHandle(point, handleTolerance);
+    };
+    const auto withCorner = std::find_if(markers.rbegin(), markers.rend(), [&cornerAt](const Marker& marker) {
+        return cornerAt(marker).has_value();
+    });
+    if (withCorner != markers.rend())
+        return hit(*withCorner, cornerAt(*withCorner));
+    const auto withBorder = std::find_if(markers.rbegin(), markers.rend(), [&point](const Marker& marker) {
+        return marker.isOnBorder(point, outlineTolerance);
+    });
+    return withBorder == markers.rend() ? std::nullopt : std::optional(hit(*withBorder, std::nullopt));
 }
 
 } // namespace

@@ -11,9 +11,11 @@
 
 #include <QPainterPath>
 #include <QRegion>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace orvane {
 
@@ -171,19 +173,29 @@ private:
     void drawRow(const QRectF& bar, const Dashes& dashes, const QColor& color) {
         const QRectF shown = QRectF(m_exposed.boundingRect()).adjusted(-1, -1, 1, 1);
         const qreal period = dashes.length + dashes.gap;
-        const qreal hidden = std::max(0.0, std::floor((shown.left() - bar.left()) / period));
-        const qreal end = std::min(bar.right(), shown.right());
-        for (qreal x = bar.left() + hidden * period; x < end; x += period)
+        const auto [first, end] = dashesWithin(shown.left() - bar.left(),
+                                               std::min(bar.right(), shown.right()) - bar.left(), period);
+        for (int i = first; i < end; ++i) {
+            const qreal x = bar.left() + i * period;
             drawDash({x, bar.top(), std::min(dashes.length, bar.right() - x), bar.height()}, color);
+        }
     }
 
     void drawColumn(const QRectF& bar, const Dashes& dashes, const QColor& color) {
         const QRectF shown = QRectF(m_exposed.boundingRect()).adjusted(-1, -1, 1, 1);
         const qreal period = dashes.length + dashes.gap;
-        const qreal hidden = std::max(0.0, std::floor((shown.top() - bar.top()) / period));
-        const qreal end = std::min(bar.bottom(), shown.bottom());
-        for (qreal y = bar.top() + hidden * period; y < end; y += period)
+        const auto [first, end] =
+            dashesWithin(shown.top() - bar.top(), std::min(bar.bottom(), shown.bottom()) - bar.top(), period);
+        for (int i = first; i < end; ++i) {
+            const qreal y = bar.top() + i * period;
             drawDash({bar.left(), y, bar.width(), std::min(dashes.length, bar.bottom() - y)}, color);
+        }
+    }
+
+    /// The numbers of the first dash and of the one after the last that show between two distances from the
+    /// end of the bar where the dashes begin.
+    static std::pair<int, int> dashesWithin(qreal from, qreal to, qreal period) {
+        return {std::max(0, qFloor(from / period)), std::max(0, qCeil(to / period))};
     }
 
     void drawDash(const QRectF& dash, const QColor& color) {

@@ -222,6 +222,15 @@ TEST(CarbonKeys, AreFoundByTheirCodes) {
         EXPECT_EQ(x11::carbonKey(code), nullptr) << code;
 }
 
+TEST(CarbonKeys, AreFoundByTheirPlaces) {
+    // As the kernel numbers the keys of a US keyboard (KEY_M is 50 and so on), 8 added.
+    const std::map<quint32, int> some{{58, 46}, {56, 11}, {32, 31}, {31, 34}, {39, 1}, {40, 2}, {38, 0}};
+    for (const auto& [keycode, code] : some)
+        EXPECT_EQ(x11::carbonKeyCodeAt(keycode), code) << keycode;
+    for (const quint32 keycode : {0U, 9U, 36U, 255U, 0xFFFFFFFFU})
+        EXPECT_EQ(x11::carbonKeyCodeAt(keycode), std::nullopt) << keycode;
+}
+
 TEST(CarbonKeys, AreAllDifferentAndHaveNames) {
     std::set<xcb_keysym_t> keysyms;
     std::set<xcb_keycode_t> places;
