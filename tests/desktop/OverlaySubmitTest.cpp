@@ -264,22 +264,22 @@ TEST_F(SubmissionOnTwoDisplays, HasAPictureOfEachDisplay) {
 TEST_F(SubmissionOnMixedScales, CropsInNativePixels) {
     const auto left = cover(u"1600x1200+0+0"_s, u"#800000"_s);
     const auto right = cover(u"1200x900+1600+0"_s, u"#000080"_s);
-    left->fill(QRect(400, 300, 200, 100), QColor(255, 255, 0));
-    right->fill(QRect(300, 300, 90, 60), QColor(0, 255, 255));
+    left->fill(QRect(401, 300, 199, 101), QColor(255, 255, 0));
+    right->fill(QRect(301, 302, 91, 64), QColor(0, 255, 255));
     show();
-    mark({400, 300}, {600, 400});
-    mark({1900, 300}, {1990, 360});
+    mark({401, 300}, {600, 401});
+    mark({1901, 302}, {1992, 366});
     press(u"Return"_s);
     ASSERT_TRUE(isSubmitted());
     const QImage first = picture(u"region-1.png"_s);
-    EXPECT_EQ(first.size(), QSize(200, 100));
+    EXPECT_EQ(first.size(), QSize(199, 101));
     EXPECT_TRUE(isFilled(first, first.rect(), 0xFFFFFF00));
     const QImage second = picture(u"region-2.png"_s);
-    EXPECT_EQ(second.size(), QSize(90, 60));
+    EXPECT_EQ(second.size(), QSize(91, 64));
     EXPECT_TRUE(isFilled(second, second.rect(), 0xFF00FFFF));
     const QString manifest = text(u"SESSION.md"_s);
-    EXPECT_TRUE(manifest.contains(u"100×50 pt = 200×100 px @2× (region-1.png)"_s)) << manifest.toStdString();
-    EXPECT_TRUE(manifest.contains(u"60×40 pt = 90×60 px @1.5× (region-2.png)"_s));
+    EXPECT_TRUE(manifest.contains(u"100×51 pt = 199×101 px @2× (region-1.png)"_s)) << manifest.toStdString();
+    EXPECT_TRUE(manifest.contains(u"61×43 pt = 91×64 px @1.5× (region-2.png)"_s));
 }
 
 } // namespace orvane::test

@@ -268,8 +268,10 @@ TEST_F(Overlay, ForgetsTheMarksOfTheLastTime) {
 
 TEST_F(Overlay, BearsTwoHundredRegions) {
     show();
-    for (int i = 0; i < 200; ++i)
-        manager.add(QRectF(20 + 60 * (i % 20), 60 + 60 * (i / 20), 40, 40), QString::number(i));
+    for (int i = 0; i < 200; ++i) {
+        const QPoint place(i % 20, i / 20);
+        manager.add(QRectF(QPoint(20, 60) + 60 * place, QSize(40, 40)), QString::number(i));
+    }
     drag({100, 670}, {160, 715});
     EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().size() == 201; }));
 }
@@ -341,6 +343,12 @@ TEST_F(OverlayWithADisplayOnTheLeft, MarksOnBoth) {
     EXPECT_EQ(marker(0).rect, QRectF(100, 200, 200, 100));
     EXPECT_EQ(marker(1).rect, QRectF(800, 100, 100, 100));
     EXPECT_TRUE(comesToShow({200, 200}, marker(0).color.rgb(), 60));
+}
+
+TEST_F(OverlayOnMixedScales, MarksSinglePixels) {
+    show();
+    mark({401, 201}, {600, 501});
+    EXPECT_EQ(marker(0).rect, QRectF(200.5, 100.5, 99.5, 150));
 }
 
 TEST_F(OverlayOnMixedScales, MarksInPoints) {

@@ -134,11 +134,9 @@ void OverlayController::cancelOverlay() {
 }
 
 void OverlayController::toggleOverlay() {
-    if (m_showAfterCapture)
-        m_showAfterCapture = false;
-    else if (m_isPreparing)
-        cancelOverlay();
-    else if (!isShown())
+    if (std::exchange(m_showAfterCapture, false))
+        return;
+    if (!isShown() && !m_isPreparing)
         showOverlay();
     else if (m_services.manager.markers().empty())
         cancelOverlay();

@@ -113,11 +113,14 @@ void OverlayView::placeControls() {
     m_palette->move((width() - m_palette->width()) / 2, m_bar->y() - paletteGap - m_palette->height());
 }
 
+// Where the pointer is within the window, which the view fills: Qt rounds what it tells a widget inside a
+// window to whole points, and a pixel may be less.
+
 void OverlayView::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
-        m_gestures.pointerPressed(event->position());
+        m_gestures.pointerPressed(event->scenePosition());
     else if (event->button() == Qt::RightButton)
-        m_gestures.rightPressed(event->position());
+        m_gestures.rightPressed(event->scenePosition());
 }
 
 void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -127,17 +130,17 @@ void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void OverlayView::mouseMoveEvent(QMouseEvent* event) {
     if (event->buttons().testFlag(Qt::LeftButton)) {
-        m_gestures.pointerDragged(event->position());
+        m_gestures.pointerDragged(event->scenePosition());
         return;
     }
     // The release of a gesture may have gone to another program that took the pointer.
     m_gestures.cancel();
-    m_gestures.pointerMoved(event->position());
+    m_gestures.pointerMoved(event->scenePosition());
 }
 
 void OverlayView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
-        m_gestures.pointerReleased(event->position());
+        m_gestures.pointerReleased(event->scenePosition());
 }
 
 void OverlayView::leaveEvent(QEvent* /*event*/) {
