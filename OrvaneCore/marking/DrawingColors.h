@@ -13,6 +13,11 @@ struct SystemColors {
     static constexpr QRgb purple = 0xFFAF52DE;
 };
 
+/// From 0, black, to 1, white.
+inline QColor gray(float white, float alpha = 1) {
+    return QColor::fromRgbF(white, white, white, alpha);
+}
+
 inline QColor withAlpha(QColor color, float alpha) {
     color.setAlphaF(alpha);
     return color;

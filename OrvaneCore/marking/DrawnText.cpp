@@ -15,6 +15,8 @@ namespace {
 // What Qt's fixed-point numbers hold.
 constexpr int widestLine = std::numeric_limits<int>::max() / 256;
 
+} // namespace
+
 QFont systemFont(int pixelSize, QFont::Weight weight) {
     // Not the desktop's own choice: pictures look the same whichever process draws them. A font that is made
     // without a family would start as a copy of the application's, with its slant, stretch and spacing.
@@ -25,8 +27,6 @@ QFont systemFont(int pixelSize, QFont::Weight weight) {
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
-
-} // namespace
 
 DrawnText::DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale)
     : m_layout(std::make_unique<QTextLayout>())

@@ -13,6 +13,9 @@ class QTextLayout;
 
 namespace orvane {
 
+/// The font of all that the program draws: the same on every desktop and in every process, without hinting.
+QFont systemFont(int pixelSize, QFont::Weight weight = QFont::Normal);
+
 /// A piece of text in the system font, measured and drawn by the same layout. It is laid out once at scale 1
 /// without hinting, so that its size at every scale is exactly in proportion and a plate made for it fits.
 /// Newlines break lines; any script. Needs a QGuiApplication; any thread.

@@ -1,5 +1,6 @@
 #include "OrvaneCore/storage/ToastPanel.h"
 
+#include "OrvaneCore/marking/DrawingColors.h"
 #include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/PainterState.h"
 #include "OrvaneCore/marking/SoftShadow.h"
@@ -23,21 +24,12 @@ constexpr int shadowMargin = 32;
 constexpr qreal shadowBlur = 20;
 constexpr QPointF shadowOffset(0, 6);
 
-QColor gray(qreal white, qreal alpha = 1) {
-    return QColor::fromRgbF(static_cast<float>(white), static_cast<float>(white), static_cast<float>(white),
-                            static_cast<float>(alpha));
-}
-
 /// Each line cut where it would be wider than there is room for.
 QString fitted(const QString& text, int pixelSize, QFont::Weight weight, qreal width) {
     const DrawnText whole(text, pixelSize, weight, 1);
     if (whole.size().width() <= width)
         return text;
-    QFont font(QStringList{u"sans-serif"_s});
-    font.setPixelSize(pixelSize);
-    font.setWeight(weight);
-    font.setHintingPreference(QFont::PreferNoHinting);
-    const QFontMetricsF metrics(font);
+    const QFontMetricsF metrics(systemFont(pixelSize, weight));
     QStringList lines = text.split(u'\n');
     for (QString& line : lines)
         line = metrics.elidedText(line, Qt::ElideRight, std::floor(width));
@@ -129,23 +121,23 @@ void ToastPanel::drawToast(QPainter& painter) const {
         QPainterPath around;
         around.addRect(rect());
         painter.setClipPath(around - shape);
-        drawSoftShadow(painter, shape, gray(0, 0.35), shadowBlur, shadowOffset);
+        drawSoftShadow(painter, shape, gray(0, 0.35F), shadowBlur, shadowOffset);
         painter.restore();
-        painter.fillPath(shape, gray(0.12, 0.9));
+        painter.fillPath(shape, gray(0.12F, 0.9F));
     } else {
-        painter.fillRect(rect(), gray(0.12));
+        painter.fillRect(rect(), gray(0.12F));
     }
     QPainterPath hairline;
     hairline.addRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), toast::cornerRadius - 0.5,
                             toast::cornerRadius - 0.5);
-    painter.strokePath(hairline, QPen(gray(0.25, 0.4), 1));
+    painter.strokePath(hairline, QPen(gray(0.25F, 0.4F), 1));
 
     painter.translate(m_margin, m_margin);
     if (!m_icon.isEmpty())
         drawSymbol(painter, m_icon, m_layout.icon, gray(1));
     m_title->draw(painter, m_layout.title, gray(1));
     if (m_subtitle)
-        m_subtitle->draw(painter, m_layout.subtitle, gray(0.6));
+        m_subtitle->draw(painter, m_layout.subtitle, gray(0.6F));
 }
 
 } // namespace orvane

@@ -1,6 +1,7 @@
 #include "OrvaneCore/marking/overlay/FirstMouseButton.h"
 
 #include "OrvaneCore/marking/DrawingColors.h"
+#include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/PainterState.h"
 #include "OrvaneCore/marking/overlay/WidgetLook.h"
 
@@ -79,14 +80,14 @@ void FirstMouseButton::paintEvent(QPaintEvent* /*event*/) {
         drawSwatch(painter);
     } else if (!m_glyph.isEmpty()) {
         painter.translate(QRectF(rect()).center());
-        painter.fillPath(m_glyph, look::white(isChecked() ? 1.0F : 0.85F));
+        painter.fillPath(m_glyph, gray(1, isChecked() ? 1.0F : 0.85F));
     } else {
         drawTitle(painter);
     }
 }
 
 QFont FirstMouseButton::titleFont() const {
-    return look::font(look::textPixelSize, m_isProminent ? QFont::DemiBold : QFont::Normal);
+    return systemFont(look::textPixelSize, m_isProminent ? QFont::DemiBold : QFont::Normal);
 }
 
 void FirstMouseButton::drawGround(QPainter& painter) const {
@@ -97,9 +98,9 @@ void FirstMouseButton::drawGround(QPainter& painter) const {
     else if (isChecked() && !m_swatch)
         painter.fillPath(outline, withAlpha(look::accent(), 0.45F));
     if (isDown())
-        painter.fillPath(outline, look::white(0.22F));
+        painter.fillPath(outline, gray(1, 0.22F));
     else if (underMouse())
-        painter.fillPath(outline, look::white(0.12F));
+        painter.fillPath(outline, gray(1, 0.12F));
 }
 
 void FirstMouseButton::drawTitle(QPainter& painter) const {
@@ -108,7 +109,7 @@ void FirstMouseButton::drawTitle(QPainter& painter) const {
     // In the middle: what a title ends with is the key to press.
     const QString shown = titleWidth() <= room ? m_title : metrics.elidedText(m_title, Qt::ElideMiddle, room);
     painter.setFont(titleFont());
-    painter.setPen(look::white(m_isProminent || isChecked() ? 1.0F : 0.85F));
+    painter.setPen(gray(1, m_isProminent || isChecked() ? 1.0F : 0.85F));
     painter.drawText(
         QPointF((width() - metrics.horizontalAdvance(shown)) / 2, (height() + metrics.capHeight()) / 2),
         shown);
@@ -121,7 +122,7 @@ void FirstMouseButton::drawSwatch(QPainter& painter) const {
     painter.drawEllipse(center, swatchRadius, swatchRadius);
     painter.setBrush(Qt::NoBrush);
     // Without it the black one would be a hole in the dark.
-    painter.setPen(QPen(look::white(0.35F), 1));
+    painter.setPen(QPen(gray(1, 0.35F), 1));
     painter.drawEllipse(center, swatchRadius - 0.5, swatchRadius - 0.5);
     if (isChecked()) {
         painter.setPen(QPen(Qt::white, ringWidth));

@@ -1,5 +1,6 @@
 #include "OrvaneCore/marking/overlay/MarkupPalette.h"
 
+#include "OrvaneCore/marking/DrawingColors.h"
 #include "OrvaneCore/marking/PainterState.h"
 #include "OrvaneCore/marking/Palettes.h"
 #include "OrvaneCore/marking/overlay/FirstMouseButton.h"
@@ -108,12 +109,12 @@ void MarkupPalette::paintEvent(QPaintEvent* /*event*/) {
     outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
     look::drawPlate(painter, outline);
     for (const QRect& divider : m_dividers)
-        painter.fillRect(divider, look::white(0.2F));
+        painter.fillRect(divider, gray(1, 0.2F));
     if (!m_isDraggable)
         return;
     const PainterState state(painter);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(look::white(0.4F));
+    painter.setBrush(gray(1, 0.4F));
     for (const qreal x : {9.0, 13.5}) {
         for (const qreal y : {-5.0, 0.0, 5.0})
             painter.drawEllipse(QPointF(x, height() / 2.0 + y), 1.25, 1.25);

@@ -1,5 +1,7 @@
 #include "OrvaneCore/marking/overlay/OverlayBar.h"
 
+#include "OrvaneCore/marking/DrawingColors.h"
+#include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/PainterState.h"
 #include "OrvaneCore/marking/overlay/FirstMouseButton.h"
 #include "OrvaneCore/marking/overlay/OverlayBarLayout.h"
@@ -41,7 +43,7 @@ public:
     }
 
     int contentWidth() const {
-        const QFontMetricsF metrics(look::font());
+        const QFontMetricsF metrics(systemFont(look::textPixelSize));
         return static_cast<int>(std::ceil(metrics.horizontalAdvance(m_text))) + hintPadding + iconWidth();
     }
 
@@ -49,9 +51,9 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
         const PainterState state(painter);
-        const QFontMetricsF metrics(look::font());
-        painter.setFont(look::font());
-        painter.setPen(look::white(0.6F));
+        const QFontMetricsF metrics(systemFont(look::textPixelSize));
+        painter.setFont(systemFont(look::textPixelSize));
+        painter.setPen(gray(1, 0.6F));
         const int room = width() - hintPadding - iconWidth();
         painter.drawText(QPointF(hintPadding, (height() + metrics.capHeight()) / 2),
                          width() >= contentWidth() ? m_text
@@ -99,7 +101,7 @@ void OverlayBar::paintEvent(QPaintEvent* /*event*/) {
     QPainterPath outline;
     outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
     look::drawPlate(painter, outline);
-    painter.fillRect(m_divider, look::white(0.2F));
+    painter.fillRect(m_divider, gray(1, 0.2F));
 }
 
 FirstMouseButton* OverlayBar::addButton(const char16_t* name, OverlayCommand command,

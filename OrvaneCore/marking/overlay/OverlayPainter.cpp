@@ -32,10 +32,6 @@ struct Dashes {
 constexpr Dashes crosshairDashes{4, 4};
 constexpr Dashes outlineDashes{6, 4};
 
-QColor plateColor(float alpha) {
-    return QColor::fromRgbF(0.12F, 0.12F, 0.12F, alpha);
-}
-
 /// One scene on its way to one painter.
 class ScenePainting {
 public:
@@ -92,11 +88,11 @@ private:
         MarkerPainter::draw(m_painter, marker, *region, 1, MarkerStyle::onOverlay,
                             m_scene.modes.spotlight ? MarkerPainter::Spotlight::on
                                                     : MarkerPainter::Spotlight::off);
-        drawPlate(OverlayLayout::sizeTag(*region, m_scene.size), 3, plateColor(1), OverlayFont::sizeTag,
+        drawPlate(OverlayLayout::sizeTag(*region, m_scene.size), 3, gray(0.12F, 1), OverlayFont::sizeTag,
                   sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
         if (marker.label.isEmpty() && !m_scene.modes.ocr) {
             // White alone could not be read on a white window.
-            drawPlate(OverlayLayout::hint(*region), 6, plateColor(0.6F), OverlayFont::hint, labelHintText(),
+            drawPlate(OverlayLayout::hint(*region), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
                       withAlpha(Qt::white, 0.75F));
         }
     }
@@ -112,7 +108,7 @@ private:
         const qreal height = outer.height() - 2 * outlineWidth;
         for (const qreal x : {outer.left(), outer.right() - outlineWidth})
             drawColumn({x, outer.top() + outlineWidth, outlineWidth, height}, outlineDashes, color);
-        drawPlate(OverlayLayout::dimensionLabel(rect, m_scene.size), 4, plateColor(0.9F), OverlayFont::plate,
+        drawPlate(OverlayLayout::dimensionLabel(rect, m_scene.size), 4, gray(0.12F, 0.9F), OverlayFont::plate,
                   dimensionText(rect.size()), Qt::white);
     }
 
@@ -147,7 +143,7 @@ private:
         drawRow({0, corner.y(), view.width(), crosshairWidth}, crosshairDashes, color);
         drawColumn({corner.x(), 0, crosshairWidth, view.height()}, crosshairDashes, color);
         const QString text = coordinateText(m_scene, pointer);
-        drawPlate(OverlayLayout::coordinatePlate(pointer, text, view), 4, plateColor(0.9F),
+        drawPlate(OverlayLayout::coordinatePlate(pointer, text, view), 4, gray(0.12F, 0.9F),
                   OverlayFont::plate, text, Qt::white);
     }
 

@@ -1,5 +1,7 @@
 #include "OrvaneCore/marking/overlay/PopoverBubble.h"
 
+#include "OrvaneCore/marking/DrawingColors.h"
+#include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/overlay/WidgetLook.h"
 
 #include <QCoreApplication>
@@ -56,12 +58,12 @@ void PopoverBubble::setEditor(QWidget* editor, const QSize& editorSize) {
     editor->installEventFilter(this);
     // A menu would be a window of its own.
     editor->setContextMenuPolicy(Qt::NoContextMenu);
-    editor->setFont(look::font());
+    editor->setFont(systemFont(look::textPixelSize));
     QPalette colors = editor->palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     colors.setColor(QPalette::Window, Qt::transparent);
     colors.setColor(QPalette::Text, Qt::white);
-    colors.setColor(QPalette::PlaceholderText, look::white(0.45F));
+    colors.setColor(QPalette::PlaceholderText, gray(1, 0.45F));
     colors.setColor(QPalette::Highlight, look::accent());
     colors.setColor(QPalette::HighlightedText, Qt::white);
     editor->setPalette(colors);

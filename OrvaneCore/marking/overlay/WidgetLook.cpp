@@ -7,24 +7,8 @@
 
 namespace orvane::look {
 
-using namespace Qt::StringLiterals;
-
-QFont font(int pixelSize, QFont::Weight weight) {
-    // With a family from the start: without one it would copy the application's font.
-    QFont result(QStringList{u"sans-serif"_s});
-    result.setStyleHint(QFont::SansSerif);
-    result.setPixelSize(pixelSize);
-    result.setWeight(weight);
-    result.setHintingPreference(QFont::PreferNoHinting);
-    return result;
-}
-
-QColor white(float alpha) {
-    return withAlpha(Qt::white, alpha);
-}
-
 QColor ground() {
-    return QColor::fromRgbF(0.12F, 0.12F, 0.12F, 0.92F);
+    return gray(0.12F, 0.92F);
 }
 
 QColor accent() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QColor>
-#include <QFont>
 
 class QPainter;
 class QPainterPath;
@@ -17,10 +16,6 @@ inline constexpr int stripHeight = 44;
 
 inline constexpr int textPixelSize = 13;
 
-/// The system font, the same as in the pictures that are made.
-QFont font(int pixelSize = textPixelSize, QFont::Weight weight = QFont::Normal);
-
-QColor white(float alpha);
 /// The dark that everything stands on; the screen below shimmers through.
 QColor ground();
 /// What is switched on, or to be pressed next.
