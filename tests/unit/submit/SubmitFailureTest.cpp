@@ -214,8 +214,10 @@ TEST_F(SubmitFailure, RegionsThatAreNoneHarmNothing) {
 TEST_F(SubmitFailure, AHundredRegionsAreAHundredFiles) {
     std::vector<Marker> markers;
     markers.reserve(100);
-    for (int i = 0; i < 100; ++i)
-        markers.push_back(marker(i + 1, {i % 10 * 40.0, i / 10 * 30.0, 40, 30}, QString(10000, u'x')));
+    for (int i = 0; i < 100; ++i) {
+        const QPoint place(i % 10 * 40, i / 10 * 30);
+        markers.push_back(marker(i + 1, QRectF(place, QSize(40, 30)), QString(10000, u'x')));
+    }
     const auto result = submit(request(markers));
     ASSERT_TRUE(result);
     EXPECT_EQ(files().size(), 102);
