@@ -12,7 +12,6 @@ namespace orvane {
 
 namespace {
 
-constexpr double listingLimitSeconds = 5.0;
 constexpr int scaleWithoutDisplay = 2;
 // A window below this many pixels is thought to be too small to see, or its frame to be stale.
 constexpr int smallestSide = 100;

@@ -11,6 +11,9 @@
 
 namespace orvane {
 
+/// How long a desktop may take to tell what there is on it.
+inline constexpr double listingLimitSeconds = 5.0;
+
 /// Runs `operation(std::stop_token)` on a thread of its own and gives its result or exception. After
 /// `seconds` the operation is asked to stop, which it must do soon; when it has,
 /// OrvaneError::permissionDenied is thrown: a desktop that does not answer is what a missing permission looks

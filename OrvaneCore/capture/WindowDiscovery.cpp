@@ -14,7 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr double listingLimitSeconds = 5.0;
 // Two snapshots of a moving window may differ by this much and still mean the same window.
 constexpr qreal boundsTolerance = 10.0;
 

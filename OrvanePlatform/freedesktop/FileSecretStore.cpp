@@ -5,7 +5,6 @@
 #include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QMutexLocker>
@@ -14,15 +13,7 @@ namespace orvane::freedesktop {
 
 namespace {
 
-constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-constexpr qint64 largestFile = qint64{1024} * 1024;
-
-/// A folder made here is for the user alone, as the XDG base directory rules ask.
-void makeFolderOf(const QString& path) {
-    const QString folder = QFileInfo(path).path();
-    if (!QFileInfo::exists(folder) && QDir().mkpath(folder))
-        QFile::setPermissions(folder, ownerOnly | QFileDevice::ExeOwner);
-}
+constexpr qint64 largestSecrets = qint64{1024} * 1024;
 
 } // namespace
 
@@ -56,7 +47,7 @@ bool FileSecretStore::remove(const QString& key) {
 }
 
 QJsonObject FileSecretStore::read() const {
-    return QJsonDocument::fromJson(readPlainFile(m_filePath, largestFile).value_or(QByteArray())).object();
+    return QJsonDocument::fromJson(readPlainFile(m_filePath, largestSecrets).value_or(QByteArray())).object();
 }
 
 bool FileSecretStore::write(const QJsonObject& secrets) const {

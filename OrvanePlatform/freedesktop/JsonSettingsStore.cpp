@@ -25,9 +25,7 @@ constexpr int turnTimeoutMs = 3000;
 constexpr int turnPollMs = 5;
 /// How long a lock file that does not even name its process may stand in the way.
 constexpr int staleLockMs = 1000;
-constexpr qint64 largestFile = qint64(16) * 1024 * 1024;
-
-constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+constexpr qint64 largestSettings = qint64(16) * 1024 * 1024;
 
 struct FileContent {
     enum class State { missing, object, damaged, unreadable };
@@ -40,7 +38,7 @@ struct FileContent {
 
 FileContent parse(const QByteArray& bytes) {
     using State = FileContent::State;
-    if (bytes.size() > largestFile) {
+    if (bytes.size() > largestSettings) {
         return {State::damaged, {}, QStringLiteral("it is too large")};
     }
     QJsonParseError error{};
@@ -68,7 +66,7 @@ FileContent readSettings(const QString& path) {
     if (!file.open(QIODevice::ReadOnly)) {
         return {State::unreadable, {}, file.errorString()};
     }
-    const QByteArray bytes = file.read(largestFile + 1);
+    const QByteArray bytes = file.read(largestSettings + 1);
     if (file.error() != QFileDevice::NoError) {
         return {State::unreadable, {}, file.errorString()};
     }
@@ -139,14 +137,6 @@ std::optional<QString> replaceSettings(const QString& path, const QJsonObject& s
     }
     file.write(QJsonDocument(settings).toJson());
     return file.commit() ? std::nullopt : std::optional(file.errorString());
-}
-
-/// A folder made here is for the user alone, as the XDG base directory rules ask.
-void makeFolderOf(const QString& path) {
-    const QString folder = QFileInfo(path).path();
-    if (!QFileInfo::exists(folder) && QDir().mkpath(folder)) {
-        QFile::setPermissions(folder, ownerOnly | QFileDevice::ExeOwner);
-    }
 }
 
 } // namespace

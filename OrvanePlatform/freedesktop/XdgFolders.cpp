@@ -1,6 +1,8 @@
 #include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 namespace orvane::freedesktop {
 
@@ -22,6 +24,12 @@ QString configHome() {
 
 QString dataHome() {
     return folderFrom("XDG_DATA_HOME", u".local/share"_s);
+}
+
+void makeFolderOf(const QString& path) {
+    const QString folder = QFileInfo(path).path();
+    if (!QFileInfo::exists(folder) && QDir().mkpath(folder))
+        QFile::setPermissions(folder, ownerOnly | QFileDevice::ExeOwner);
 }
 
 } // namespace orvane::freedesktop

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFileDevice>
 #include <QString>
 
 namespace orvane::freedesktop {
@@ -10,5 +11,11 @@ QString configHome();
 
 /// $XDG_DATA_HOME, or ~/.local/share in the same way.
 QString dataHome();
+
+/// What files for the user alone are made with.
+inline constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+
+/// Makes the folder of a file where there is none: for the user alone, as the same rules ask.
+void makeFolderOf(const QString& path);
 
 } // namespace orvane::freedesktop
