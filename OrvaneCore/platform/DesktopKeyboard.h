@@ -11,9 +11,9 @@ class DesktopKeyboard {
 public:
     virtual ~DesktopKeyboard() = default;
 
-    /// Gives the keyboard to a window of this process, named as QWidget::winId does. False when that is not
-    /// to be had now, for example because the window is not on the screen yet.
-    virtual bool give(quintptr window) = 0;
+    /// Asks for the keyboard for a window of this process, named as QWidget::winId does, and waits for
+    /// nothing. Nothing happens where the window is not on the screen yet.
+    virtual void give(quintptr window) = 0;
 
     /// Gives the keyboard to whoever had it before `give`, unless the user has given it to somebody else
     /// meanwhile.

@@ -20,7 +20,7 @@ private:
 /// No keyboard to give to windows.
 class NoKeyboard final : public DesktopKeyboard {
 public:
-    bool give(quintptr /*window*/) override { return false; }
+    void give(quintptr /*window*/) override {}
     void giveBack() override {}
     std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return std::nullopt; }
 };

@@ -2,6 +2,7 @@
 #include "tests/desktop/OverlayFixture.h"
 
 #include <QClipboard>
+#include <QPaintEvent>
 #include <QPushButton>
 
 namespace orvane::test {
@@ -104,6 +105,31 @@ TEST_F(Overlay, HasAWayOutByMouse) {
     // The first click counts, even though the window does not have the keyboard.
     clickAt(buttonAt(u"Cancel (esc)"_s));
     EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+}
+
+TEST_F(Overlay, IsPaintedAsAWholeOnce) {
+    class WholePaints : public QObject {
+    public:
+        int count = 0;
+
+    protected:
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (event->type() == QEvent::Paint) {
+                const QSize whole = static_cast<QWidget*>(watched)->size();
+                qint64 area = 0;
+                for (const QRect& part : static_cast<QPaintEvent*>(event)->region())
+                    area += qint64(part.width()) * part.height();
+                if (area > qint64(whole.width()) * whole.height() / 2)
+                    ++count;
+            }
+            return false;
+        }
+    } paints;
+    controller.showOverlay();
+    window().view().installEventFilter(&paints);
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow() && paints.count > 0; }));
+    mark({200, 200}, {500, 400});
+    EXPECT_EQ(paints.count, 1);
 }
 
 TEST_F(Overlay, MarksARegionAndItsLabel) {

@@ -16,8 +16,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto keyboardRetry = 10ms;
-constexpr int keyboardTries = 200;
+constexpr auto keyboardRetry = 20ms;
+constexpr int keyboardTries = 100;
 
 } // namespace
 
@@ -33,10 +33,11 @@ OverlayWindow::OverlayWindow(const OverlayDocument& document, QScreen& screen, c
     setAttribute(Qt::WA_OpaquePaintEvent, !m_frozen.isNull());
     setWindowTitle(u"Orvane overlay"_s);
     setFocusProxy(m_view);
-    m_keyboardTimer.setSingleShot(true);
     connect(&m_keyboardTimer, &QTimer::timeout, this, [this] {
-        if (!m_keyboard.give(winId()) && ++m_keyboardTries < keyboardTries)
-            m_keyboardTimer.start(keyboardRetry);
+        if (isActiveWindow() || ++m_keyboardTries > keyboardTries)
+            m_keyboardTimer.stop();
+        else
+            m_keyboard.give(winId());
     });
     winId();
     windowHandle()->setScreen(&screen);
@@ -54,7 +55,14 @@ void OverlayWindow::coverScreen() {
 void OverlayWindow::takeKeyboard() {
     m_view->setFocus();
     m_keyboardTries = 0;
-    m_keyboardTimer.start(0);
+    m_keyboardTimer.start(keyboardRetry);
+}
+
+bool OverlayWindow::event(QEvent* event) {
+    // A widget would be painted anew as a whole here, though this one looks the same.
+    const bool changesNothing =
+        event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate;
+    return changesNothing || QWidget::event(event);
 }
 
 void OverlayWindow::paintEvent(QPaintEvent* event) {
@@ -78,8 +86,10 @@ void OverlayWindow::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 bool OverlayWindow::eventFilter(QObject* watched, QEvent* event) {
-    // Wherever in the window the press lands, it brings back a keyboard that was lost.
-    if (event->type() == QEvent::MouseButtonPress && !isActiveWindow())
+    // Before it is painted for the first time, so that the first key finds it there. Later, wherever in the
+    // window a press lands, it brings back a keyboard that was lost.
+    const bool isShowing = event->type() == QEvent::Expose && m_keyboardTimer.isActive();
+    if ((isShowing || event->type() == QEvent::MouseButtonPress) && !isActiveWindow())
         m_keyboard.give(winId());
     return QWidget::eventFilter(watched, event);
 }

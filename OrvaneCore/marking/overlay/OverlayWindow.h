@@ -30,10 +30,11 @@ public:
     /// Follows the display to where it is now.
     void coverScreen();
 
-    /// Asks for the keyboard until the window has it; it can be given only to what is on the screen.
+    /// Asks for the keyboard as soon as the window is on the screen, and until it has it.
     void takeKeyboard();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -24,10 +24,12 @@ export class Human {
         this.xdotool("key", key);
     }
 
-    /// Presses the hotkey and waits until the screen is dimmed.
+    /// Presses the hotkey and waits until the screen is dimmed and the overlay has the keyboard.
     async openOverlay(dimmed) {
         this.press("super+ctrl+p");
         await until("the overlay shows", () => this.shows(dimmed));
+        await until("the overlay has the keyboard", () =>
+            this.desktop.run("xdotool", "getwindowfocus", "getwindowname").toString().startsWith("Orvane overlay"));
     }
 
     async overlayIsGone() {
