@@ -58,9 +58,9 @@ def end(process):
 class Desktop:
     """A private virtual desktop with windows of its own."""
 
-    def __init__(self, stack, width, height):
+    def __init__(self, stack, width, height, options):
         holder = subprocess.Popen(
-            [os.path.join(PROJECT, "scripts/with-desktop"), "--size", f"{width}x{height}", "--",
+            [os.path.join(PROJECT, "scripts/with-desktop"), "--size", f"{width}x{height}", *options, "--",
              "sh", "-c", "env -0; exec 1>&-; cat >/dev/null"],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         # Closing its input ends the desktop.
@@ -189,9 +189,10 @@ class Server:
 
 
 @contextlib.contextmanager
-def desktop(width=WIDTH, height=HEIGHT):
+def desktop(width=WIDTH, height=HEIGHT, options=()):
+    """`options` are further ones of scripts/with-desktop."""
     with contextlib.ExitStack() as stack:
-        yield Desktop(stack, width, height)
+        yield Desktop(stack, width, height, options)
 
 
 def newest_capture(place):
