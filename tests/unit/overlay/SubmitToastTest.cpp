@@ -8,9 +8,9 @@ namespace orvane {
 
 using namespace Qt::StringLiterals;
 
-void PrintTo(const SubmitToast& toast, std::ostream* stream) {
-    *stream << toast.title.toStdString() << " | " << toast.subtitle.toStdString() << " | "
-            << toast.icon.toStdString();
+std::ostream& operator<<(std::ostream& stream, const SubmitToast& toast) {
+    return stream << toast.title.toStdString() << " | " << toast.subtitle.toStdString() << " | "
+                  << toast.icon.toStdString();
 }
 
 namespace {
