@@ -15,25 +15,37 @@ namespace {
 // What Qt's fixed-point numbers hold.
 constexpr int widestLine = std::numeric_limits<int>::max() / 256;
 
-} // namespace
-
-QFont systemFont(int pixelSize, QFont::Weight weight) {
-    // Not the desktop's own choice: pictures look the same whichever process draws them. A font that is made
-    // without a family would start as a copy of the application's, with its slant, stretch and spacing.
-    QFont font(QStringList{u"sans-serif"_s});
-    font.setStyleHint(QFont::SansSerif);
+QFont drawnFont(const QString& family, QFont::StyleHint hint, int pixelSize, QFont::Weight weight) {
+    // A font that is made without a family would start as a copy of the application's, with its slant,
+    // stretch and spacing.
+    QFont font(QStringList{family});
+    font.setStyleHint(hint);
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
 
+} // namespace
+
+QFont systemFont(int pixelSize, QFont::Weight weight) {
+    // Not the desktop's own choice: pictures look the same whichever process draws them.
+    return drawnFont(u"sans-serif"_s, QFont::SansSerif, pixelSize, weight);
+}
+
+QFont monospacedFont(int pixelSize) {
+    return drawnFont(u"monospace"_s, QFont::Monospace, pixelSize, QFont::Normal);
+}
+
 DrawnText::DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale)
+    : DrawnText(text, systemFont(pixelSize, weight), scale) {}
+
+DrawnText::DrawnText(const QString& text, const QFont& font, qreal scale)
     : m_layout(std::make_unique<QTextLayout>())
     , m_scale(scale) {
     QString lines = text;
     m_layout->setText(lines.replace(u'\n', QChar::LineSeparator));
-    m_layout->setFont(systemFont(pixelSize, weight));
+    m_layout->setFont(font);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     m_layout->setTextOption(option);

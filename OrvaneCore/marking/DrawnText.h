@@ -16,13 +16,17 @@ namespace orvane {
 /// The font of all that the program draws: the same on every desktop and in every process, without hinting.
 QFont systemFont(int pixelSize, QFont::Weight weight = QFont::Normal);
 
-/// A piece of text in the system font, measured and drawn by the same layout. It is laid out once at scale 1
-/// without hinting, so that its size at every scale is exactly in proportion and a plate made for it fits.
-/// Newlines break lines; any script. Needs a QGuiApplication; any thread.
+/// The same for text whose characters are all equally wide.
+QFont monospacedFont(int pixelSize);
+
+/// A piece of text in the system font or another one, measured and drawn by the same layout. It is laid out
+/// once at scale 1 without hinting, so that its size at every scale is exactly in proportion and a plate made
+/// for it fits. Newlines break lines; any script. Needs a QGuiApplication; any thread.
 class DrawnText {
 public:
     /// `pixelSize` is that of the font at scale 1; `scale` is finite and positive.
     DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale);
+    DrawnText(const QString& text, const QFont& font, qreal scale);
     ~DrawnText();
     DrawnText(const DrawnText&) = delete;
     DrawnText& operator=(const DrawnText&) = delete;

@@ -78,11 +78,9 @@ public:
                "automation (macOS click coordinates are points).\n\n"_s;
     }
 
-    QString drawingsNote() const {
-        return m_result.annotations.empty()
-                   ? QString()
-                   : u"> Note: arrows, boxes, ellipses, highlights, and text in these images are user "
-                     "annotations added with Orvane \u2014 not part of the captured UI.\n\n"_s;
+    QString note() const {
+        const QString text = drawingsNote(m_result.annotations);
+        return text.isEmpty() ? text : u"> "_s + text + u'\n';
     }
 
     QString displays() const {
@@ -203,8 +201,8 @@ private:
 QString snapshotManifest(const SubmitResult& result, const MarkupModes& modes,
                          const std::vector<Display>& displays, const QDateTime& timestamp) {
     const ManifestText text(result, displays, timestamp.toUTC().toString(Qt::ISODate));
-    return text.header(modes.spotlight) + text.drawingsNote() + text.displays() + text.regions() +
-           text.files() + text.timeline();
+    return text.header(modes.spotlight) + text.note() + text.displays() + text.regions() + text.files() +
+           text.timeline();
 }
 
 } // namespace orvane

@@ -13,9 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString drawingsNote = u"Note: arrows, boxes, ellipses, highlights, and text in these images are user "
-                             "annotations added with Orvane \u2014 not part of the captured UI.\n"_s;
-
 bool hasText(const Marker& marker) {
     return marker.recognizedText && !marker.recognizedText->isEmpty();
 }
@@ -49,6 +46,13 @@ QString regionDescription(const Marker& marker) {
 }
 
 } // namespace
+
+QString drawingsNote(const std::vector<Annotation>& annotations) {
+    return annotations.empty()
+               ? QString()
+               : u"Note: arrows, boxes, ellipses, highlights, and text in these images are user "
+                 "annotations added with Orvane \u2014 not part of the captured UI.\n"_s;
+}
 
 std::map<int, QString> markupNotes(const std::vector<Annotation>& annotations) {
     std::map<int, QString> notes;
@@ -95,8 +99,7 @@ QString normalClipboardText(const SubmitResult& result, const QString& sessionPa
     text += u"Manifest: "_s + sessionPath + u"/SESSION.md\n"_s;
     if (spotlight)
         text += u"Privacy: spotlight on \u2014 background blurred; use region crops for detail.\n"_s;
-    if (!result.annotations.empty())
-        text += drawingsNote;
+    text += drawingsNote(result.annotations);
     const std::map<int, QString> notes = markupNotes(result.annotations);
     for (const Marker& marker : result.allMarkers)
         text += u"  ["_s + QString::number(marker.index) + u"] "_s +
@@ -109,8 +112,7 @@ QString directSendMetadataText(const SubmitResult& result, const QString& sessio
                                const QString& target) {
     QString text = u"[Orvane] "_s + QString::number(result.allMarkers.size()) +
                    u" region(s) sent as images \u2192 "_s + target + u'\n';
-    if (!result.annotations.empty())
-        text += drawingsNote;
+    text += drawingsNote(result.annotations);
     text += u"Attached images, in order:\n"_s;
     const std::map<int, QString> notes = markupNotes(result.annotations);
     for (std::size_t i = 0; i < result.allMarkers.size(); ++i) {

@@ -12,6 +12,9 @@ namespace orvane {
 // The short texts about a session: onto the clipboard, after pictures that are sent, into `ocr.txt`. Agents
 // match on their words. All of it is pure. `sessionPath` is the session's folder as it is shown to people.
 
+/// What is to be said of the pictures where something was drawn, as a line; empty where nothing was.
+QString drawingsNote(const std::vector<Annotation>& annotations);
+
 /// By the index of the region: what was drawn in it, in the order of drawing.
 std::map<int, QString> markupNotes(const std::vector<Annotation>& annotations);
 

@@ -74,6 +74,14 @@ protected:
         runCommand(u"xdotool"_s, {u"type"_s, u"--delay"_s, u"5"_s, text});
     }
 
+    /// Writes a text into the editor that is opening, and closes it.
+    static void write(const QString& text) {
+        ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+        type(text);
+        press(u"Return"_s);
+        ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    }
+
     static void press(const QString& key) { runCommand(u"xdotool"_s, {u"key"_s, key}); }
 
     /// What an X client gets from the clipboard in a format; nothing when there is none.

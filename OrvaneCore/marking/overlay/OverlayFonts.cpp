@@ -2,7 +2,6 @@
 
 #include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
-#include "OrvaneCore/marking/overlay/MonospacedText.h"
 
 #include <QCache>
 
@@ -14,9 +13,7 @@ namespace orvane {
 namespace {
 
 struct Face {
-    bool isMonospaced = false;
-    int pixelSize = 0;
-    QFont::Weight weight = QFont::Normal;
+    QFont font;
     /// The text is padded with spaces, which a layout would leave out at the end of a line.
     bool keepsSpaces = false;
 };
@@ -24,36 +21,30 @@ struct Face {
 Face faceOf(OverlayFont font) {
     switch (font) {
     case OverlayFont::label:
-        return {.pixelSize = MarkerStyle::onOverlay.labelPixelSize,
-                .weight = MarkerStyle::onOverlay.labelWeight};
+        return {.font =
+                    systemFont(MarkerStyle::onOverlay.labelPixelSize, MarkerStyle::onOverlay.labelWeight)};
     case OverlayFont::hint:
-        return {.pixelSize = 11, .keepsSpaces = true};
+        return {.font = systemFont(11), .keepsSpaces = true};
     case OverlayFont::instructions:
-        return {.pixelSize = 14, .weight = QFont::Medium, .keepsSpaces = true};
+        return {.font = systemFont(14, QFont::Medium), .keepsSpaces = true};
     case OverlayFont::shapeText:
-        return {.pixelSize = 15, .weight = QFont::Bold};
+        return {.font = systemFont(15, QFont::Bold)};
     case OverlayFont::shapeLabel:
-        return {.pixelSize = 12, .weight = QFont::DemiBold};
+        return {.font = systemFont(12, QFont::DemiBold)};
     case OverlayFont::sizeTag:
-        return {.isMonospaced = true, .pixelSize = 10};
+        return {.font = monospacedFont(10), .keepsSpaces = true};
     case OverlayFont::plate:
         break;
     }
-    return {.isMonospaced = true, .pixelSize = 11};
+    return {.font = monospacedFont(11), .keepsSpaces = true};
 }
 
-QString laidOut(const Face& face, const QString& text) {
-    QString result = text;
-    if (face.keepsSpaces)
-        result.replace(u' ', QChar::Nbsp);
-    return result;
-}
-
-QSizeF measured(OverlayFont font, const QString& text) {
+/// The text as it is laid out, once for measuring it and once for drawing it.
+DrawnText laidOut(OverlayFont font, QString text) {
     const Face face = faceOf(font);
-    if (face.isMonospaced)
-        return MonospacedText(text, face.pixelSize).size();
-    return DrawnText(laidOut(face, text), face.pixelSize, face.weight, 1).size();
+    if (face.keepsSpaces)
+        text.replace(u' ', QChar::Nbsp);
+    return {text, face.font, 1};
 }
 
 } // namespace
@@ -68,7 +59,7 @@ QSizeF overlayTextSize(OverlayFont font, const QString& text) {
     const Key key(static_cast<int>(font), text);
     if (const QSizeF* known = sizes.object(key))
         return *known;
-    const QSizeF size = measured(font, text);
+    const QSizeF size = laidOut(font, text).size();
     // The cache owns what it is given, and takes it at once out again when it is too large.
     auto kept = std::make_unique<QSizeF>(size);
     sizes.insert(key, kept.release(), perText + text.size());
@@ -77,11 +68,7 @@ QSizeF overlayTextSize(OverlayFont font, const QString& text) {
 
 void drawOverlayText(QPainter& painter, OverlayFont font, const QString& text, const QPointF& topLeft,
                      const QColor& color) {
-    const Face face = faceOf(font);
-    if (face.isMonospaced)
-        MonospacedText(text, face.pixelSize).draw(painter, topLeft, color);
-    else
-        DrawnText(laidOut(face, text), face.pixelSize, face.weight, 1).draw(painter, topLeft, color);
+    laidOut(font, text).draw(painter, topLeft, color);
 }
 
 } // namespace orvane

@@ -97,14 +97,8 @@ void OverlayView::closeTextEditor() {
         m_textEditor->closePopover();
 }
 
-// A widget is painted anew as a whole when it gets the focus or its window is activated. This one looks the
-// same, and on a large display that would be the most work that there is.
-
-bool OverlayView::event(QEvent* event) {
-    const bool changesNothing =
-        event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate;
-    return changesNothing || QWidget::event(event);
-}
+// A widget is painted anew as a whole when the focus comes or goes. This one looks the same, and on a large
+// display that would be the most work that there is.
 
 void OverlayView::focusInEvent(QFocusEvent* /*event*/) {}
 

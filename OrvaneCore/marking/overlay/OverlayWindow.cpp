@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPalette>
 #include <QWindow>
 
 #include <chrono>
@@ -19,6 +20,17 @@ namespace {
 constexpr auto keyboardRetry = 20ms;
 constexpr int keyboardTries = 100;
 
+/// The same whether or not the window has the keyboard: where it differs, a widget is painted anew as a whole
+/// with each change, which on a large display is the most work that there is.
+QPalette steadyPalette() {
+    QPalette palette;
+    for (int role = 0; role < QPalette::NColorRoles; ++role) {
+        const auto colorRole = static_cast<QPalette::ColorRole>(role);
+        palette.setBrush(QPalette::Inactive, colorRole, palette.brush(QPalette::Active, colorRole));
+    }
+    return palette;
+}
+
 } // namespace
 
 OverlayWindow::OverlayWindow(const OverlayDocument& document, QScreen& screen, const QImage& frozen)
@@ -31,6 +43,7 @@ OverlayWindow::OverlayWindow(const OverlayDocument& document, QScreen& screen, c
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_TranslucentBackground, m_frozen.isNull());
     setAttribute(Qt::WA_OpaquePaintEvent, !m_frozen.isNull());
+    setPalette(steadyPalette());
     setWindowTitle(u"Orvane overlay"_s);
     setFocusProxy(m_view);
     connect(&m_keyboardTimer, &QTimer::timeout, this, [this] {
@@ -56,13 +69,6 @@ void OverlayWindow::takeKeyboard() {
     m_view->setFocus();
     m_keyboardTries = 0;
     m_keyboardTimer.start(keyboardRetry);
-}
-
-bool OverlayWindow::event(QEvent* event) {
-    // A widget would be painted anew as a whole here, though this one looks the same.
-    const bool changesNothing =
-        event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate;
-    return changesNothing || QWidget::event(event);
 }
 
 void OverlayWindow::paintEvent(QPaintEvent* event) {

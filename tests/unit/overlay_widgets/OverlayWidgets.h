@@ -10,6 +10,8 @@
 #include <QWidget>
 #include <QtTest/QTest>
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 namespace orvane::test {
@@ -81,6 +83,21 @@ inline void typeKey(QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifier
 
 inline void typeText(const QString& text) {
     QTest::keyClicks(QApplication::focusWidget(), text);
+}
+
+/// Keys that mean something elsewhere stay with the editor that has the keyboard.
+inline void expectNoKeyPasses(WidgetGround& ground, const QWidget& editor) {
+    for (const Qt::Key key :
+         {Qt::Key_M, Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down,
+          Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_PageUp, Qt::Key_F5}) {
+        for (const Qt::KeyboardModifiers modifiers :
+             {Qt::KeyboardModifiers(), Qt::KeyboardModifiers(Qt::ControlModifier),
+              Qt::KeyboardModifiers(Qt::ShiftModifier), Qt::KeyboardModifiers(Qt::AltModifier)}) {
+            typeKey(ground, key, modifiers);
+            ASSERT_TRUE(editor.hasFocus()) << key << ' ' << modifiers.toInt();
+            ASSERT_TRUE(ground.reached.empty()) << key << ' ' << modifiers.toInt();
+        }
+    }
 }
 
 /// As an input method does it.
