@@ -14,7 +14,6 @@ namespace orvane {
 
 namespace {
 
-constexpr int agentMaxDimension = 1024;
 // File systems take 255 bytes for a name; the rest is for the stamp, the endings and a temporary name.
 constexpr qsizetype longestAppName = 160;
 
@@ -32,14 +31,14 @@ CaptureFiles::CaptureFiles(StorageManager& storage, const PngWriter& pngWriter,
 
 EncodedCapture CaptureFiles::encode(const QImage& image) const {
     EncodedCapture capture;
-    const bool small = std::max(image.width(), image.height()) <= agentMaxDimension;
+    const bool small = std::max(image.width(), image.height()) <= ScreenCapture::agentMaxDimension;
     if (small) {
         capture.fullPng = m_pngWriter.encode(image);
         capture.agentPng = capture.fullPng;
         capture.agentSize = image.size();
     } else {
         auto full = std::async(std::launch::async, [&] { return m_pngWriter.encode(image); });
-        const QImage agentImage = ScreenCapture::resizeForLLM(image, agentMaxDimension);
+        const QImage agentImage = ScreenCapture::resizeForLLM(image, ScreenCapture::agentMaxDimension);
         capture.agentPng = m_pngWriter.encode(agentImage);
         capture.agentSize = agentImage.size();
         capture.fullPng = full.get();

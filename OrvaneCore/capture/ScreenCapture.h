@@ -50,6 +50,9 @@ public:
     /// Whole pixels a point where the rectangle (global points) begins; 2 where no display is.
     int displayScaleFactor(const QRectF& rect);
 
+    /// The longest side of a picture that an agent is given, in pixels.
+    static constexpr int agentMaxDimension = 1024;
+
     /// A picture for an agent: the given one where neither side is longer than `maxDimension`, else one whose
     /// longer side is `maxDimension`.
     static QImage resizeForLLM(const QImage& image, int maxDimension);

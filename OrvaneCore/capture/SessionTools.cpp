@@ -20,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int agentMaxDimension = 1024;
 constexpr qint64 defaultIntervalMs = 1000;
 constexpr std::size_t mostFeedbackImages = 4;
 // Far above any picture or report, and far below what fills the memory.
@@ -189,7 +188,7 @@ std::optional<QByteArray> SessionTools::agentImage(const QString& path) const {
     if (!bytes || !bytes->startsWith(pngSignature))
         return std::nullopt;
     // Bytes that are no picture come back as they are.
-    QByteArray resized = m_screenCapture.resizeForLLM(*bytes, agentMaxDimension);
+    QByteArray resized = m_screenCapture.resizeForLLM(*bytes, ScreenCapture::agentMaxDimension);
     return QImage::fromData(resized, "PNG").isNull() ? std::nullopt : std::optional(std::move(resized));
 }
 

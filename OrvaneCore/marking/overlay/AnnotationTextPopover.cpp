@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize editorSize(220, 22);
+constexpr QSize lineEditorSize(220, 22);
 
 } // namespace
 
@@ -17,7 +17,7 @@ AnnotationTextPopover::AnnotationTextPopover(const QString& text, QWidget* paren
     , m_editor(new QLineEdit(text, this)) {
     m_editor->setPlaceholderText(u"Type text · Enter to place"_s);
     m_editor->setFrame(false);
-    setEditor(m_editor, editorSize);
+    setEditor(m_editor, lineEditorSize);
 }
 
 QString AnnotationTextPopover::text() const {

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Three lines of text.
-constexpr QSize editorSize(240, 54);
+constexpr QSize noteEditorSize(240, 54);
 
 } // namespace
 
@@ -25,7 +25,7 @@ MarkerPopover::MarkerPopover(const QString& text, QWidget* parent)
     m_editor->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_editor->document()->setDocumentMargin(0);
     m_editor->viewport()->setAutoFillBackground(false);
-    setEditor(m_editor, editorSize);
+    setEditor(m_editor, noteEditorSize);
 }
 
 QString MarkerPopover::text() const {

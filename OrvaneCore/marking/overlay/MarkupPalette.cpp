@@ -19,14 +19,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qreal cornerRadius = 14;
+constexpr qreal paletteRadius = 14;
 constexpr qreal buttonRadius = 7;
-constexpr int endPadding = (look::stripHeight - look::buttonHeight) / 2;
 constexpr int buttonWidth = 30;
 constexpr int swatchWidth = 26;
 constexpr int spacing = 2;
 constexpr int dividerGap = 6;
-constexpr int dividerHeight = 24;
 constexpr int gripWidth = 12;
 /// What stays inside the parent.
 constexpr int reachable = 32;
@@ -106,7 +104,7 @@ void MarkupPalette::refresh() {
 void MarkupPalette::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     QPainterPath outline;
-    outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
+    outline.addRoundedRect(rect(), paletteRadius, paletteRadius);
     look::drawPlate(painter, outline);
     for (const QRect& divider : m_dividers)
         painter.fillRect(divider, gray(1, 0.2F));
@@ -166,17 +164,18 @@ void MarkupPalette::applyToSelection(const std::function<void(Annotation&)>& cha
 }
 
 void MarkupPalette::arrange() {
-    int x = endPadding + (m_isDraggable ? gripWidth : 0);
+    int x = look::stripPadding + (m_isDraggable ? gripWidth : 0);
     m_dividers.clear();
     const auto place = [&x](const auto& buttons, int width) {
         for (const auto& [value, button] : buttons) {
-            button->setGeometry(x, endPadding, width, look::buttonHeight);
+            button->setGeometry(x, look::stripPadding, width, look::buttonHeight);
             x += width + spacing;
         }
     };
     const auto divide = [this, &x] {
         x += dividerGap - spacing;
-        m_dividers.emplace_back(x, (look::stripHeight - dividerHeight) / 2, 1, dividerHeight);
+        m_dividers.emplace_back(x, (look::stripHeight - look::dividerHeight) / 2, look::dividerWidth,
+                                look::dividerHeight);
         x += 1 + dividerGap;
     };
     place(m_toolButtons, buttonWidth);
@@ -184,7 +183,7 @@ void MarkupPalette::arrange() {
     place(m_colorButtons, swatchWidth);
     divide();
     place(m_strokeButtons, buttonWidth);
-    setFixedSize(x - spacing + endPadding, look::stripHeight);
+    setFixedSize(x - spacing + look::stripPadding, look::stripHeight);
     update();
 }
 

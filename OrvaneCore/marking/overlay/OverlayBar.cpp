@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qreal cornerRadius = 22;
+constexpr qreal barRadius = 22;
 constexpr int iconSide = 18;
 /// On both sides of the hint and its icon, which would touch the buttons beside them.
 constexpr int hintPadding = 5;
@@ -99,7 +99,7 @@ void OverlayBar::place(const QRect& viewRect) {
 void OverlayBar::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     QPainterPath outline;
-    outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
+    outline.addRoundedRect(rect(), barRadius, barRadius);
     look::drawPlate(painter, outline);
     painter.fillRect(m_divider, gray(1, 0.2F));
 }

@@ -9,10 +9,6 @@ namespace orvane {
 namespace {
 
 constexpr int bottomGap = 32;
-/// Left of the first part and right of the last; the round ends of bar and buttons then have one centre.
-constexpr int endPadding = (look::stripHeight - look::buttonHeight) / 2;
-constexpr int dividerWidth = 1;
-constexpr int dividerHeight = 24;
 constexpr int widestPadding = 12;
 constexpr int narrowestPadding = 4;
 /// An icon and a hint that there was more.
@@ -21,7 +17,7 @@ constexpr int narrowestLabel = 48;
 using Kind = OverlayBarPart::Kind;
 
 /// Between two parts.
-int spacing(int padding) {
+int partSpacing(int padding) {
     return padding / 3;
 }
 
@@ -40,13 +36,13 @@ int partWidth(const OverlayBarPart& part, int padding, const Limits& limits) {
     case Kind::divider:
         break;
     }
-    return dividerWidth;
+    return look::dividerWidth;
 }
 
 int barWidth(const std::vector<OverlayBarPart>& parts, int padding, const Limits& limits) {
-    int width = 2 * endPadding - spacing(padding);
+    int width = 2 * look::stripPadding - partSpacing(padding);
     for (const OverlayBarPart& part : parts)
-        width += partWidth(part, padding, limits) + spacing(padding);
+        width += partWidth(part, padding, limits) + partSpacing(padding);
     return width;
 }
 
@@ -75,13 +71,13 @@ OverlayBarLayout overlayBarLayout(const std::vector<OverlayBarPart>& parts, cons
         QRect(viewRect.x() + (viewRect.width() - width) / 2,
               std::max(viewRect.y(), viewRect.y() + viewRect.height() - bottomGap - look::stripHeight), width,
               look::stripHeight);
-    int x = endPadding;
+    int x = look::stripPadding;
     layout.parts.reserve(parts.size());
     for (const OverlayBarPart& part : parts) {
-        const int height = part.kind == Kind::divider ? dividerHeight : look::buttonHeight;
+        const int height = part.kind == Kind::divider ? look::dividerHeight : look::buttonHeight;
         layout.parts.emplace_back(x, (look::stripHeight - height) / 2,
                                   partWidth(part, layout.padding, limits), height);
-        x += layout.parts.back().width() + spacing(layout.padding);
+        x += layout.parts.back().width() + partSpacing(layout.padding);
     }
     return layout;
 }

@@ -13,6 +13,12 @@ namespace orvane::look {
 inline constexpr int buttonHeight = 28;
 /// Of the strips that hold buttons.
 inline constexpr int stripHeight = 44;
+/// Between the end of a strip and what it holds; the round ends of strip and buttons then have one centre.
+inline constexpr int stripPadding = (stripHeight - buttonHeight) / 2;
+
+/// A line between the parts of a strip.
+inline constexpr int dividerWidth = 1;
+inline constexpr int dividerHeight = 24;
 
 inline constexpr int textPixelSize = 13;
 
