@@ -135,7 +135,9 @@ TEST(OverlayBadInput, LabelsAndTextsOfManyCharacters) {
 TEST(OverlayBadInput, TwoHundredMarkers) {
     OverlayScene many = emptyScene({800, 600});
     for (int i = 0; i < 200; ++i) {
-        many.markers.push_back(markerAt(QRectF(20.0 + 37 * (i % 20), 70.0 + 50 * (i / 20), 30, 25),
+        const int column = i % 20;
+        const int row = i / 20;
+        many.markers.push_back(markerAt(QRectF(20 + 37 * column, 70 + 50 * row, 30, 25),
                                         i % 2 == 0 ? QString() : QString(10000, u'w'), i + 1));
     }
     QImage picture = pictureOf(many);

@@ -32,7 +32,7 @@ qint64 damagedArea(const OverlayScene& before, const OverlayScene& after) {
     return areaOf(region);
 }
 
-constexpr qint64 plate = 100 * 30;
+constexpr qint64 plate = 100LL * 30;
 
 } // namespace
 
@@ -71,12 +71,12 @@ TEST(OverlayDamage, OfAMovedPointerIsFourThinLinesAndTwoPlates) {
         before.modes.spotlight = spotlight;
         OverlayScene after = before;
         after.mousePosition = QPointF(1040, 930);
-        EXPECT_LE(damagedArea(before, after), 2 * 3 * (3840 + 2160) + 2 * plate);
+        EXPECT_LE(damagedArea(before, after), 2LL * 3 * (3840 + 2160) + 2 * plate);
         const QRegion region = damage(before, after);
         for (const QPoint& place : {QPoint(5, 900), QPoint(3835, 930), QPoint(1000, 5), QPoint(1040, 2155)})
             EXPECT_TRUE(region.contains(place));
         after.mousePosition.reset();
-        EXPECT_LE(damagedArea(before, after), 3 * (3840 + 2160) + plate);
+        EXPECT_LE(damagedArea(before, after), 3LL * (3840 + 2160) + plate);
         EXPECT_EQ(damage(before, after), damage(after, before));
     }
 }
@@ -95,7 +95,7 @@ TEST(OverlayDamage, OfADraggedRegionIsWhatItGrewBy) {
     OverlayScene after = before;
     after.currentRect = QRectF(500, 500, 2010, 1206);
     const qint64 grown = 2010 * 1206 - 2000 * 1200;
-    const qint64 outlines = 2 * 2 * (2010 + 1206) * 6;
+    const qint64 outlines = 4LL * (2010 + 1206) * 6;
     EXPECT_LE(damagedArea(before, after), grown + outlines + 2 * plate);
     EXPECT_FALSE(damage(before, after).contains(QPoint(1500, 1100)));
     EXPECT_TRUE(damage(before, after).contains(QPoint(2505, 1100)));
@@ -110,7 +110,7 @@ TEST(OverlayDamage, OfAMovedMarkerIsItsEdgesAndWhatHangsOnIt) {
         before.modes.spotlight = spotlight;
         OverlayScene after = before;
         after.markers[0].rect.translate(8, 4);
-        const qint64 edges = 2 * 2 * (900 + 700) * 12;
+        const qint64 edges = 4LL * (900 + 700) * 12;
         EXPECT_LE(damagedArea(before, after), edges + 8 * plate);
         EXPECT_FALSE(damage(before, after).contains(QPoint(700, 700)));
         EXPECT_FALSE(damage(before, after).intersects(QRect(1400, 300, 500, 500)));
@@ -143,7 +143,7 @@ TEST(OverlayDamage, OfALabelIsNotTheRegionsInside) {
     const OverlayScene before = fullScene();
     OverlayScene after = before;
     after.markers[1].label = u"Another note"_s;
-    EXPECT_LE(damagedArea(before, after), 2 * (300 + 200) * 12 + 5 * plate);
+    EXPECT_LE(damagedArea(before, after), 2LL * (300 + 200) * 12 + 5 * plate);
     EXPECT_TRUE(damage(before, after).contains(QPoint(1520, 610)));
 }
 
