@@ -34,9 +34,9 @@ describe("the application", () => {
             assert.ok(Math.abs(Date.now() - Date.parse(startedAt)) < 60000, startedAt);
             assert.equal(statSync(endpointFile(desktop.home)).mode & 0o777, 0o600);
             assert.ok(existsSync(join(desktop.home, ".orvane/captures")));
-            await until("it runs", () => application.stderr.includes("orvane: running."));
+            await until("it runs", () => application.stderr.includes(
+                "orvane: running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.\n"));
             assert.ok(application.stderr.includes("orvane: hasOnboarded=true — skipping wizard\n"), application.stderr);
-            assert.ok(application.stderr.includes("orvane: running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.\n"));
         });
         assert.ok(!existsSync(endpointFile(desktop.home)));
         await assert.rejects(http(url), /ECONNREFUSED/);

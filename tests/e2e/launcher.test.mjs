@@ -43,7 +43,7 @@ describe("a tool server beside the running application", () => {
             const { error } = await server.request("not json");
             assert.equal(error.code, -32603);
             assert.equal((await server.callTool("list_windows", {})).error, false);
-            assert.equal(server.stderr, STARTING + proxying(application.url));
+            await server.assertSaid(STARTING + proxying(application.url));
         });
     }));
 
@@ -75,9 +75,9 @@ describe("a tool server beside the running application", () => {
             server.send({ jsonrpc: "2.0", id: "lost", method: "ping" });
             await server.assertAlive();
             await server.callTool("list_windows", {});
-            assert.equal(server.stderr, STARTING + proxying(url) + LOST);
+            await server.assertSaid(STARTING + proxying(url) + LOST);
             await withApplication(desktop, () => server.assertAlive());
-            assert.equal(server.stderr, STARTING + proxying(url) + LOST, "there is no way back");
+            await server.assertSaid(STARTING + proxying(url) + LOST, "there is no way back");
         });
     });
 
@@ -108,7 +108,7 @@ describe("a tool server without the application", () => {
         await server.assertAlive();
         const { pid, url } = endpoint(desktop.home);
         assert.notEqual(pid, server.process.pid);
-        assert.equal(server.stderr, STARTING + LAUNCHING + proxying(url));
+        await server.assertSaid(STARTING + LAUNCHING + proxying(url));
     }));
 
     it("starts it also where it left its address behind", async () => {
@@ -117,7 +117,7 @@ describe("a tool server without the application", () => {
         await application.stop("SIGKILL");
         await withProcess(desktop.applicationEnv, async (server) => {
             await server.assertAlive();
-            assert.ok(server.stderr.startsWith(STARTING + LAUNCHING), server.stderr);
+            await until("it starts it", () => server.stderr.startsWith(STARTING + LAUNCHING));
             assert.notEqual(endpoint(desktop.home).pid, pid);
         });
     });
@@ -133,7 +133,7 @@ describe("a tool server without the application", () => {
         const { pid, url } = endpoint(desktop.home);
         for (const server of servers) {
             // One that comes late finds it running.
-            assert.equal(server.stderr.replace(LAUNCHING, ""), STARTING + proxying(url));
+            await until("it is a pipe", () => server.stderr.replace(LAUNCHING, "") === STARTING + proxying(url));
         }
         assert.ok(servers.some((server) => server.stderr.includes(LAUNCHING)));
         await until("there is one application", () => applications(desktop.home).length === 1);
@@ -147,14 +147,14 @@ describe("a tool server without the application", () => {
         const begin = Date.now();
         await withProcess(env, async (server) => {
             await server.assertAlive();
-            assert.equal(server.stderr, STARTING + LAUNCHING + ALONE);
+            await server.assertSaid(STARTING + LAUNCHING + ALONE);
         });
         assert.ok(Date.now() - begin < 5000);
     });
 
     it("does not start it where the user does not want that", () => withProcess(desktop.env, async (server) => {
         await server.assertAlive();
-        assert.equal(server.stderr, STARTING + LAUNCHING + ALONE);
+        await server.assertSaid(STARTING + LAUNCHING + ALONE);
     }));
 
     it("waits for one that is being started, and then serves alone", async () => {
@@ -169,10 +169,10 @@ describe("a tool server without the application", () => {
             gone.process.stdin.end();
             await patient.assertAlive();
             assert.ok(Date.now() - begin > 9000, "it has waited");
-            assert.equal(patient.stderr, STARTING + LAUNCHING + ALONE);
+            await patient.assertSaid(STARTING + LAUNCHING + ALONE);
             assert.equal(await patient.end(), 0);
             assert.equal(await gone.closed, 0);
-            assert.equal(gone.stderr, STARTING + LAUNCHING + ALONE);
+            await gone.assertSaid(STARTING + LAUNCHING + ALONE);
         } finally {
             holder.stdin.end();
             await once(holder, "exit");
@@ -186,7 +186,7 @@ describe("a tool server without the application", () => {
             writeFileSync(endpointFile(desktop.home), text);
             await withProcess(desktop.env, async (server) => {
                 await server.assertAlive();
-                assert.equal(server.stderr, STARTING + LAUNCHING + ALONE, text);
+                await server.assertSaid(STARTING + LAUNCHING + ALONE, text);
             });
         }
     });

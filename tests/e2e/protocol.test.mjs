@@ -5,7 +5,7 @@ import { once } from "node:events";
 import { existsSync, mkdirSync, readFileSync, statSync, utimesSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { after, before, describe, it } from "node:test";
-import { bareHome } from "./lib/desktop.mjs";
+import { bareHome, until } from "./lib/desktop.mjs";
 import { EXECUTABLE, RawProcess, withProcess } from "./lib/orvane.mjs";
 
 const MIB = 1024 * 1024;
@@ -196,7 +196,7 @@ describe("the choice of the face", () => {
     for (const args of [["--mcp"], ["foo", "--mcp", "bar"], ["--help", "--mcp"], ["--mcp", "--mcp"]]) {
         it(`"${args.join(" ")}" serves tools`, () => withProcess(place.env, async (server) => {
             await server.assertAlive();
-            assert.ok(server.stderr.startsWith("orvane: starting MCP (smart launcher)\n"), server.stderr);
+            await until("it says so", () => server.stderr.startsWith("orvane: starting MCP (smart launcher)\n"));
         }, { args }));
     }
 

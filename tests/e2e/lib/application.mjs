@@ -4,9 +4,28 @@ import { spawn } from "node:child_process";
 import { once } from "node:events";
 import { existsSync, readFileSync, readdirSync } from "node:fs";
 import { request } from "node:http";
+import { createServer } from "node:net";
 import { join } from "node:path";
 import { EXECUTABLE } from "./orvane.mjs";
 import { until } from "./desktop.mjs";
+
+/// Applications of all desktops share the ports of this machine, and some tests take all of them: the test files that
+/// start applications run one after the other. A name in Linux's abstract namespace goes with the process that has it.
+async function waitForTheOthers() {
+    for (;;) {
+        const place = createServer().unref();
+        place.listen("\0orvane-e2e-applications");
+        try {
+            await once(place, "listening");
+            return;
+        } catch (error) {
+            assert.equal(error.code, "EADDRINUSE");
+        }
+        await new Promise((resolve) => setTimeout(resolve, 100));
+    }
+}
+
+await waitForTheOthers();
 
 export const endpointFile = (home) => join(home, ".orvane/mcp-endpoint.json");
 
@@ -70,7 +89,7 @@ export class Application {
             });
         } catch (error) {
             application.process.kill("SIGKILL");
-            throw error;
+            throw new Error(`${error.message}; it says: ${application.stderr}`);
         }
         return application;
     }

@@ -160,6 +160,15 @@ export class RawProcess {
         assert.deepEqual(reply, { id: "still there", jsonrpc: "2.0", result: {} });
     }
 
+    /// Checks what it has said so far on standard error, which may come later than what it says on standard output.
+    async assertSaid(expected, what) {
+        const deadline = Date.now() + 5000;
+        while (this.stderr.length < expected.length && Date.now() < deadline) {
+            await new Promise((resolve) => setTimeout(resolve, 10));
+        }
+        assert.equal(this.stderr, expected, what);
+    }
+
     /// Closes standard input and gives the exit status, after checking that nothing else came out.
     async end(seconds = 20) {
         this.process.stdin.end();
