@@ -268,7 +268,8 @@ describe("text recognition", () => {
                 assert.ok(!error);
                 assert.ok(text.endsWith(" px."), text);
             }
-            await until("it is said once", () => server.stderr.match(/OCR/g)?.length === 1);
+            await server.end();
+            assert.equal(server.stderr.match(/OCR/g)?.length, 1, server.stderr);
         }));
 });
 

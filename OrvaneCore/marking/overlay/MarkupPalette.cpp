@@ -176,7 +176,7 @@ void MarkupPalette::arrange() {
         x += dividerGap - spacing;
         m_dividers.emplace_back(x, (look::stripHeight - look::dividerHeight) / 2, look::dividerWidth,
                                 look::dividerHeight);
-        x += 1 + dividerGap;
+        x += look::dividerWidth + dividerGap;
     };
     place(m_toolButtons, buttonWidth);
     divide();
