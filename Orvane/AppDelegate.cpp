@@ -1,6 +1,6 @@
 #include "Orvane/AppDelegate.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvanePlatform/Platform.h"
 
 #include <QApplication>

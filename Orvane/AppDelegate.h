@@ -6,15 +6,15 @@
 #include "Orvane/StatusMenu.h"
 #include "Orvane/SystemClipboard.h"
 #include "Orvane/ToolServices.h"
-#include "OrvaneCore/marking/MarkerManager.h"
-#include "OrvaneCore/marking/SubmitPipeline.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/OverlayController.h"
+#include "OrvaneCore/marking/submit/SubmitPipeline.h"
 #include "OrvaneCore/mcp/MCPEndpoint.h"
-#include "OrvaneCore/mcp/MCPHTTPServer.h"
+#include "OrvaneCore/mcp/http/MCPHTTPServer.h"
 #include "OrvaneCore/platform/GlobalHotkeys.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
-#include "OrvaneCore/storage/ToastWindow.h"
+#include "OrvaneCore/surface/ToastWindow.h"
 
 #include <QTimer>
 

@@ -1,7 +1,7 @@
 #include "Orvane/ApplicationFace.h"
 
 #include "Orvane/AppDelegate.h"
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/ApplicationStarter.h"
 #include "OrvanePlatform/Platform.h"
 

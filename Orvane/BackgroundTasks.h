@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OrvaneCore/PostedCall.h"
-#include "OrvaneCore/TaskRunner.h"
+#include "OrvaneCore/base/PostedCall.h"
+#include "OrvaneCore/base/TaskRunner.h"
 
 #include <QThreadPool>
 

@@ -1,6 +1,6 @@
 #include "Orvane/HumanRecording.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/recording/ScreenRecorder.h"
 #include "OrvaneCore/storage/StorageManager.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/TaskRunner.h"
+#include "OrvaneCore/base/TaskRunner.h"
 #include "OrvaneCore/recording/RecordingTarget.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "Orvane/MenuBarGlyph.h"
 
-#include "OrvaneCore/marking/PainterState.h"
+#include "OrvaneCore/drawing/PainterState.h"
 
 #include <QColor>
 #include <QPen>

@@ -1,7 +1,7 @@
 #include "Orvane/StatusIcon.h"
 
 #include "Orvane/MenuBarGlyph.h"
-#include "OrvaneCore/storage/SymbolGlyphs.h"
+#include "OrvaneCore/surface/SymbolGlyphs.h"
 
 #include <QColor>
 #include <QIconEngine>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/PostedCall.h"
+#include "OrvaneCore/base/PostedCall.h"
 #include "OrvaneCore/platform/Clipboard.h"
 
 namespace orvane {

@@ -1,13 +1,13 @@
 #include "Orvane/ToolFace.h"
 
 #include "Orvane/ToolServices.h"
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Clock.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/mcp/LineReader.h"
 #include "OrvaneCore/mcp/MCPEndpoint.h"
-#include "OrvaneCore/mcp/MCPHTTPClient.h"
-#include "OrvaneCore/mcp/MCPLauncher.h"
+#include "OrvaneCore/mcp/pipe/MCPHTTPClient.h"
+#include "OrvaneCore/mcp/pipe/MCPLauncher.h"
 #include "OrvaneCore/platform/ApplicationStarter.h"
-#include "OrvaneCore/recording/RecorderClock.h"
 #include "OrvanePlatform/Platform.h"
 
 #include <QDir>

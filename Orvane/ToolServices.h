@@ -1,15 +1,15 @@
 #pragma once
 
-#include "OrvaneCore/capture/CaptureTools.h"
+#include "OrvaneCore/base/Clock.h"
 #include "OrvaneCore/capture/ScreenCapture.h"
-#include "OrvaneCore/capture/SessionTools.h"
-#include "OrvaneCore/capture/ToolHandler.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
-#include "OrvaneCore/marking/TextRecognizer.h"
 #include "OrvaneCore/mcp/MCPServer.h"
-#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/recording/ScreenRecorder.h"
 #include "OrvaneCore/storage/StorageManager.h"
+#include "OrvaneCore/tools/CaptureTools.h"
+#include "OrvaneCore/tools/SessionTools.h"
+#include "OrvaneCore/tools/ToolHandler.h"
 
 namespace orvane {
 

@@ -1,5 +1,5 @@
-#include "OrvaneCore/marking/GaussianBlur.h"
-#include "OrvaneCore/marking/SpotlightBlur.h"
+#include "OrvaneCore/drawing/GaussianBlur.h"
+#include "OrvaneCore/drawing/SpotlightBlur.h"
 #include "bench/DesktopPicture.h"
 
 #include <benchmark/benchmark.h>

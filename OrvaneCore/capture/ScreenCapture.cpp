@@ -1,6 +1,6 @@
 #include "OrvaneCore/capture/ScreenCapture.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/capture/RegionSize.h"
 #include "OrvaneCore/capture/Timeout.h"

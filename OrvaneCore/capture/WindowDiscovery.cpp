@@ -1,6 +1,6 @@
 #include "OrvaneCore/capture/WindowDiscovery.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/capture/Timeout.h"
 #include "OrvaneCore/platform/PlatformError.h"
 

@@ -1,6 +1,6 @@
 #include "OrvaneCore/capture/WindowInfo.h"
 
-#include "OrvaneCore/capture/TypedObject.h"
+#include "OrvaneCore/base/TypedObject.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/Annotation.h"
 
-#include "OrvaneCore/marking/RectGeometry.h"
+#include "OrvaneCore/marking/CornerHandles.h"
 
 #include <algorithm>
 #include <array>
@@ -98,7 +98,7 @@ void dragCorner(Annotation& annotation, Handle handle, const QPointF& point) {
     QPointF target = point;
     if (annotation.rotation != 0)
         target = Annotation::rotate(point, edges.center(), -annotation.rotation);
-    annotation.start = edges.cornerOpposite(handle);
+    annotation.start = cornerOpposite(edges, handle);
     const bool keepsAspect =
         annotation.kind == Annotation::Kind::image && edges.width() > 0 && edges.height() > 0;
     annotation.end = keepsAspect ? cornerOfSameAspect(edges, annotation.start, target) : target;
@@ -167,9 +167,9 @@ std::vector<Annotation::HandlePoint> Annotation::handles() const {
     case Kind::box:
     case Kind::ellipse:
     case Kind::highlight:
-        return edges.corners();
+        return cornerHandles(edges);
     case Kind::image:
-        handles = edges.corners();
+        handles = cornerHandles(edges);
         handles.emplace_back(Handle::rotate, QPointF(edges.center().x(), edges.top - rotateHandleDistance));
         break;
     case Kind::text:

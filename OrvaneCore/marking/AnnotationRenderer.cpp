@@ -1,9 +1,9 @@
 #include "OrvaneCore/marking/AnnotationRenderer.h"
 
-#include "OrvaneCore/marking/DrawingColors.h"
-#include "OrvaneCore/marking/DrawingLimits.h"
-#include "OrvaneCore/marking/DrawnText.h"
-#include "OrvaneCore/marking/PainterState.h"
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/DrawingLimits.h"
+#include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/PainterState.h"
 
 #include <QPolygonF>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "OrvaneCore/drawing/PointMap.h"
 #include "OrvaneCore/marking/Annotation.h"
-#include "OrvaneCore/marking/PointMap.h"
 
 #include <QColor>
 #include <QPointF>

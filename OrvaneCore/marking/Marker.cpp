@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/Marker.h"
 
-#include "OrvaneCore/marking/RectGeometry.h"
+#include "OrvaneCore/marking/CornerHandles.h"
 
 namespace orvane {
 
@@ -13,7 +13,7 @@ RectEdges edgesOf(const QRectF& rect) {
 } // namespace
 
 std::vector<Annotation::HandlePoint> Marker::cornerHandles() const {
-    return isFinite(rect) ? edgesOf(rect).corners() : std::vector<Annotation::HandlePoint>();
+    return isFinite(rect) ? orvane::cornerHandles(edgesOf(rect)) : std::vector<Annotation::HandlePoint>();
 }
 
 std::optional<Annotation::Handle> Marker::cornerHandle(const QPointF& point, qreal tolerance) const {
@@ -27,7 +27,16 @@ bool Marker::isOnBorder(const QPointF& point, qreal tolerance) const {
 QRectF Marker::reshapedRect(const QRectF& rect, Annotation::Handle handle, const QPointF& point) {
     if (!isFinite(point))
         return rect;
-    return RectEdges::between(edgesOf(rect).cornerOpposite(handle), point).toRect();
+    return RectEdges::between(cornerOpposite(edgesOf(rect), handle), point).toRect();
+}
+
+std::optional<int> resolveRegionIndex(const Annotation& annotation, const std::vector<Marker>& markers) {
+    const QPointF anchor = annotation.anchorForRegion();
+    for (const Marker& marker : markers) {
+        if (RectEdges::between(marker.rect.topLeft(), marker.rect.bottomRight()).contains(anchor, 0))
+            return marker.index;
+    }
+    return std::nullopt;
 }
 
 } // namespace orvane

@@ -46,4 +46,7 @@ struct Marker {
     static QRectF reshapedRect(const QRectF& rect, Annotation::Handle handle, const QPointF& point);
 };
 
+/// The number of the first marker whose region contains the annotation's anchor.
+std::optional<int> resolveRegionIndex(const Annotation& annotation, const std::vector<Marker>& markers);
+
 } // namespace orvane

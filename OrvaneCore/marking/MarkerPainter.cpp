@@ -1,11 +1,11 @@
 #include "OrvaneCore/marking/MarkerPainter.h"
 
-#include "OrvaneCore/marking/DrawingColors.h"
-#include "OrvaneCore/marking/DrawingLimits.h"
-#include "OrvaneCore/marking/DrawnText.h"
-#include "OrvaneCore/marking/PainterState.h"
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/DrawingLimits.h"
+#include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/PainterState.h"
+#include "OrvaneCore/drawing/SoftShadow.h"
 #include "OrvaneCore/marking/Palettes.h"
-#include "OrvaneCore/marking/SoftShadow.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/Observers.h"
+#include "OrvaneCore/base/Observers.h"
 #include "OrvaneCore/marking/Annotation.h"
 #include "OrvaneCore/marking/AnnotationTool.h"
 

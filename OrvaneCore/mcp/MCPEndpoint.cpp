@@ -1,8 +1,8 @@
 #include "OrvaneCore/mcp/MCPEndpoint.h"
 
+#include "OrvaneCore/base/AtomicFile.h"
+#include "OrvaneCore/base/PlainFile.h"
 #include "OrvaneCore/platform/SecretStore.h"
-#include "OrvaneCore/storage/AtomicFile.h"
-#include "OrvaneCore/storage/PlainFile.h"
 
 #include <QByteArray>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "OrvaneCore/mcp/MCPEndpointInfo.h"
 
-#include "OrvaneCore/capture/TypedObject.h"
+#include "OrvaneCore/base/TypedObject.h"
 
 #include <QDateTime>
 #include <QJsonDocument>

@@ -1,8 +1,8 @@
 #include "OrvaneCore/mcp/MCPServer.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
+#include "OrvaneCore/base/MessageCodec.h"
 #include "OrvaneCore/mcp/LineReader.h"
-#include "OrvaneCore/mcp/MessageCodec.h"
 #include "OrvaneCore/mcp/ToolCallHandler.h"
 #include "OrvaneCore/mcp/ToolCatalogue.h"
 #include "OrvaneCore/platform/StandardStreams.h"

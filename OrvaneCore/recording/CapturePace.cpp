@@ -13,7 +13,7 @@ constexpr qint64 longestPeriodMs = 1000LL * 60 * 60 * 24 * 365;
 // The part of a period that is left to others, however long a look takes.
 constexpr int restPart = 4;
 // A few frames of a movie. What is longer than this was seen by nobody.
-constexpr RecorderClock::Monotonic mostLag = std::chrono::milliseconds(150);
+constexpr Clock::Monotonic mostLag = std::chrono::milliseconds(150);
 
 } // namespace
 
@@ -26,14 +26,12 @@ CapturePace capturePace(std::optional<int> videoFps, qint64 intervalMs) {
             .stride = 1};
 }
 
-RecorderClock::Monotonic nextDue(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
-                                 std::chrono::milliseconds period) {
-    return std::max(due + RecorderClock::Monotonic(period), now - mostLag);
+Clock::Monotonic nextDue(Clock::Monotonic due, Clock::Monotonic now, std::chrono::milliseconds period) {
+    return std::max(due + Clock::Monotonic(period), now - mostLag);
 }
 
-RecorderClock::Monotonic lookTime(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
-                                  std::chrono::milliseconds period) {
-    return std::max(due, now + RecorderClock::Monotonic(period) / restPart);
+Clock::Monotonic lookTime(Clock::Monotonic due, Clock::Monotonic now, std::chrono::milliseconds period) {
+    return std::max(due, now + Clock::Monotonic(period) / restPart);
 }
 
 } // namespace orvane

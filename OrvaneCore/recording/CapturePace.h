@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/base/Clock.h"
 
 #include <optional>
 
@@ -21,11 +21,9 @@ CapturePace capturePace(std::optional<int> videoFps, qint64 intervalMs);
 
 /// When the look after the one that was due at `due` is due: one period later, so that the time a look takes
 /// does not slow the pace. That may be past already; a delay of more than a few frames is not made up for.
-RecorderClock::Monotonic nextDue(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
-                                 std::chrono::milliseconds period);
+Clock::Monotonic nextDue(Clock::Monotonic due, Clock::Monotonic now, std::chrono::milliseconds period);
 
 /// When to take a look that is due at `due`: then, or as soon as others have had their turn.
-RecorderClock::Monotonic lookTime(RecorderClock::Monotonic due, RecorderClock::Monotonic now,
-                                  std::chrono::milliseconds period);
+Clock::Monotonic lookTime(Clock::Monotonic due, Clock::Monotonic now, std::chrono::milliseconds period);
 
 } // namespace orvane

@@ -1,6 +1,6 @@
 #include "OrvaneCore/recording/ChangeSentence.h"
 
-#include "OrvaneCore/FixedText.h"
+#include "OrvaneCore/base/FixedText.h"
 
 #include <QStringList>
 

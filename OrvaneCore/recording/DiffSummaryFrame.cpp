@@ -1,8 +1,8 @@
 #include "OrvaneCore/recording/DiffSummaryFrame.h"
 
-#include "OrvaneCore/marking/DrawingColors.h"
-#include "OrvaneCore/marking/DrawnText.h"
-#include "OrvaneCore/marking/PainterState.h"
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/recording/ChangeSentence.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "OrvaneCore/recording/RecordingVideo.h"
 
-#include "OrvaneCore/FixedText.h"
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/FixedText.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
 
 #include <QDir>
@@ -17,7 +17,7 @@ constexpr int secondsBetweenKeyFrames = 2;
 
 } // namespace
 
-std::unique_ptr<RecordingVideo> RecordingVideo::start(MediaBackend& media, RecorderClock& clock,
+std::unique_ptr<RecordingVideo> RecordingVideo::start(MediaBackend& media, Clock& clock,
                                                       const QString& folder, const QSize& sizePixels,
                                                       int framesPerSecond) {
     const VideoFormat format{.sizePixels = sizePixels,
@@ -38,7 +38,7 @@ std::unique_ptr<RecordingVideo> RecordingVideo::start(MediaBackend& media, Recor
     return std::unique_ptr<RecordingVideo>(new RecordingVideo(std::move(writer), clock, framesPerSecond));
 }
 
-RecordingVideo::RecordingVideo(std::unique_ptr<VideoWriter> writer, RecorderClock& clock, int framesPerSecond)
+RecordingVideo::RecordingVideo(std::unique_ptr<VideoWriter> writer, Clock& clock, int framesPerSecond)
     : m_clock(clock)
     , m_framesPerSecond(framesPerSecond)
     , m_startTime(clock.monotonic())

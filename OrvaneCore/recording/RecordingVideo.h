@@ -1,7 +1,7 @@
 #pragma once
 
+#include "OrvaneCore/base/Clock.h"
 #include "OrvaneCore/platform/MediaBackend.h"
-#include "OrvaneCore/recording/RecorderClock.h"
 
 #include <memory>
 #include <mutex>
@@ -13,9 +13,8 @@ class RecordingVideo {
 public:
     /// Begins "recording.mp4" in the folder, with two bits a pixel and second and a key frame at least every
     /// two seconds. Null when it cannot be begun. Backend and clock outlive it.
-    static std::unique_ptr<RecordingVideo> start(MediaBackend& media, RecorderClock& clock,
-                                                 const QString& folder, const QSize& sizePixels,
-                                                 int framesPerSecond);
+    static std::unique_ptr<RecordingVideo> start(MediaBackend& media, Clock& clock, const QString& folder,
+                                                 const QSize& sizePixels, int framesPerSecond);
 
     int framesPerSecond() const { return m_framesPerSecond; }
 
@@ -26,11 +25,11 @@ public:
     void stop();
 
 private:
-    RecordingVideo(std::unique_ptr<VideoWriter> writer, RecorderClock& clock, int framesPerSecond);
+    RecordingVideo(std::unique_ptr<VideoWriter> writer, Clock& clock, int framesPerSecond);
 
-    RecorderClock& m_clock;
+    Clock& m_clock;
     const int m_framesPerSecond;
-    const RecorderClock::Monotonic m_startTime;
+    const Clock::Monotonic m_startTime;
     std::mutex m_mutex;
     /// Null after stop().
     std::unique_ptr<VideoWriter> m_writer;

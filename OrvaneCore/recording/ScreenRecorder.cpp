@@ -1,12 +1,12 @@
 #include "OrvaneCore/recording/ScreenRecorder.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/AtomicFile.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/recording/CapturePace.h"
 #include "OrvaneCore/recording/ChangeSentence.h"
 #include "OrvaneCore/recording/DiffSummaryFrame.h"
 #include "OrvaneCore/recording/FrameDiff.h"
-#include "OrvaneCore/storage/AtomicFile.h"
 #include "OrvaneCore/storage/ThumbnailCache.h"
 
 #include <QDir>
@@ -105,7 +105,7 @@ struct ScreenRecorder::Recording {
 
 ScreenRecorder::ScreenRecorder(WindowDiscovery& discovery, ScreenCapture& screenCapture,
                                StorageManager& storage, const PngWriter& pngWriter, MediaBackend& media,
-                               RecorderClock& clock)
+                               Clock& clock)
     : m_discovery(discovery)
     , m_screenCapture(screenCapture)
     , m_storage(storage)
@@ -215,9 +215,9 @@ void ScreenRecorder::captureLoop(const std::stop_token& stop, const std::shared_
     const CapturePace pace =
         capturePace(video ? std::optional(video->framesPerSecond()) : std::nullopt, recording->intervalMs);
     qint64 tick = 0;
-    RecorderClock::Monotonic due = m_clock.monotonic();
+    Clock::Monotonic due = m_clock.monotonic();
     while (true) {
-        const RecorderClock::Monotonic now = m_clock.monotonic();
+        const Clock::Monotonic now = m_clock.monotonic();
         due = nextDue(due, now, pace.period);
         if (!rest(stop, *recording, lookTime(due, now, pace.period)))
             break;
@@ -247,7 +247,7 @@ void ScreenRecorder::captureLoop(const std::stop_token& stop, const std::shared_
 }
 
 /// Sleeps; false when the loop is to end.
-bool ScreenRecorder::rest(const std::stop_token& stop, Recording& recording, RecorderClock::Monotonic until) {
+bool ScreenRecorder::rest(const std::stop_token& stop, Recording& recording, Clock::Monotonic until) {
     {
         const std::scoped_lock lock(m_mutex);
         recording.loop = Recording::Loop::asleep;

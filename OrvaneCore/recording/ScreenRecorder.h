@@ -1,10 +1,10 @@
 #pragma once
 
+#include "OrvaneCore/base/Clock.h"
 #include "OrvaneCore/capture/ScreenCapture.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/platform/MediaBackend.h"
 #include "OrvaneCore/recording/ChangeTracker.h"
-#include "OrvaneCore/recording/RecorderClock.h"
 #include "OrvaneCore/recording/RecordingTarget.h"
 #include "OrvaneCore/recording/RecordingVideo.h"
 #include "OrvaneCore/recording/Timeline.h"
@@ -49,7 +49,7 @@ public:
 
     /// Everything handed in outlives the recorder.
     ScreenRecorder(WindowDiscovery& discovery, ScreenCapture& screenCapture, StorageManager& storage,
-                   const PngWriter& pngWriter, MediaBackend& media, RecorderClock& clock);
+                   const PngWriter& pngWriter, MediaBackend& media, Clock& clock);
     /// A recording that is going on ends without a report.
     ~ScreenRecorder();
     ScreenRecorder(const ScreenRecorder&) = delete;
@@ -98,7 +98,7 @@ private:
     void beginCapturing(const std::shared_ptr<Recording>& recording, const QImage& firstFrame);
     void captureLoop(const std::stop_token& stop, const std::shared_ptr<Recording>& recording,
                      QImage previous);
-    bool rest(const std::stop_token& stop, Recording& recording, RecorderClock::Monotonic until);
+    bool rest(const std::stop_token& stop, Recording& recording, Clock::Monotonic until);
     std::optional<QImage> look(const Recording& recording);
     void analyse(Recording& recording, const QImage& previous, const QImage& current, int frameIndex,
                  const QDateTime& time);
@@ -118,7 +118,7 @@ private:
     StorageManager& m_storage;
     const PngWriter& m_pngWriter;
     MediaBackend& m_media;
-    RecorderClock& m_clock;
+    Clock& m_clock;
 
     /// Held by a start until the recording is the recorder's, so that of two only one begins.
     std::mutex m_startMutex;

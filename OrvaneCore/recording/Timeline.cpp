@@ -1,6 +1,6 @@
 #include "OrvaneCore/recording/Timeline.h"
 
-#include "OrvaneCore/FixedText.h"
+#include "OrvaneCore/base/FixedText.h"
 #include "OrvaneCore/recording/RegionDiff.h"
 
 #include <algorithm>

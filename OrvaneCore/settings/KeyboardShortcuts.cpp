@@ -1,6 +1,6 @@
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 
 #include <QJsonValue>
 

@@ -2,7 +2,7 @@
 
 #include "OrvaneCore/platform/GlobalHotkeys.h"
 #include "OrvaneCore/platform/SettingsStore.h"
-#include "OrvaneCore/settings/Shortcut.h"
+#include "OrvaneCore/platform/Shortcut.h"
 
 #include <QString>
 #include <QStringView>

@@ -1,6 +1,6 @@
 #include "OrvaneCore/settings/LoginItem.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
 
 namespace orvane {

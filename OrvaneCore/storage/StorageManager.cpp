@@ -1,6 +1,6 @@
 #include "OrvaneCore/storage/StorageManager.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 
 #include <QDir>
 #include <QFile>
@@ -237,7 +237,7 @@ QString StorageManager::UsageStats::totalFormatted() const {
     return formatBytes(totalBytes());
 }
 
-StorageManager::StorageManager(SettingsStore& settings, QString homeDirectory, Clock clock)
+StorageManager::StorageManager(SettingsStore& settings, QString homeDirectory, WallClock clock)
     : m_settings(settings)
     , m_homeDirectory(std::move(homeDirectory))
     , m_clock(std::move(clock)) {}

@@ -25,7 +25,7 @@ namespace orvane {
 class StorageManager {
 public:
     /// Gives the present moment; any thread.
-    using Clock = std::function<QDateTime()>;
+    using WallClock = std::function<QDateTime()>;
 
     /// What lies in the data folder: files, not sessions, with all that is not a folder counted as a file and
     /// hidden entries (named with a leading dot) left out. A symbolic link counts with its own size.
@@ -52,7 +52,7 @@ public:
     /// The store must outlive this object. `homeDirectory` is an absolute path without a slash at its end.
     StorageManager(
         SettingsStore& settings, QString homeDirectory,
-        Clock clock = [] { return QDateTime::currentDateTime(); });
+        WallClock clock = [] { return QDateTime::currentDateTime(); });
 
     QString baseDir() const;
     QString capturesDir() const;
@@ -158,7 +158,7 @@ public:
 private:
     SettingsStore& m_settings;
     QString m_homeDirectory;
-    Clock m_clock;
+    WallClock m_clock;
 };
 
 } // namespace orvane

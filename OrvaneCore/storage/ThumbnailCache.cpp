@@ -1,6 +1,6 @@
 #include "OrvaneCore/storage/ThumbnailCache.h"
 
-#include "OrvaneCore/storage/AtomicFile.h"
+#include "OrvaneCore/base/AtomicFile.h"
 
 #include <QDir>
 #include <QFile>

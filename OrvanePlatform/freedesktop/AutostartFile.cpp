@@ -1,7 +1,7 @@
 #include "OrvanePlatform/freedesktop/AutostartFile.h"
 
+#include "OrvaneCore/base/AtomicFile.h"
 #include "OrvaneCore/platform/PlatformError.h"
-#include "OrvaneCore/storage/AtomicFile.h"
 #include "OrvanePlatform/freedesktop/DesktopEntryKeys.h"
 #include "OrvanePlatform/freedesktop/XdgFolders.h"
 

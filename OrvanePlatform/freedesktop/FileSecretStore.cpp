@@ -1,7 +1,7 @@
 #include "OrvanePlatform/freedesktop/FileSecretStore.h"
 
-#include "OrvaneCore/storage/AtomicFile.h"
-#include "OrvaneCore/storage/PlainFile.h"
+#include "OrvaneCore/base/AtomicFile.h"
+#include "OrvaneCore/base/PlainFile.h"
 #include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDir>

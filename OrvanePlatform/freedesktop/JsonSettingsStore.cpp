@@ -1,6 +1,6 @@
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvanePlatform/freedesktop/XdgFolders.h"
 
 #include <QDateTime>

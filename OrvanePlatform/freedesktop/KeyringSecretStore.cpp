@@ -1,6 +1,6 @@
 #include "OrvanePlatform/freedesktop/KeyringSecretStore.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvanePlatform/freedesktop/SecretService.h"
 
 #include <QMutexLocker>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/settings/Shortcut.h"
+#include "OrvaneCore/platform/Shortcut.h"
 
 #include <QString>
 

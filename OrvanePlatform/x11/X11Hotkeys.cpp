@@ -1,6 +1,6 @@
 #include "OrvanePlatform/x11/X11Hotkeys.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvanePlatform/x11/X11Connection.h"
 

@@ -14,7 +14,7 @@ INITIALIZE = {"protocolVersion": "2024-11-05", "capabilities": {}, "clientInfo":
 
 # Sources to show in terminals, and where the terminals stand: columns, rows, x, y, ground, ink.
 TERMINALS = (
-    ("OrvaneCore/capture/ToolHandler.cpp", 110, 44, 60, 60, "#ffffff", "#1a1a1a"),
+    ("OrvaneCore/tools/ToolHandler.cpp", 110, 44, 60, 60, "#ffffff", "#1a1a1a"),
     ("OrvaneCore/storage/StorageManager.cpp", 100, 40, 900, 180, "#1e1e24", "#d2d6dc"),
     ("OrvanePlatform/x11/PixelReader.cpp", 110, 50, 1750, 60, "#102a43", "#d9e2ec"),
     ("OrvaneCore/mcp/catalogue/tools.json", 90, 40, 2750, 240, "#ffffff", "#1a1a1a"),

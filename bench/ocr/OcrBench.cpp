@@ -1,7 +1,7 @@
 #include "bench/ocr/Corpus.h"
 #include "bench/ocr/ErrorRate.h"
 
-#include "OrvaneCore/marking/TextRecognizer.h"
+#include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvanePlatform/ocr/LazyTextRecognition.h"
 
 #include <QElapsedTimer>

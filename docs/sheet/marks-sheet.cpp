@@ -1,9 +1,9 @@
 // marks-sheet SCALE FILE.png: every kind of mark in its colours and states, SCALE pixels a point.
+#include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/SpotlightBlur.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
-#include "OrvaneCore/marking/DrawnText.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
 #include "OrvaneCore/marking/Palettes.h"
-#include "OrvaneCore/marking/SpotlightBlur.h"
 
 #include <QGuiApplication>
 #include <QImage>

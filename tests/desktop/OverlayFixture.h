@@ -2,10 +2,10 @@
 
 #include "Orvane/BackgroundTasks.h"
 #include "Orvane/SystemClipboard.h"
-#include "OrvaneCore/marking/MarkerManager.h"
-#include "OrvaneCore/marking/SubmitPipeline.h"
-#include "OrvaneCore/marking/TextRecognizer.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/OverlayController.h"
+#include "OrvaneCore/marking/submit/SubmitPipeline.h"
+#include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/storage/StorageManager.h"
 #include "OrvanePlatform/x11/Redirection.h"

@@ -17,7 +17,7 @@ namespace orvane::test {
 
 /// The machine's clock, which remembers how often the recorder has slept. So a test waits for a look instead
 /// of some time: the recorder sleeps, looks once, sleeps again.
-class WatchedClock final : public RecorderClock {
+class WatchedClock final : public Clock {
 public:
     QDateTime now() override { return m_clock.now(); }
     Monotonic monotonic() override { return m_clock.monotonic(); }

@@ -1,6 +1,6 @@
 // Toasts as they are seen on real desktops.
-#include "OrvaneCore/storage/ToastPanel.h"
-#include "OrvaneCore/storage/ToastWindow.h"
+#include "OrvaneCore/surface/ToastPanel.h"
+#include "OrvaneCore/surface/ToastWindow.h"
 #include "OrvanePlatform/x11/Redirection.h"
 #include "tests/desktop/GuiFixture.h"
 

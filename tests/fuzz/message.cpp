@@ -1,7 +1,7 @@
 // One message to the MCP server, whatever its bytes.
+#include "OrvaneCore/base/MessageCodec.h"
+#include "OrvaneCore/base/MessageError.h"
 #include "OrvaneCore/mcp/MCPServer.h"
-#include "OrvaneCore/mcp/MessageCodec.h"
-#include "OrvaneCore/mcp/MessageError.h"
 #include "OrvaneCore/mcp/ToolCallHandler.h"
 #include "tests/fuzz/Check.h"
 

@@ -1,7 +1,7 @@
 // The HTTP request parser on whatever bytes, and the reader that gets them piece by piece.
-#include "OrvaneCore/mcp/MCPAuth.h"
-#include "OrvaneCore/mcp/MCPHTTPRequest.h"
-#include "OrvaneCore/mcp/MCPHTTPRequestReader.h"
+#include "OrvaneCore/mcp/http/MCPAuth.h"
+#include "OrvaneCore/mcp/http/MCPHTTPRequest.h"
+#include "OrvaneCore/mcp/http/MCPHTTPRequestReader.h"
 #include "tests/fuzz/Check.h"
 
 #include <algorithm>

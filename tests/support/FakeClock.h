@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/recording/RecorderClock.h"
+#include "OrvaneCore/base/Clock.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -11,7 +11,7 @@ namespace orvane::test {
 
 /// A clock that a test moves. It serves one sleeper, and a test that moves it waits until the sleeper has
 /// done what it woke for and sleeps again; so everything happens in one order, and nothing takes time.
-class FakeClock final : public RecorderClock {
+class FakeClock final : public Clock {
 public:
     explicit FakeClock(QDateTime begin = {{2026, 3, 4}, {5, 6, 7}, Qt::UTC})
         : m_begin(std::move(begin)) {}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/marking/overlay/PopoverBubble.h"
+#include "OrvaneCore/surface/PopoverBubble.h"
 
 class QPlainTextEdit;
 

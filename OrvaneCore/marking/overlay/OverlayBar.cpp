@@ -1,11 +1,11 @@
 #include "OrvaneCore/marking/overlay/OverlayBar.h"
 
-#include "OrvaneCore/marking/DrawingColors.h"
-#include "OrvaneCore/marking/DrawnText.h"
-#include "OrvaneCore/marking/PainterState.h"
-#include "OrvaneCore/marking/overlay/FirstMouseButton.h"
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/marking/overlay/OverlayBarLayout.h"
-#include "OrvaneCore/marking/overlay/WidgetLook.h"
+#include "OrvaneCore/surface/FirstMouseButton.h"
+#include "OrvaneCore/surface/WidgetLook.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

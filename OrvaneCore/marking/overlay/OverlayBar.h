@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/OverlayBarTexts.h"
 #include "OrvaneCore/marking/overlay/OverlayCommand.h"
 

@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/overlay/OverlayBarLayout.h"
 
-#include "OrvaneCore/marking/overlay/WidgetLook.h"
+#include "OrvaneCore/surface/WidgetLook.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "OrvaneCore/marking/overlay/OverlayBounds.h"
 
+#include "OrvaneCore/drawing/DrawingLimits.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
-#include "OrvaneCore/marking/DrawingLimits.h"
 #include "OrvaneCore/marking/overlay/OverlayFonts.h"
 #include "OrvaneCore/marking/overlay/OverlayLayout.h"
 #include "OrvaneCore/marking/overlay/OverlayTexts.h"

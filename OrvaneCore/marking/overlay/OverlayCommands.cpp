@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/overlay/OverlayCommands.h"
 
-#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/send/SendTargets.h"
 
 #include <utility>

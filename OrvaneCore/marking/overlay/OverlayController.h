@@ -1,10 +1,10 @@
 #pragma once
 
-#include "OrvaneCore/PostedCall.h"
-#include "OrvaneCore/marking/SubmitResult.h"
+#include "OrvaneCore/base/PostedCall.h"
 #include "OrvaneCore/marking/overlay/OverlayCommands.h"
 #include "OrvaneCore/marking/overlay/OverlayWindow.h"
 #include "OrvaneCore/marking/overlay/SubmitToast.h"
+#include "OrvaneCore/marking/submit/SubmitResult.h"
 
 #include <QHash>
 #include <QImage>

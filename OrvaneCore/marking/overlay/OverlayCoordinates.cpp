@@ -1,7 +1,7 @@
 #include "OrvaneCore/marking/overlay/OverlayCoordinates.h"
 
-#include "OrvaneCore/FixedText.h"
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/FixedText.h"
+#include "OrvaneCore/base/Log.h"
 
 #include <QString>
 

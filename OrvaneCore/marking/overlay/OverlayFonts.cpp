@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/overlay/OverlayFonts.h"
 
-#include "OrvaneCore/marking/DrawnText.h"
+#include "OrvaneCore/drawing/DrawnText.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
 
 #include <QCache>

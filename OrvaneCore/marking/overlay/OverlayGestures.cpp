@@ -1,9 +1,9 @@
 #include "OrvaneCore/marking/overlay/OverlayGestures.h"
 
+#include "OrvaneCore/drawing/DrawingLimits.h"
+#include "OrvaneCore/drawing/RectEdges.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
-#include "OrvaneCore/marking/DrawingLimits.h"
-#include "OrvaneCore/marking/MarkerManager.h"
-#include "OrvaneCore/marking/RectGeometry.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "OrvaneCore/marking/overlay/OverlayPainter.h"
 
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
-#include "OrvaneCore/marking/DrawingColors.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
-#include "OrvaneCore/marking/PainterState.h"
 #include "OrvaneCore/marking/overlay/OverlayBounds.h"
 #include "OrvaneCore/marking/overlay/OverlayFonts.h"
 #include "OrvaneCore/marking/overlay/OverlayLayout.h"

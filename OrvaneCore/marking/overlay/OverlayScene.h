@@ -2,7 +2,7 @@
 
 #include "OrvaneCore/marking/Annotation.h"
 #include "OrvaneCore/marking/Marker.h"
-#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/submit/SubmitRequest.h"
 
 #include <QPointF>
 #include <QRectF>

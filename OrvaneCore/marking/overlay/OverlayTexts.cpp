@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/overlay/OverlayTexts.h"
 
-#include "OrvaneCore/marking/DrawingLimits.h"
+#include "OrvaneCore/drawing/DrawingLimits.h"
 
 #include <algorithm>
 #include <cmath>

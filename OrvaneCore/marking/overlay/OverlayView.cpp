@@ -1,9 +1,9 @@
 #include "OrvaneCore/marking/overlay/OverlayView.h"
 
-#include "OrvaneCore/marking/MarkerManager.h"
-#include "OrvaneCore/marking/overlay/AnnotationTextPopover.h"
+#include "OrvaneCore/marking/editing/AnnotationTextPopover.h"
+#include "OrvaneCore/marking/editing/MarkupPalette.h"
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/MarkerPopover.h"
-#include "OrvaneCore/marking/overlay/MarkupPalette.h"
 #include "OrvaneCore/marking/overlay/OverlayBar.h"
 #include "OrvaneCore/marking/overlay/OverlayCommands.h"
 #include "OrvaneCore/marking/overlay/OverlayDamage.h"

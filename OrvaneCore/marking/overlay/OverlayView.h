@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/Observers.h"
+#include "OrvaneCore/base/Observers.h"
 #include "OrvaneCore/marking/overlay/OverlayGestures.h"
 #include "OrvaneCore/marking/overlay/OverlayScene.h"
 

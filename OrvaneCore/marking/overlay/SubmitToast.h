@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvaneCore/marking/MarkerManager.h"
+#include "OrvaneCore/marking/submit/SubmitRequest.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "OrvanePlatform/media/ffmpeg/AvLog.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 
 #include <QString>
 

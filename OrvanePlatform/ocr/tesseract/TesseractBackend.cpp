@@ -1,6 +1,6 @@
 #include "OrvanePlatform/ocr/tesseract/TesseractBackend.h"
 
-#include "OrvaneCore/Log.h"
+#include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvanePlatform/ocr/layout/LinePicture.h"
 #include "OrvanePlatform/ocr/tesseract/LanguageData.h"

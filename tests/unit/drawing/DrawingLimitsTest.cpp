@@ -1,4 +1,4 @@
-#include "OrvaneCore/marking/DrawingLimits.h"
+#include "OrvaneCore/drawing/DrawingLimits.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "OrvaneCore/marking/DrawnText.h"
+#include "OrvaneCore/drawing/DrawnText.h"
 
-#include "tests/unit/drawing/Drawings.h"
+#include "tests/unit/marking/Drawings.h"
 
 #include <QGuiApplication>
 

@@ -1,4 +1,4 @@
-#include "OrvaneCore/marking/SoftShadow.h"
+#include "OrvaneCore/drawing/SoftShadow.h"
 
 #include "tests/support/DrawnPixels.h"
 

@@ -1,6 +1,6 @@
 #include "OrvaneCore/marking/Palettes.h"
 
-#include "OrvaneCore/marking/ColorText.h"
+#include "OrvaneCore/drawing/ColorText.h"
 
 #include <QStringList>
 

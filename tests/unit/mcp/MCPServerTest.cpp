@@ -1,7 +1,7 @@
 #include "OrvaneCore/mcp/MCPServer.h"
 
-#include "OrvaneCore/mcp/MessageCodec.h"
-#include "OrvaneCore/mcp/MessageError.h"
+#include "OrvaneCore/base/MessageCodec.h"
+#include "OrvaneCore/base/MessageError.h"
 #include "OrvaneCore/mcp/ToolCatalogue.h"
 #include "tests/unit/mcp/FakeToolCallHandler.h"
 

@@ -1,7 +1,7 @@
 #include "OrvanePlatform/ocr/LazyTextRecognition.h"
 
-#include "OrvaneCore/marking/TextRecognizer.h"
 #include "OrvaneCore/platform/PlatformError.h"
+#include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvanePlatform/modules/ModuleLoader.h"
 #include "tests/unit/ocr/TextPicture.h"
 

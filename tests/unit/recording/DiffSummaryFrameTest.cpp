@@ -1,7 +1,7 @@
 #include "OrvaneCore/recording/DiffSummaryFrame.h"
 
-#include "OrvaneCore/marking/DrawingColors.h"
-#include "OrvaneCore/marking/DrawnText.h"
+#include "OrvaneCore/drawing/DrawingColors.h"
+#include "OrvaneCore/drawing/DrawnText.h"
 #include "tests/support/DrawnPixels.h"
 
 #include <gtest/gtest.h>

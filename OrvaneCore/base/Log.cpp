@@ -1,0 +1,32 @@
+#include "OrvaneCore/base/Log.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+void writeLine(const QByteArray& line) {
+    // stderr is unbuffered: one fwrite is one write, so lines of several threads do not mix.
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+}
+
+} // namespace
+
+void logLine(QStringView message) {
+    writeLine("orvane: " + message.toUtf8() + '\n');
+}
+
+void logBareLine(QStringView line) {
+    writeLine(line.toUtf8() + '\n');
+}
+
+void logQtMessages() {
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& message) { logLine(message); });
+}
+
+} // namespace orvane

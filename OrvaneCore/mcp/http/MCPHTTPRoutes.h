@@ -1,0 +1,30 @@
+#pragma once
+
+#include "OrvaneCore/mcp/http/MCPHTTPRequest.h"
+#include "OrvaneCore/mcp/http/MCPHTTPResponse.h"
+
+#include <QByteArrayView>
+
+#include <optional>
+
+namespace orvane {
+
+class MCPServer;
+
+/// What the local host answers to a request. Any thread.
+class MCPHTTPRoutes {
+public:
+    MCPHTTPRoutes() = delete;
+
+    /// The reply to all that is not for the MCP server: the health check, and what is refused. Nothing for a
+    /// message that `answer` is to handle. An empty token lets no message through.
+    static std::optional<MCPHTTPResponse> answerAtOnce(const MCPHTTPRequest& request, QByteArrayView token);
+
+    /// The reply to a message, which a body that is not UTF-8 leaves empty. Blocks as long as the tool takes.
+    static MCPHTTPResponse answer(const MCPServer& server, QByteArrayView body);
+
+    static MCPHTTPResponse badRequest();
+    static MCPHTTPResponse payloadTooLarge();
+};
+
+} // namespace orvane

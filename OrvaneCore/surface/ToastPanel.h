@@ -1,0 +1,68 @@
+#pragma once
+
+#include "OrvaneCore/surface/ToastLayout.h"
+
+#include <QPixmap>
+#include <QTimer>
+#include <QVariantAnimation>
+#include <QWidget>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class QPainter;
+class QScreen;
+
+namespace orvane {
+
+class DrawnText;
+
+/// What a toast says.
+struct ToastMessage {
+    QString title;
+    /// Nothing or an empty text: the title stands alone.
+    std::optional<QString> subtitle;
+    /// A symbol's name (SymbolGlyphs.h). One that is not known is no icon.
+    std::optional<QString> icon;
+};
+
+/// The window of a toast on one screen. It neither takes the focus nor any input, and stands above all other
+/// windows, full-screen ones too. Main thread.
+class ToastPanel : public QWidget {
+public:
+    /// `isComposited` tells whether windows can be translucent now; without it the panel is opaque. `closed`
+    /// is called once, after the panel has gone from the screen.
+    ToastPanel(const ToastMessage& message, const QScreen& screen, bool isComposited,
+               std::function<void(ToastPanel*)> closed);
+    ~ToastPanel() override;
+    ToastPanel(const ToastPanel&) = delete;
+    ToastPanel& operator=(const ToastPanel&) = delete;
+
+    /// Shows the panel for that time, after which it fades out, where it can, and closes.
+    void showFor(std::chrono::milliseconds duration);
+
+    /// The toast itself in global points, without the shadow around it.
+    QRect frame() const { return m_layout.frame; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void drawToast(QPainter& painter) const;
+
+    QString m_icon;
+    bool m_isComposited;
+    std::function<void(ToastPanel*)> m_closed;
+    std::unique_ptr<DrawnText> m_title;
+    std::unique_ptr<DrawnText> m_subtitle;
+    ToastLayout m_layout;
+    /// From the window's corner to the toast's.
+    int m_margin;
+    QTimer m_dismissTimer;
+    QVariantAnimation m_fade;
+    /// What fades out: the whole at once, and not part over part.
+    QPixmap m_fadingPicture;
+};
+
+} // namespace orvane

@@ -1,0 +1,53 @@
+#include "OrvaneCore/surface/ToastWindow.h"
+
+#include "OrvaneCore/surface/ToastPanel.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace orvane {
+
+ToastWindow::ToastWindow(IsComposited isComposited)
+    : m_isComposited(std::move(isComposited)) {}
+
+ToastWindow::~ToastWindow() = default;
+
+void ToastWindow::showRich(const QString& title, const std::optional<QString>& subtitle,
+                           const std::optional<QString>& icon, std::chrono::duration<double> duration) {
+    const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(duration);
+    const bool isComposited = m_isComposited();
+    const ToastMessage message{.title = title, .subtitle = subtitle, .icon = icon};
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    m_panels.reserve(m_panels.size() + screens.size());
+    for (const QScreen* screen : screens) {
+        m_panels.push_back(std::make_unique<ToastPanel>(message, *screen, isComposited,
+                                                        [this](ToastPanel* panel) { remove(panel); }));
+        m_panels.back()->showFor(time);
+    }
+}
+
+void ToastWindow::show(const QString& title, std::chrono::duration<double> duration) {
+    showRich(title, std::nullopt, std::nullopt, duration);
+}
+
+std::vector<const ToastPanel*> ToastWindow::panels() const {
+    std::vector<const ToastPanel*> shown;
+    shown.reserve(m_panels.size());
+    for (const auto& panel : m_panels)
+        shown.push_back(panel.get());
+    return shown;
+}
+
+void ToastWindow::remove(ToastPanel* panel) {
+    const auto found = std::find_if(m_panels.begin(), m_panels.end(),
+                                    [panel](const auto& candidate) { return candidate.get() == panel; });
+    if (found == m_panels.end())
+        return;
+    // The panel is in the middle of telling us.
+    found->release()->deleteLater();
+    m_panels.erase(found);
+}
+
+} // namespace orvane

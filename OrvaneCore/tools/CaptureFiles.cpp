@@ -1,0 +1,76 @@
+#include "OrvaneCore/tools/CaptureFiles.h"
+
+#include "OrvaneCore/base/AtomicFile.h"
+#include "OrvaneCore/capture/OrvaneError.h"
+#include "OrvaneCore/capture/ScreenCapture.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <future>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+// File systems take 255 bytes for a name; the rest is for the stamp, the endings and a temporary name.
+constexpr qsizetype longestAppName = 160;
+
+bool isForbidden(QChar character) {
+    return character == u'/' || character.category() == QChar::Other_Control;
+}
+
+} // namespace
+
+CaptureFiles::CaptureFiles(StorageManager& storage, const PngWriter& pngWriter,
+                           std::function<QDateTime()> clock)
+    : m_storage(storage)
+    , m_pngWriter(pngWriter)
+    , m_clock(std::move(clock)) {}
+
+EncodedCapture CaptureFiles::encode(const QImage& image) const {
+    EncodedCapture capture;
+    const bool small = std::max(image.width(), image.height()) <= ScreenCapture::agentMaxDimension;
+    if (small) {
+        capture.fullPng = m_pngWriter.encode(image);
+        capture.agentPng = capture.fullPng;
+        capture.agentSize = image.size();
+    } else {
+        auto full = std::async(std::launch::async, [&] { return m_pngWriter.encode(image); });
+        const QImage agentImage = ScreenCapture::resizeForLLM(image, ScreenCapture::agentMaxDimension);
+        capture.agentPng = m_pngWriter.encode(agentImage);
+        capture.agentSize = agentImage.size();
+        capture.fullPng = full.get();
+    }
+    if (capture.fullPng.isEmpty() || capture.agentPng.isEmpty())
+        throw OrvaneError::captureEncodingFailed();
+    return capture;
+}
+
+void CaptureFiles::save(const EncodedCapture& capture, const std::optional<QString>& appName,
+                        const QString& suffix) const {
+    const QString stamp = m_clock().toLocalTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    const QString application = appName ? u'-' + legalFileName(*appName, longestAppName) : QString();
+    const QString name = stamp + application + suffix + QStringLiteral(".png");
+    // The result does not matter: see the header.
+    static_cast<void>(writeFileAtomically(QDir(m_storage.capturesDir()).filePath(name), capture.fullPng));
+}
+
+QString legalFileName(const QString& name, qsizetype mostBytes) {
+    QString legal = name;
+    for (QChar& character : legal) {
+        if (isForbidden(character))
+            character = u'-';
+    }
+    while (legal.toUtf8().size() > mostBytes) {
+        // A character takes at most three bytes for each UTF-16 unit, so this many units must go in any case.
+        const qsizetype excess = legal.toUtf8().size() - mostBytes;
+        legal.chop(std::max<qsizetype>(1, excess / 3));
+        if (!legal.isEmpty() && legal.back().isHighSurrogate())
+            legal.chop(1);
+    }
+    return legal;
+}
+
+} // namespace orvane

@@ -1,0 +1,65 @@
+#include "OrvaneCore/platform/Shortcut.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+
+using namespace Qt::StringLiterals;
+
+TEST(Shortcut, IsStoredAsAnObjectOfTwoIntegers) {
+    EXPECT_EQ((Shortcut{35, 4352}.toJson()), uR"({"carbonKeyCode":35,"carbonModifiers":4352})"_s);
+    EXPECT_EQ((Shortcut{0, 0}.toJson()), uR"({"carbonKeyCode":0,"carbonModifiers":0})"_s);
+}
+
+TEST(Shortcut, IsReadBack) {
+    const Shortcut shortcut{126, Shortcut::option | Shortcut::shift};
+    EXPECT_EQ(Shortcut::fromJson(shortcut.toJson()), shortcut);
+}
+
+TEST(Shortcut, IsReadWhateverTheLayoutOfTheText) {
+    EXPECT_EQ(Shortcut::fromJson(u" {\n \"carbonModifiers\" : 4352.0, \"carbonKeyCode\": 15 }\n"),
+              (Shortcut{15, 4352}));
+}
+
+TEST(Shortcut, IsReadBesideMembersOfANewerVersion) {
+    EXPECT_EQ(Shortcut::fromJson(uR"({"carbonKeyCode":4,"carbonModifiers":256,"side":"left"})"),
+              (Shortcut{4, 256}));
+}
+
+TEST(Shortcut, KeepsNumbersThatNoKeyboardHas) {
+    EXPECT_EQ(Shortcut::fromJson(uR"({"carbonKeyCode":9999,"carbonModifiers":1})"), (Shortcut{9999, 1}));
+}
+
+class DamagedShortcut : public testing::TestWithParam<const char16_t*> {};
+
+TEST_P(DamagedShortcut, IsNone) {
+    EXPECT_EQ(Shortcut::fromJson(QStringView(GetParam())), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, DamagedShortcut,
+                         testing::Values(u"", u"Super+P", u"{", u"[35, 4352]", u"35", u"null", u"{}",
+                                         uR"({"carbonKeyCode":35})", uR"({"carbonModifiers":4352})",
+                                         uR"({"carbonKeyCode":"35","carbonModifiers":4352})",
+                                         uR"({"carbonKeyCode":35,"carbonModifiers":true})",
+                                         uR"({"carbonKeyCode":35.5,"carbonModifiers":4352})",
+                                         uR"({"carbonKeyCode":-1,"carbonModifiers":4352})",
+                                         uR"({"carbonKeyCode":35,"carbonModifiers":-4352})",
+                                         uR"({"carbonKeyCode":2147483648,"carbonModifiers":4352})",
+                                         uR"({"carbonKeyCode":1e300,"carbonModifiers":4352})",
+                                         uR"({"carbonkeycode":35,"carbonmodifiers":4352})",
+                                         uR"({"carbonKeyCode":35,"carbonModifiers":4352} x)"));
+
+TEST(ShortcutText, NamesModifiersBeforeTheKey) {
+    EXPECT_EQ((Shortcut{35, 4352}.text()), u"Super+Ctrl+P"_s);
+    EXPECT_EQ((Shortcut{49, 256 | 512 | 2048 | 4096}.text()), u"Super+Ctrl+Alt+Shift+Space"_s);
+    EXPECT_EQ((Shortcut{122, 0}.text()), u"F1"_s);
+    EXPECT_EQ((Shortcut{69, Shortcut::option}.text()), u"Alt+Keypad +"_s);
+    EXPECT_EQ((Shortcut{51, Shortcut::control}.text()), u"Ctrl+Backspace"_s);
+    EXPECT_EQ((Shortcut{117, Shortcut::control}.text()), u"Ctrl+Delete"_s);
+}
+
+TEST(ShortcutText, GivesTheNumberOfWhatHasNoName) {
+    EXPECT_EQ((Shortcut{999, 256 | 65536}.text()), u"Super+modifier 65536+key 999"_s);
+}
+
+} // namespace orvane::test
