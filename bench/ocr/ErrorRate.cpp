@@ -8,12 +8,12 @@ namespace orvane::bench {
 
 namespace {
 
-enum class Place { Whole, Best };
+enum class Place { whole, best };
 
 /// The edit distance of `text` to the whole of `read`, or to the part of it that is most like `text`.
 qint64 distance(const QString& text, const QString& read, Place place) {
     std::vector<qint64> row(static_cast<size_t>(read.size()) + 1);
-    if (place == Place::Whole)
+    if (place == Place::whole)
         std::iota(row.begin(), row.end(), 0);
     for (qsizetype index = 0; index < text.size(); ++index) {
         qint64 diagonal = row[0];
@@ -25,21 +25,21 @@ qint64 distance(const QString& text, const QString& read, Place place) {
                 std::min({substituted, diagonal + 1, row[static_cast<size_t>(column)] + 1});
         }
     }
-    return place == Place::Whole ? row.back() : *std::min_element(row.begin(), row.end());
+    return place == Place::whole ? row.back() : *std::min_element(row.begin(), row.end());
 }
 
 } // namespace
 
 ErrorRate errorRate(const QStringList& lines, const QString& read) {
     const QString reference = lines.join(u' ').simplified();
-    return {distance(reference, read.simplified(), Place::Whole), reference.size()};
+    return {distance(reference, read.simplified(), Place::whole), reference.size()};
 }
 
 ErrorRate errorRateInAnyOrder(const QStringList& lines, const QString& read) {
     ErrorRate rate;
     for (const QString& line : lines) {
         const QString reference = line.simplified();
-        rate += {distance(reference, read.simplified(), Place::Best), reference.size()};
+        rate += {distance(reference, read.simplified(), Place::best), reference.size()};
     }
     return rate;
 }

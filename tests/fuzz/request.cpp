@@ -18,9 +18,9 @@ using State = MCPHTTPRequestReader::State;
 /// What the reader has to say about these bytes, told the slow way.
 State expectedState(QByteArrayView received, qsizetype maxBytes) {
     if (received.size() > maxBytes)
-        return State::TooLarge;
+        return State::tooLarge;
     const std::optional<MCPHTTPRequest> request = MCPHTTPRequest::parse(received);
-    return request && request->body.size() >= request->contentLength() ? State::Complete : State::Incomplete;
+    return request && request->body.size() >= request->contentLength() ? State::complete : State::incomplete;
 }
 
 void checkAuth(const MCPHTTPRequest& request) {
@@ -39,16 +39,16 @@ void checkAuth(const MCPHTTPRequest& request) {
 
 void checkPieces(QByteArrayView data, QByteArrayView lengths, qsizetype maxBytes) {
     MCPHTTPRequestReader reader(maxBytes);
-    State state = State::Incomplete;
+    State state = State::incomplete;
     qsizetype at = 0;
-    for (qsizetype turn = 0; at < data.size() && state == State::Incomplete; ++turn) {
+    for (qsizetype turn = 0; at < data.size() && state == State::incomplete; ++turn) {
         const auto wanted = static_cast<unsigned char>(lengths[turn % lengths.size()]);
         const qsizetype length = std::clamp(qsizetype{wanted}, qsizetype{1}, data.size() - at);
         state = reader.append(data.sliced(at, length));
         at += length;
         check(state == expectedState(data.first(at), maxBytes), "the reader agrees with the parser");
     }
-    if (state != State::Complete)
+    if (state != State::complete)
         return;
     const MCPHTTPRequest read = reader.take();
     const std::optional<MCPHTTPRequest> parsed = MCPHTTPRequest::parse(data.first(at));

@@ -47,9 +47,9 @@ MCPHTTPConnection::~MCPHTTPConnection() {
 }
 
 void MCPHTTPConnection::onReadyRead() {
-    if (m_state == State::Receiving)
+    if (m_state == State::receiving)
         receive();
-    else if (m_state == State::Discarding)
+    else if (m_state == State::discarding)
         discard();
 }
 
@@ -60,7 +60,7 @@ void MCPHTTPConnection::receive() {
     // unread, because reading it would close the socket.
     const qint64 available = m_socket.bytesAvailable();
     if (available == 0) {
-        m_state = State::Answering;
+        m_state = State::answering;
         reply(MCPHTTPRoutes::badRequest().bytes());
         return;
     }
@@ -70,30 +70,30 @@ void MCPHTTPConnection::receive() {
         return;
     }
     switch (m_reader.append(piece)) {
-    case ReaderState::Incomplete:
+    case ReaderState::incomplete:
         break;
-    case ReaderState::Complete:
-        m_state = State::Answering;
+    case ReaderState::complete:
+        m_state = State::answering;
         m_events.requested(m_reader.take());
         break;
-    case ReaderState::TooLarge:
+    case ReaderState::tooLarge:
         m_cutShort = true;
-        m_state = State::Answering;
+        m_state = State::answering;
         reply(MCPHTTPRoutes::payloadTooLarge().bytes());
         break;
     }
 }
 
 void MCPHTTPConnection::reply(const QByteArray& bytes) {
-    if (m_state != State::Answering)
+    if (m_state != State::answering)
         return;
-    m_state = State::Replying;
+    m_state = State::replying;
     m_reply = bytes;
     sendMore();
 }
 
 void MCPHTTPConnection::sendMore() {
-    while (m_state == State::Replying && m_socket.bytesToWrite() == 0) {
+    while (m_state == State::replying && m_socket.bytesToWrite() == 0) {
         const qsizetype rest = m_reply.size() - m_sent;
         if (rest == 0) {
             replySent();
@@ -115,7 +115,7 @@ void MCPHTTPConnection::replySent() {
         return;
     }
     // To close a socket with unread input resets the connection, and the client may lose the reply.
-    m_state = State::Discarding;
+    m_state = State::discarding;
     m_quiet.start(quietTime);
     if (unread)
         discard();
@@ -133,9 +133,9 @@ void MCPHTTPConnection::discard() {
 }
 
 void MCPHTTPConnection::end() {
-    if (m_state == State::Ended)
+    if (m_state == State::ended)
         return;
-    m_state = State::Ended;
+    m_state = State::ended;
     m_life.stop();
     m_quiet.stop();
     m_socket.abort();

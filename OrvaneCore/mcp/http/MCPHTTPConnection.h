@@ -43,7 +43,7 @@ public:
     void reply(const QByteArray& bytes);
 
 private:
-    enum class State { Receiving, Answering, Replying, Discarding, Ended };
+    enum class State { receiving, answering, replying, discarding, ended };
 
     void onReadyRead();
     void receive();
@@ -58,7 +58,7 @@ private:
     QTimer m_life;
     QTimer m_quiet;
     MCPHTTPRequestReader m_reader;
-    State m_state = State::Receiving;
+    State m_state = State::receiving;
     QByteArray m_reply;
     qsizetype m_sent = 0;
     /// The reply goes out while the request is still coming in.

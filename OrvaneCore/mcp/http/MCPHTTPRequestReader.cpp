@@ -11,7 +11,7 @@ MCPHTTPRequestReader::MCPHTTPRequestReader(qsizetype maxBytes)
 MCPHTTPRequestReader::State MCPHTTPRequestReader::append(QByteArrayView piece) {
     m_buffer.append(piece);
     if (m_buffer.size() > m_maxBytes)
-        return State::TooLarge;
+        return State::tooLarge;
 
     if (!m_bodyBegin) {
         const QByteArrayView received(m_buffer);
@@ -19,14 +19,14 @@ MCPHTTPRequestReader::State MCPHTTPRequestReader::append(QByteArrayView piece) {
         if (headEnd < 0) {
             // The end may be there in part.
             m_searched = std::max(qsizetype{0}, m_buffer.size() - (MCPHTTPRequest::headEnd.size() - 1));
-            return State::Incomplete;
+            return State::incomplete;
         }
         m_bodyBegin = headEnd + MCPHTTPRequest::headEnd.size();
         m_head = MCPHTTPRequest::parseHead(received.first(headEnd));
         if (m_head)
             m_contentLength = m_head->contentLength();
     }
-    return m_head && m_buffer.size() - *m_bodyBegin >= m_contentLength ? State::Complete : State::Incomplete;
+    return m_head && m_buffer.size() - *m_bodyBegin >= m_contentLength ? State::complete : State::incomplete;
 }
 
 MCPHTTPRequest MCPHTTPRequestReader::take() {

@@ -15,17 +15,17 @@ class MCPHTTPRequestReader {
 public:
     enum class State {
         /// More has to come. A head that is no request's stays so for ever.
-        Incomplete,
+        incomplete,
         /// The head is there and as much of the body as Content-Length announces.
-        Complete,
+        complete,
         /// More bytes than the limit.
-        TooLarge,
+        tooLarge,
     };
 
     explicit MCPHTTPRequestReader(qsizetype maxBytes);
 
     /// Adds a piece and tells what that makes. Nothing may be added once the state is another than
-    /// Incomplete.
+    /// incomplete.
     State append(QByteArrayView piece);
 
     /// The request, once it is complete, with everything behind its head as its body. Call once.
