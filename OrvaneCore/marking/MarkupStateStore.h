@@ -33,6 +33,8 @@ public:
     /// In the order of creation; later ones lie on top.
     virtual const std::vector<Annotation>& annotations() const = 0;
     virtual void setAnnotations(std::vector<Annotation> annotations) = 0;
+    /// Whether the user may move, reshape, restyle and remove it.
+    virtual bool canChange(const Annotation& annotation) const = 0;
 
     /// Called after each change of anything that the store keeps.
     [[nodiscard]] virtual Observers::Subscription observe(std::function<void()> changed) = 0;
@@ -40,5 +42,9 @@ public:
 protected:
     MarkupStateStore() = default;
 };
+
+/// The one with that id, until the store changes; null when there is none.
+const Annotation* findAnnotation(const MarkupStateStore& store, const QUuid& id);
+const Annotation* selectedAnnotation(const MarkupStateStore& store);
 
 } // namespace orvane

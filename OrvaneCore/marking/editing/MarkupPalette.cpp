@@ -157,7 +157,7 @@ void MarkupPalette::applyToSelection(const std::function<void(Annotation&)>& cha
     const auto found =
         std::find_if(annotations.begin(), annotations.end(),
                      [&selected](const Annotation& candidate) { return candidate.id == selected; });
-    if (found == annotations.end())
+    if (found == annotations.end() || !m_store.canChange(*found))
         return;
     change(*found);
     m_store.setAnnotations(std::move(annotations));

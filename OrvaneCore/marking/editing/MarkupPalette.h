@@ -16,8 +16,8 @@ namespace orvane {
 class FirstMouseButton;
 
 /// A strip with a button for each drawing tool, colour and stroke width. It shows what the store says, which
-/// it follows by itself, and changes the store. A colour or a width goes to the selected annotation as well.
-/// The mouse over it does not reach the widget below. Main thread.
+/// it follows by itself, and changes the store. A colour or a width goes to the selected annotation as well,
+/// where that may be changed. The mouse over it does not reach the widget below. Main thread.
 class MarkupPalette : public QWidget {
 public:
     /// The store outlives the palette. The tools stand in the given order; the texts name them to who points

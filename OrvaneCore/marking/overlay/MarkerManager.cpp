@@ -54,30 +54,6 @@ void MarkerManager::remove(const QUuid& id) {
     changed();
 }
 
-void MarkerManager::addAnnotation(const Annotation& annotation) {
-    m_annotations.push_back(annotation);
-    m_selectedAnnotationId = annotation.id;
-    changed();
-}
-
-void MarkerManager::updateAnnotation(const Annotation& annotation) {
-    const auto found =
-        std::find_if(m_annotations.begin(), m_annotations.end(),
-                     [&annotation](const Annotation& candidate) { return candidate.id == annotation.id; });
-    if (found == m_annotations.end())
-        return;
-    *found = annotation;
-    changed();
-}
-
-void MarkerManager::removeAnnotation(const QUuid& id) {
-    if (std::erase_if(m_annotations, [&id](const Annotation& candidate) { return candidate.id == id; }) == 0)
-        return;
-    if (m_selectedAnnotationId == id)
-        m_selectedAnnotationId.reset();
-    changed();
-}
-
 void MarkerManager::clearAll() {
     m_markers.clear();
     m_annotations.clear();
@@ -173,6 +149,38 @@ void MarkerManager::setSelectedAnnotationId(const std::optional<QUuid>& id) {
 void MarkerManager::setAnnotations(std::vector<Annotation> annotations) {
     m_annotations = std::move(annotations);
     changed();
+}
+
+void MarkerManager::addAnnotation(const Annotation& annotation) {
+    m_annotations.push_back(annotation);
+    m_selectedAnnotationId = annotation.id;
+    changed();
+}
+
+void MarkerManager::updateAnnotation(const Annotation& annotation) {
+    const auto found =
+        std::find_if(m_annotations.begin(), m_annotations.end(),
+                     [&annotation](const Annotation& candidate) { return candidate.id == annotation.id; });
+    if (found == m_annotations.end())
+        return;
+    *found = annotation;
+    changed();
+}
+
+void MarkerManager::removeAnnotation(const QUuid& id) {
+    if (std::erase_if(m_annotations, [&id](const Annotation& candidate) { return candidate.id == id; }) == 0)
+        return;
+    if (m_selectedAnnotationId == id)
+        m_selectedAnnotationId.reset();
+    changed();
+}
+
+bool MarkerManager::canHit(const Annotation& /*annotation*/) const {
+    return true;
+}
+
+bool MarkerManager::canChange(const Annotation& /*annotation*/) const {
+    return true;
 }
 
 Observers::Subscription MarkerManager::observe(std::function<void()> changed) {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "OrvaneCore/marking/AnnotationDocument.h"
 #include "OrvaneCore/marking/Marker.h"
-#include "OrvaneCore/marking/MarkupStateStore.h"
 #include "OrvaneCore/marking/submit/SubmitRequest.h"
 #include "OrvaneCore/send/SendTarget.h"
 
@@ -13,8 +13,9 @@ namespace orvane {
 class SettingsStore;
 
 /// The document behind the overlay: the marks, the modes, the tool, the selection. It knows nothing of those
-/// who show it; they observe it. Main thread. Geometry is in global points, y down.
-class MarkerManager final : public MarkupStateStore {
+/// who show it; they observe it. Every mark is the human's own. Main thread. Geometry is in global points, y
+/// down.
+class MarkerManager final : public AnnotationDocument {
 public:
     /// The settings, which keep the image mode, outlive this object.
     explicit MarkerManager(SettingsStore& settings);
@@ -26,13 +27,6 @@ public:
     void updateLabel(const QUuid& id, const QString& label);
     void updateRect(const QUuid& id, const QRectF& rect);
     void remove(const QUuid& id);
-
-    /// Appends and selects it.
-    void addAnnotation(const Annotation& annotation);
-    /// Replaces the one with the same id.
-    void updateAnnotation(const Annotation& annotation);
-    /// Every one with that id.
-    void removeAnnotation(const QUuid& id);
 
     /// Removes all marks and selects nothing; modes, tool and colours stay.
     void clearAll();
@@ -77,6 +71,12 @@ public:
     void setSelectedAnnotationId(const std::optional<QUuid>& id) override;
     const std::vector<Annotation>& annotations() const override { return m_annotations; }
     void setAnnotations(std::vector<Annotation> annotations) override;
+    void addAnnotation(const Annotation& annotation) override;
+    void updateAnnotation(const Annotation& annotation) override;
+    void removeAnnotation(const QUuid& id) override;
+    bool canHit(const Annotation& annotation) const override;
+    bool canChange(const Annotation& annotation) const override;
+    Annotation::Role roleOfNew() const override { return Annotation::Role::human; }
     [[nodiscard]] Observers::Subscription observe(std::function<void()> changed) override;
 
 private:

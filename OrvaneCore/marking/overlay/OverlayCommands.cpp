@@ -1,5 +1,6 @@
 #include "OrvaneCore/marking/overlay/OverlayCommands.h"
 
+#include "OrvaneCore/marking/editing/AnnotationRemoval.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/send/SendTargets.h"
 
@@ -51,18 +52,19 @@ void OverlayCommands::perform(OverlayCommand command) {
 }
 
 void OverlayCommands::deleteMark() {
-    // The ids are copied: what they are read from goes with the mark.
-    if (const std::optional<QUuid> annotation = m_manager.selectedAnnotationId()) {
-        m_manager.removeAnnotation(*annotation);
-    } else if (const std::optional<QUuid> marker = m_manager.selectedMarkerId()) {
+    if (removeSelectedAnnotation(m_manager))
+        return;
+    if (const std::optional<QUuid> marker = m_manager.selectedMarkerId()) {
         m_manager.remove(*marker);
-    } else if (m_manager.markupMode() && !m_manager.annotations().empty()) {
-        const QUuid last = m_manager.annotations().back().id;
-        m_manager.removeAnnotation(last);
-    } else if (!m_manager.markers().empty()) {
-        const QUuid last = m_manager.markers().back().id;
-        m_manager.remove(last);
+        return;
     }
+    if (m_manager.markupMode() && removeLastAnnotation(m_manager))
+        return;
+    if (m_manager.markers().empty())
+        return;
+    // The id is copied: what it is read from goes with the marker.
+    const QUuid last = m_manager.markers().back().id;
+    m_manager.remove(last);
 }
 
 void OverlayCommands::toggleMarkup() {

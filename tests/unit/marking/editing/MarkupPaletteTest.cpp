@@ -1,11 +1,10 @@
 #include "OrvaneCore/marking/editing/MarkupPalette.h"
 
 #include "OrvaneCore/marking/Palettes.h"
-#include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/surface/FirstMouseButton.h"
 #include "tests/support/DrawnPixels.h"
-#include "tests/support/InMemorySettings.h"
 #include "tests/support/WidgetTest.h"
+#include "tests/unit/marking/editing/FakeAnnotationDocument.h"
 
 #include <QLineEdit>
 
@@ -31,8 +30,7 @@ const std::vector<std::pair<AnnotationTool, QString>> tools{
 class MarkupPaletteTest : public testing::Test {
 protected:
     MarkupPaletteTest()
-        : store(settings)
-        , ground({800, 300})
+        : ground({800, 300})
         , palette(store, tools, &ground) {
         palette.setOnChange([this] { ++changes; });
         palette.move(100, 100);
@@ -70,8 +68,7 @@ protected:
         test::releaseAt(ground, start + way);
     }
 
-    test::InMemorySettings settings;
-    MarkerManager store;
+    test::FakeAnnotationDocument store;
     test::WidgetGround ground;
     MarkupPalette palette;
     int changes = 0;
@@ -172,6 +169,20 @@ TEST_F(MarkupPaletteTest, ChangesNoAnnotationWithoutASelection) {
     EXPECT_EQ(store.annotations()[0].strokeWidth, 1);
 }
 
+TEST_F(MarkupPaletteTest, GivesNothingToASelectionThatCannotBeChanged) {
+    const Annotation selected{.color = Qt::cyan, .strokeWidth = 1};
+    store.setAnnotations({selected});
+    store.setSelectedAnnotationId(selected.id);
+    store.isChangeable = [](const Annotation&) { return false; };
+    test::click(color(1));
+    test::click(stroke(0));
+    EXPECT_EQ(store.annotations()[0].color, QColor(Qt::cyan));
+    EXPECT_EQ(store.annotations()[0].strokeWidth, 1);
+    EXPECT_EQ(store.markupColor(), QColor::fromRgb(MarkupColors::presets[1]));
+    EXPECT_EQ(store.markupStrokeWidth(), 3);
+    EXPECT_EQ(changes, 2);
+}
+
 TEST_F(MarkupPaletteTest, HasChangedTheStoreWhenItTellsOfIt) {
     AnnotationTool told = AnnotationTool::region;
     palette.setOnChange([&] { told = store.currentTool(); });
@@ -180,6 +191,7 @@ TEST_F(MarkupPaletteTest, HasChangedTheStoreWhenItTellsOfIt) {
 }
 
 TEST_F(MarkupPaletteTest, ShowsTheStateOfTheStore) {
+    store.setCurrentTool(AnnotationTool::region);
     EXPECT_THAT(shownAsOn(), ElementsAre(u"Red"_s, u"Medium"_s)) << "the tool is one that it does not have";
     store.setCurrentTool(AnnotationTool::ellipse);
     store.setMarkupColor(QColor::fromRgb(MarkupColors::presets[5]));
