@@ -23,24 +23,12 @@ QString text(const QRectF& rect) {
 
 } // namespace
 
-QPointF OverlayCoordinates::convertPointToScreen(const QPointF& viewPoint) const {
-    return viewPoint + frame.topLeft();
-}
-
-QPointF OverlayCoordinates::convertPointFromScreen(const QPointF& globalPoint) const {
-    return globalPoint - frame.topLeft();
-}
-
 QRectF OverlayCoordinates::convertToScreen(const QRectF& viewRect) const {
-    const QRectF global = viewRect.translated(frame.topLeft());
+    const QRectF global = view.convertToScreen(viewRect);
     logLine(u"convert viewRect=%1 → cocoaScreen=%2 → quartz=%3 mainH=%4"_s.arg(
-        text(yUp(viewRect, frame.height())), text(yUp(global, primaryHeight)), text(global),
+        text(yUp(viewRect, view.frame.height())), text(yUp(global, primaryHeight)), text(global),
         fixedText(primaryHeight, 1)));
     return global;
-}
-
-QRectF OverlayCoordinates::convertFromScreen(const QRectF& globalRect) const {
-    return globalRect.translated(-frame.topLeft());
 }
 
 } // namespace orvane

@@ -62,6 +62,7 @@ OverlayView::OverlayView(const OverlayDocument& document, QWidget* parent)
     : QWidget(parent)
     , m_document(document)
     , m_gestures(document.manager, *this)
+    , m_refresh([this] { refresh(); })
     , m_bar(new OverlayBar(
           document.manager, [this](OverlayCommand command) { m_document.commands.perform(command); },
           document.targetIcon, this))
@@ -72,7 +73,7 @@ OverlayView::OverlayView(const OverlayDocument& document, QWidget* parent)
     setCursor(Qt::CrossCursor);
     m_palette->setDraggable(true);
     m_palette->hide();
-    m_subscription = m_document.manager.observe([this] { refresh(); });
+    m_subscription = m_document.manager.observe([this] { m_refresh.request(); });
 }
 
 OverlayView::~OverlayView() = default;
@@ -80,7 +81,7 @@ OverlayView::~OverlayView() = default;
 void OverlayView::setFrame(const QRect& globalFrame, qreal primaryHeight) {
     m_frame = globalFrame;
     m_gestures.setFrame(globalFrame, primaryHeight);
-    refresh();
+    m_refresh.request();
 }
 
 void OverlayView::closeEditors() {
@@ -111,7 +112,7 @@ void OverlayView::paintEvent(QPaintEvent* event) {
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
     placeControls();
-    refresh();
+    m_refresh.request();
 }
 
 void OverlayView::placeControls() {
@@ -124,6 +125,7 @@ void OverlayView::placeControls() {
 // window to whole points, and a pixel may be less.
 
 void OverlayView::mousePressEvent(QMouseEvent* event) {
+    const EventRefresh::Event handled(m_refresh);
     if (event->button() == Qt::LeftButton)
         m_gestures.pointerPressed(event->scenePosition());
     else if (event->button() == Qt::RightButton)
@@ -136,6 +138,7 @@ void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void OverlayView::mouseMoveEvent(QMouseEvent* event) {
+    const EventRefresh::Event handled(m_refresh);
     if (event->buttons().testFlag(Qt::LeftButton)) {
         m_gestures.pointerDragged(event->scenePosition());
         return;
@@ -146,11 +149,13 @@ void OverlayView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void OverlayView::mouseReleaseEvent(QMouseEvent* event) {
+    const EventRefresh::Event handled(m_refresh);
     if (event->button() == Qt::LeftButton)
         m_gestures.pointerReleased(event->scenePosition());
 }
 
 void OverlayView::leaveEvent(QEvent* /*event*/) {
+    const EventRefresh::Event handled(m_refresh);
     m_gestures.pointerLeft();
 }
 
@@ -162,6 +167,7 @@ void OverlayView::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
         return;
     }
+    const EventRefresh::Event handled(m_refresh);
     if (!event->isAutoRepeat() || *command == OverlayCommand::deleteMark)
         m_document.commands.perform(*command);
 }
@@ -208,10 +214,6 @@ void OverlayView::openTextEditor(const QUuid& annotation, const QPointF& viewPoi
 
 void OverlayView::takeKeyboard() {
     setFocus();
-}
-
-void OverlayView::gestureChanged() {
-    refresh();
 }
 
 void OverlayView::refresh() {

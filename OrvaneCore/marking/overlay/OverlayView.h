@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/base/Observers.h"
+#include "OrvaneCore/marking/editing/EventRefresh.h"
 #include "OrvaneCore/marking/overlay/OverlayGestures.h"
 #include "OrvaneCore/marking/overlay/OverlayScene.h"
 
@@ -33,7 +34,7 @@ struct OverlayDocument {
 
 /// The overlay on one display: hands events to the rules, shows what the marks look like, and holds the
 /// editors, the bar and the palette. Main thread.
-class OverlayView final : public QWidget, private OverlayGestures::View {
+class OverlayView : public QWidget, private OverlayGestures::View {
 public:
     OverlayView(const OverlayDocument& document, QWidget* parent);
     ~OverlayView() override;
@@ -57,6 +58,9 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
+    /// All that is to be shown now.
+    virtual OverlayScene scene() const;
+
 private:
     struct DeleteLater {
         void operator()(QObject* object) const { object->deleteLater(); }
@@ -68,18 +72,17 @@ private:
     void openTextEditor(const QUuid& annotation, const QPointF& viewPoint) override;
     void closeTextEditor() override;
     void takeKeyboard() override;
-    void gestureChanged() override;
 
     /// Repaints what differs from what is shown.
     void refresh();
     void placeControls();
-    OverlayScene scene() const;
     std::optional<int> keyCode(const QKeyEvent& event) const;
 
     OverlayDocument m_document;
     OverlayGestures m_gestures;
     QRect m_frame;
     OverlayScene m_shown;
+    EventRefresh m_refresh;
     OverlayBar* m_bar;
     MarkupPalette* m_palette;
     Editor<MarkerPopover> m_labelEditor;

@@ -35,11 +35,9 @@ public:
         whenClosing();
     }
     void takeKeyboard() override { calls.emplace_back("take keyboard"); }
-    void gestureChanged() override { ++changes; }
 
-    /// All but `gestureChanged`, in their order.
+    /// In their order.
     std::vector<std::string> calls;
-    int changes = 0;
     QUuid editedMarker;
     QUuid editedAnnotation;
     /// Where the editor that was opened last belongs.
@@ -47,8 +45,29 @@ public:
     std::function<void()> whenClosing = [] {};
 };
 
+/// The document of the overlay, and a view.
+class MarkedScreenTest : public testing::Test {
+protected:
+    QUuid region(const QRectF& rect) { return manager.add(rect, QString()).id; }
+    /// Without selecting it.
+    QUuid shape(Annotation::Kind kind, const QPointF& start, const QPointF& end) {
+        const Annotation added{.kind = kind, .start = start, .end = end, .strokeWidth = 3};
+        manager.addAnnotation(added);
+        manager.setSelectedAnnotationId(std::nullopt);
+        return added.id;
+    }
+    const Marker& markerNumber(int number) const { return manager.markers().at(std::size_t(number) - 1); }
+    const Annotation& annotationNumber(int number) const {
+        return manager.annotations().at(std::size_t(number) - 1);
+    }
+
+    InMemorySettings settings;
+    MarkerManager manager{settings};
+    RecordingView view;
+};
+
 /// One view with its origin at the global one, unless a test moves it.
-class GestureTest : public testing::Test {
+class GestureTest : public MarkedScreenTest {
 protected:
     GestureTest() { gestures.setFrame({0, 0, 1920, 1080}, 1080); }
 
@@ -65,23 +84,6 @@ protected:
         release(to);
     }
 
-    QUuid region(const QRectF& rect) { return manager.add(rect, QString()).id; }
-    /// Without selecting it.
-    QUuid shape(Annotation::Kind kind, const QPointF& start, const QPointF& end,
-                const QString& text = QString()) {
-        const Annotation added{.kind = kind, .start = start, .end = end, .text = text, .strokeWidth = 3};
-        manager.addAnnotation(added);
-        manager.setSelectedAnnotationId(std::nullopt);
-        return added.id;
-    }
-    const Marker& markerNumber(int number) const { return manager.markers().at(std::size_t(number) - 1); }
-    const Annotation& annotationNumber(int number) const {
-        return manager.annotations().at(std::size_t(number) - 1);
-    }
-
-    InMemorySettings settings;
-    MarkerManager manager{settings};
-    RecordingView view;
     OverlayGestures gestures{manager, view};
 };
 
