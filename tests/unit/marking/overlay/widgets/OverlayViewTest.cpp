@@ -1,0 +1,284 @@
+#include "OrvaneCore/marking/overlay/OverlayView.h"
+
+#include "OrvaneCore/marking/overlay/MarkerManager.h"
+#include "OrvaneCore/marking/overlay/OverlayCommands.h"
+#include "OrvaneCore/marking/overlay/OverlayPainter.h"
+#include "OrvaneCore/platform/DesktopKeyboard.h"
+#include "OrvaneCore/send/SendTargets.h"
+#include "OrvaneCore/surface/FirstMouseButton.h"
+#include "tests/support/InMemorySettings.h"
+#include "tests/support/WidgetTest.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QScreen>
+
+namespace orvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Knows no key but M.
+class LetterKeyboard : public DesktopKeyboard {
+public:
+    void give(quintptr /*window*/) override {}
+    void giveBack() override {}
+    std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return 46; }
+};
+
+class CountingView : public OverlayView {
+public:
+    using OverlayView::OverlayView;
+
+    /// What is to be shown, whether or not it is.
+    OverlayScene current() const { return OverlayView::scene(); }
+
+    mutable int scenes = 0;
+
+protected:
+    OverlayScene scene() const override {
+        ++scenes;
+        return OverlayView::scene();
+    }
+};
+
+class OverlayViewTest : public testing::Test {
+protected:
+    OverlayViewTest()
+        : ground({800, 600})
+        , view(overlay, &ground) {
+        view.setGeometry(ground.rect());
+        view.setFrame({-100, 50, 800, 600}, 1080);
+        view.show();
+        view.setFocus();
+        QCoreApplication::processEvents();
+        view.scenes = 0;
+    }
+
+    // What the window gets, as a real pointer would have it. A pointer is where it presses already.
+    void press(const QPoint& place) { test::pressAt(view, place); }
+    void moveTo(const QPoint& place) { test::moveTo(ground, place); }
+    void release(const QPoint& place) { test::releaseAt(ground, place); }
+    void drag(const QPoint& from, const QPoint& to) {
+        moveTo(from);
+        press(from);
+        moveTo((from + to) / 2);
+        moveTo(to);
+        release(to);
+    }
+
+    /// A region whose label is not being written any more.
+    void drawRegion(const QPoint& from, const QPoint& to) {
+        drag(from, to);
+        view.closeEditors();
+    }
+
+    template <typename Action>
+    int scenesOf(Action action) {
+        const int before = view.scenes;
+        action();
+        return view.scenes - before;
+    }
+
+    /// Whether the window shows what the document and the gesture are now. What other widgets cover does not
+    /// count.
+    testing::AssertionResult isShown() {
+        QCoreApplication::processEvents();
+        QImage shown = QGuiApplication::primaryScreen()
+                           ->grabWindow(ground.winId())
+                           .toImage()
+                           .convertToFormat(QImage::Format_RGB32);
+        QImage expected(shown.size(), QImage::Format_RGB32);
+        expected.fill(ground.palette().color(QPalette::Window));
+        QPainter painter(&expected);
+        paintOverlay(painter, view.current(), expected.rect());
+        QPainter cover(&shown);
+        for (const QWidget* child : view.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (!child->isVisible())
+                continue;
+            painter.fillRect(child->geometry(), Qt::black);
+            cover.fillRect(child->geometry(), Qt::black);
+        }
+        painter.end();
+        cover.end();
+        if (shown == expected)
+            return testing::AssertionSuccess();
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                if (shown.pixel(x, y) != expected.pixel(x, y))
+                    return testing::AssertionFailure() << "another pixel at " << x << ", " << y;
+            }
+        }
+        return testing::AssertionFailure() << "a picture of another kind";
+    }
+
+    test::InMemorySettings settings;
+    MarkerManager manager{settings};
+    SendTargets targets;
+    OverlayCommands commands{manager, targets, [] {}, [] {}};
+    LetterKeyboard keyboard;
+    OverlayDocument overlay{.manager = manager,
+                            .commands = commands,
+                            .keyboard = keyboard,
+                            .targetIcon = [](const SendTarget&) { return QIcon(); }};
+    test::WidgetGround ground;
+    CountingView view;
+};
+
+TEST_F(OverlayViewTest, APointerThatMovesMakesOneScene) {
+    EXPECT_EQ(scenesOf([this] { moveTo({100, 100}); }), 1);
+    EXPECT_TRUE(isShown());
+    EXPECT_EQ(scenesOf([this] { moveTo({300, 200}); }), 1);
+    EXPECT_TRUE(isShown());
+    QEvent leave(QEvent::Leave);
+    EXPECT_EQ(scenesOf([this, &leave] { QCoreApplication::sendEvent(&view, &leave); }), 1);
+    EXPECT_EQ(view.current().mousePosition, std::nullopt);
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, EachStepOfARegionMakesOneScene) {
+    moveTo({100, 100});
+    EXPECT_EQ(scenesOf([this] { press({100, 100}); }), 1);
+    for (const QPoint& place : {QPoint(150, 160), QPoint(300, 250), QPoint(60, 70)}) {
+        EXPECT_EQ(scenesOf([this, place] { moveTo(place); }), 1);
+        EXPECT_TRUE(isShown());
+    }
+    EXPECT_EQ(scenesOf([this] { release({60, 70}); }), 1);
+    EXPECT_EQ(manager.markers().size(), 1U);
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, EachStepOfAMarkerThatIsDraggedMakesOneScene) {
+    drawRegion({100, 100}, {300, 250});
+    for (const QPoint& from : {QPoint(200, 100), QPoint(320, 280)}) {
+        moveTo(from);
+        EXPECT_EQ(scenesOf([this, from] { press(from); }), 1);
+        for (const QPoint& way : {QPoint(10, 15), QPoint(20, 30)}) {
+            const QRectF before = manager.markers()[0].rect;
+            EXPECT_EQ(scenesOf([this, from, way] { moveTo(from + way); }), 1);
+            EXPECT_NE(manager.markers()[0].rect, before);
+            EXPECT_TRUE(isShown());
+        }
+        EXPECT_EQ(scenesOf([this, from] { release(from + QPoint(20, 30)); }), 1);
+        EXPECT_TRUE(isShown());
+    }
+}
+
+TEST_F(OverlayViewTest, EachStepOfAShapeMakesOneScene) {
+    commands.perform(OverlayCommand::toggleMarkup);
+    manager.setCurrentTool(AnnotationTool::box);
+    // Drawn, reshaped by its corner, moved by its outline.
+    for (const auto& [from, to] :
+         {std::pair(QPoint(100, 100), QPoint(200, 180)), std::pair(QPoint(200, 180), QPoint(260, 240)),
+          std::pair(QPoint(180, 100), QPoint(190, 130))}) {
+        moveTo(from);
+        EXPECT_EQ(scenesOf([this, from = from] { press(from); }), 1);
+        EXPECT_TRUE(isShown());
+        for (const QPoint& place : {(from + to) / 2, to}) {
+            EXPECT_EQ(scenesOf([this, place] { moveTo(place); }), 1);
+            EXPECT_TRUE(isShown());
+        }
+        EXPECT_EQ(scenesOf([this, to = to] { release(to); }), 1);
+        EXPECT_TRUE(isShown());
+    }
+    ASSERT_EQ(manager.annotations().size(), 1U);
+    EXPECT_EQ(manager.annotations()[0].boundingRect(), QRectF(10, 180, 160, 140));
+}
+
+TEST_F(OverlayViewTest, APressThatEndsATextAndBeginsAnotherMakesOneScene) {
+    commands.perform(OverlayCommand::toggleMarkup);
+    manager.setCurrentTool(AnnotationTool::text);
+    press({100, 100});
+    release({100, 100});
+    test::typeText(u"see"_s);
+    moveTo({100, 300});
+    EXPECT_EQ(scenesOf([this] { press({100, 300}); }), 1);
+    ASSERT_EQ(manager.annotations().size(), 2U);
+    EXPECT_EQ(manager.annotations()[0].text, u"see"_s);
+    EXPECT_TRUE(isShown());
+    release({100, 300});
+    test::typeKey(ground, Qt::Key_Escape);
+    EXPECT_EQ(manager.annotations().size(), 1U);
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, AKeyThatChangesSeveralThingsMakesOneScene) {
+    manager.setSelectedMarkerId(manager.add({0, 150, 200, 100}, QString()).id);
+    EXPECT_EQ(scenesOf([this] { test::typeKey(ground, Qt::Key_M); }), 1);
+    EXPECT_TRUE(manager.markupMode());
+    EXPECT_EQ(manager.selectedMarkerId(), std::nullopt);
+    EXPECT_TRUE(isShown());
+    EXPECT_EQ(scenesOf([this] { test::typeKey(ground, Qt::Key_Backspace); }), 1);
+    EXPECT_TRUE(manager.markers().empty());
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, WhatOthersChangeIsShownAtOnce) {
+    const QUuid marker = manager.add({0, 150, 200, 100}, u"label"_s).id;
+    EXPECT_EQ(view.scenes, 1);
+    EXPECT_TRUE(isShown());
+    manager.updateRect(marker, {40, 190, 150, 200});
+    EXPECT_EQ(view.scenes, 2);
+    EXPECT_TRUE(isShown());
+    manager.addAnnotation({.start = {100, 100}, .end = {300, 300}, .color = Qt::red, .strokeWidth = 6});
+    EXPECT_EQ(view.scenes, 3);
+    EXPECT_TRUE(isShown());
+    manager.clearAll();
+    EXPECT_EQ(view.scenes, 4);
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, AClickOnTheBarIsShown) {
+    drawRegion({100, 100}, {300, 250});
+    auto* button = view.findChild<FirstMouseButton*>(u"spotlightButton"_s);
+    ASSERT_TRUE(button);
+    test::click(*button);
+    EXPECT_TRUE(manager.modes().spotlight);
+    EXPECT_TRUE(isShown());
+    test::click(*view.findChild<FirstMouseButton*>(u"markupButton"_s));
+    EXPECT_TRUE(manager.markupMode());
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, WhatHappensInAnotherViewIsShownHere) {
+    test::WidgetGround otherGround({400, 300});
+    CountingView other(overlay, &otherGround);
+    other.setGeometry(otherGround.rect());
+    other.setFrame({700, 50, 400, 300}, 1080);
+    other.show();
+
+    // From the other view into this one.
+    test::moveTo(otherGround, {100, 100});
+    other.scenes = 0;
+    test::pressAt(other, {100, 100});
+    test::moveTo(otherGround, {-400, 220});
+    EXPECT_EQ(other.scenes, 2);
+    test::releaseAt(otherGround, {-400, 220});
+    ASSERT_EQ(manager.markers().size(), 1U);
+    EXPECT_EQ(manager.markers()[0].rect, QRectF(300, 150, 500, 120));
+    EXPECT_TRUE(isShown());
+
+    other.closeEditors();
+    test::pressAt(other, {50, 100});
+    const int scenes = view.scenes;
+    other.scenes = 0;
+    test::moveTo(otherGround, {30, 140});
+    EXPECT_EQ(other.scenes, 1);
+    EXPECT_EQ(view.scenes, scenes + 1);
+    EXPECT_TRUE(isShown());
+    test::releaseAt(otherGround, {30, 140});
+}
+
+TEST_F(OverlayViewTest, WhatIsShownIsStillSoWhenTheViewIsElsewhere) {
+    manager.add({0, 150, 200, 100}, QString());
+    view.setFrame({-300, 20, 800, 600}, 1080);
+    EXPECT_TRUE(isShown());
+    view.resize(700, 500);
+    EXPECT_EQ(view.current().size, QSizeF(700, 500));
+}
+
+} // namespace
+
+} // namespace orvane
