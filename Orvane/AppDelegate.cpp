@@ -36,7 +36,7 @@ AppDelegate::AppDelegate(Platform& platform)
     , m_endpoint(QDir::homePath(), platform.secretStore())
     , m_hotkeys(platform.makeHotkeys())
     , m_shortcuts(platform.settingsStore(), *m_hotkeys)
-    , m_toast([&platform] { return platform.desktopShell().isComposited(); })
+    , m_toast(platform.surfaces())
     , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
                   [this](const auto& answer) { chooseTarget(answer); })
     , m_markers(platform.settingsStore())
@@ -52,13 +52,12 @@ AppDelegate::AppDelegate(Platform& platform)
                  .pipeline = m_submitPipeline,
                  .tasks = m_tasks,
                  .keyboard = platform.desktopKeyboard(),
+                 .surfaces = platform.surfaces(),
                  .displays = platform.displays(),
                  .capture = m_services.screenCapture(),
-                 .isComposited = [&platform] { return platform.desktopShell().isComposited(); },
-                 .showToast =
-                     [this](const SubmitToast& toast) {
-                         showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
-                     }}) {}
+                 .showToast = [this](const SubmitToast& toast) {
+                     showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
+                 }}) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -93,7 +92,7 @@ void AppDelegate::setupMenuBar() {
     m_statusItem = std::make_unique<StatusItem>(
         [this] { return menuState(); },
         [this](StatusAction action, const std::optional<QString>& payload) { perform(action, payload); },
-        [this] { return m_platform.desktopShell().hasTrayHost(); });
+        [this] { return m_platform.desktopShell().hasTrayHost(); }, m_platform.surfaces());
 }
 
 void AppDelegate::setupHotkeys() {

@@ -1,6 +1,7 @@
 #include "Orvane/PinButton.h"
 
 #include "Orvane/StatusIcon.h"
+#include "OrvaneCore/platform/Surfaces.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -30,11 +31,8 @@ QPoint cornerAt(const QMouseEvent& event) {
 
 } // namespace
 
-PinButton::PinButton(std::function<void(const QPoint&)> pressed)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                           Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
-    , m_pressed(std::move(pressed)) {
-    setAttribute(Qt::WA_ShowWithoutActivating);
+PinButton::PinButton(Surfaces& surfaces, std::function<void(const QPoint&)> pressed)
+    : m_pressed(std::move(pressed)) {
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);
@@ -43,10 +41,7 @@ PinButton::PinButton(std::function<void(const QPoint&)> pressed)
     outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
     // A mask needs no compositor.
     setMask(outline.toFillPolygon().toPolygon());
-    // To window managers it is a small panel: on every workspace, in no task list, never focused. Qt heeds
-    // this only once the window has been made.
-    create();
-    setAttribute(Qt::WA_X11NetWmWindowTypeDock);
+    surfaces.dress(*this, SurfaceRole::panel, SurfaceKeyboard::never, *screen());
     setRecording(false);
     watchScreens();
     place();

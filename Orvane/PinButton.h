@@ -9,6 +9,8 @@
 
 namespace orvane {
 
+class Surfaces;
+
 /// What stands in for the status item on a desktop without a tray: a small button above the other windows,
 /// near the top right corner of the primary display, that can be dragged elsewhere. It never takes the focus
 /// and is in no task list. Main thread.
@@ -17,7 +19,7 @@ public:
     static constexpr int side = 32;
 
     /// `pressed` is given the place, in global points, where a menu belongs.
-    explicit PinButton(std::function<void(const QPoint& menuPlace)> pressed);
+    PinButton(Surfaces& surfaces, std::function<void(const QPoint& menuPlace)> pressed);
 
     void setRecording(bool isRecording);
 

@@ -46,10 +46,11 @@ QString literalTitle(const QString& title) {
 
 } // namespace
 
-StatusItem::StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost)
+StatusItem::StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces)
     : m_state(std::move(state))
     , m_handler(std::move(handler))
     , m_hasTrayHost(std::move(hasTrayHost))
+    , m_surfaces(surfaces)
     , m_menu(std::make_unique<KeyMenu>()) {
     QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { refreshMenu(); });
     // What changed while the menu was open has waited; a host on D-Bus may not ask before it shows the menu.
@@ -112,7 +113,8 @@ void StatusItem::moveOntoButton() {
         m_tray->hide();
     if (m_pinButton)
         return;
-    m_pinButton = std::make_unique<PinButton>([this](const QPoint& place) { m_menu->popup(place); });
+    m_pinButton =
+        std::make_unique<PinButton>(m_surfaces, [this](const QPoint& place) { m_menu->popup(place); });
     m_pinButton->setRecording(m_isRecording);
     m_pinButton->show();
 }

@@ -24,8 +24,9 @@ public:
     using HasTrayHost = std::function<bool()>;
 
     /// `state` is asked each time the menu opens, and by `update`. `hasTrayHost` tells whether any tray is
-    /// there now, of whichever kind; it is asked every few seconds. The handler may call `update`.
-    StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost);
+    /// there now, of whichever kind; it is asked every few seconds. The handler may call `update`. `surfaces`
+    /// outlives this object.
+    StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces);
     ~StatusItem();
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
@@ -51,6 +52,7 @@ private:
     State m_state;
     ActionHandler m_handler;
     HasTrayHost m_hasTrayHost;
+    Surfaces& m_surfaces;
     bool m_isRecording = false;
     std::vector<StatusMenuRow> m_shownRows;
     // The tray icon goes before the menu that it refers to.

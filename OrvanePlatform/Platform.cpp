@@ -20,6 +20,7 @@
 #include "OrvanePlatform/x11/X11Hotkeys.h"
 #include "OrvanePlatform/x11/X11ScreenSource.h"
 #include "OrvanePlatform/x11/X11Session.h"
+#include "OrvanePlatform/x11/X11Surfaces.h"
 #include "OrvanePlatform/x11/X11WindowServer.h"
 
 #include <QDir>
@@ -86,6 +87,7 @@ public:
     ScreenSource& screenSource() override { return m_screenSource; }
     DesktopShell& desktopShell() override { return m_shell; }
     DesktopKeyboard& desktopKeyboard() override { return m_keyboard; }
+    Surfaces& surfaces() override { return m_surfaces; }
     std::unique_ptr<GlobalHotkeys> makeHotkeys() override { return std::make_unique<x11::X11Hotkeys>(); }
     QByteArray windowSystem() const override { return "xcb"; }
 
@@ -106,7 +108,8 @@ private:
     x11::X11WindowServer m_windowServer{m_session, m_entries};
     x11::X11ScreenSource m_screenSource{m_session};
     x11::X11DesktopShell m_shell{m_session};
-    x11::X11DesktopKeyboard m_keyboard{m_session};
+    x11::X11DesktopKeyboard m_keyboard;
+    x11::X11Surfaces m_surfaces{m_session};
 };
 
 class HeadlessPlatform final : public CommonPlatform {
@@ -116,6 +119,7 @@ public:
     ScreenSource& screenSource() override { return m_desktop; }
     DesktopShell& desktopShell() override { return m_shell; }
     DesktopKeyboard& desktopKeyboard() override { return m_keyboard; }
+    Surfaces& surfaces() override { return m_surfaces; }
     std::unique_ptr<GlobalHotkeys> makeHotkeys() override { return std::make_unique<headless::NoHotkeys>(); }
     QByteArray windowSystem() const override { return "offscreen"; }
     std::optional<QString> displayTrouble() override { return m_desktop.unavailableReason(); }
@@ -124,6 +128,7 @@ private:
     headless::HeadlessDesktop m_desktop;
     headless::NoShell m_shell;
     headless::NoKeyboard m_keyboard;
+    headless::NoSurfaces m_surfaces;
 };
 
 } // namespace

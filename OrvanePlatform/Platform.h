@@ -13,6 +13,7 @@
 #include "OrvaneCore/platform/SecretStore.h"
 #include "OrvaneCore/platform/SettingsStore.h"
 #include "OrvaneCore/platform/StandardStreams.h"
+#include "OrvaneCore/platform/Surfaces.h"
 #include "OrvaneCore/platform/TextRecognitionBackend.h"
 #include "OrvaneCore/platform/WindowServer.h"
 
@@ -55,6 +56,7 @@ public:
     virtual AutostartEntry& autostartEntry() = 0;
     virtual DesktopShell& desktopShell() = 0;
     virtual DesktopKeyboard& desktopKeyboard() = 0;
+    virtual Surfaces& surfaces() = 0;
     virtual std::unique_ptr<GlobalHotkeys> makeHotkeys() = 0;
 
     /// The lock at that path, held; nothing while another process holds it. One that cannot even be made

@@ -6,13 +6,10 @@
 
 namespace orvane {
 
-/// What the desktop has to offer to windows of ours. Any thread.
+/// What the desktop has to offer beside a place for windows. Main thread.
 class DesktopShell {
 public:
     virtual ~DesktopShell() = default;
-
-    /// Whether windows can be translucent now.
-    virtual bool isComposited() = 0;
 
     /// Whether there is a tray now, of whichever kind.
     virtual bool hasTrayHost() = 0;

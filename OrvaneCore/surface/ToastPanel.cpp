@@ -4,6 +4,7 @@
 #include "OrvaneCore/drawing/DrawnText.h"
 #include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/drawing/SoftShadow.h"
+#include "OrvaneCore/platform/Surfaces.h"
 #include "OrvaneCore/surface/SymbolGlyphs.h"
 
 #include <QFontMetricsF>
@@ -38,20 +39,14 @@ QString fitted(const QString& text, int pixelSize, QFont::Weight weight, qreal w
 
 } // namespace
 
-ToastPanel::ToastPanel(const ToastMessage& message, const QScreen& screen, bool isComposited,
+ToastPanel::ToastPanel(const ToastMessage& message, QScreen& screen, Surfaces& surfaces,
                        std::function<void(ToastPanel*)> closed)
-    // Window managers differ in what they let stand above a full-screen window, so this one bypasses them. It
-    // lives for seconds and takes no input.
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                           Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus |
-                           Qt::WindowTransparentForInput | Qt::NoDropShadowWindowHint)
-    , m_icon(message.icon && !symbolPath(*message.icon).isEmpty() ? *message.icon : QString())
-    , m_isComposited(isComposited)
+    : m_icon(message.icon && !symbolPath(*message.icon).isEmpty() ? *message.icon : QString())
+    , m_isTranslucent(surfaces.canBeTranslucent())
     , m_closed(std::move(closed))
-    , m_margin(isComposited ? shadowMargin : 0) {
-    setAttribute(Qt::WA_ShowWithoutActivating);
+    , m_margin(m_isTranslucent ? shadowMargin : 0) {
     setAttribute(Qt::WA_QuitOnClose, false);
-    setAttribute(Qt::WA_TranslucentBackground, isComposited);
+    setAttribute(Qt::WA_TranslucentBackground, m_isTranslucent);
     setAccessibleName(message.title);
     setWindowTitle(message.title);
 
@@ -70,15 +65,16 @@ ToastPanel::ToastPanel(const ToastMessage& message, const QScreen& screen, bool 
     }
     m_layout = toast::layout(content, available);
     setGeometry(m_layout.frame.adjusted(-m_margin, -m_margin, m_margin, m_margin));
-    if (!m_isComposited) {
+    if (!m_isTranslucent) {
         QPainterPath outline;
         outline.addRoundedRect(rect(), toast::cornerRadius, toast::cornerRadius);
         setMask(outline.toFillPolygon().toPolygon());
     }
+    surfaces.dress(*this, SurfaceRole::toast, SurfaceKeyboard::never, screen);
 
     m_dismissTimer.setSingleShot(true);
     connect(&m_dismissTimer, &QTimer::timeout, this, [this] {
-        if (m_isComposited)
+        if (m_isTranslucent)
             m_fadingPicture = grab();
         m_fade.start();
     });
@@ -96,7 +92,6 @@ ToastPanel::~ToastPanel() = default;
 
 void ToastPanel::showFor(std::chrono::milliseconds duration) {
     show();
-    raise();
     m_dismissTimer.start(duration);
 }
 
@@ -115,7 +110,7 @@ void ToastPanel::drawToast(QPainter& painter) const {
     const QRectF frame(QPointF(m_margin, m_margin), m_layout.frame.size());
     QPainterPath shape;
     shape.addRoundedRect(frame, toast::cornerRadius, toast::cornerRadius);
-    if (m_isComposited) {
+    if (m_isTranslucent) {
         // A shadow that went on below the translucent plate would make it darker than it is to be.
         painter.save();
         QPainterPath around;

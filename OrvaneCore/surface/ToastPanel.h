@@ -17,6 +17,7 @@ class QScreen;
 namespace orvane {
 
 class DrawnText;
+class Surfaces;
 
 /// What a toast says.
 struct ToastMessage {
@@ -31,9 +32,9 @@ struct ToastMessage {
 /// windows, full-screen ones too. Main thread.
 class ToastPanel : public QWidget {
 public:
-    /// `isComposited` tells whether windows can be translucent now; without it the panel is opaque. `closed`
-    /// is called once, after the panel has gone from the screen.
-    ToastPanel(const ToastMessage& message, const QScreen& screen, bool isComposited,
+    /// Opaque where windows cannot be translucent now. `closed` is called once, after the panel has gone from
+    /// the screen.
+    ToastPanel(const ToastMessage& message, QScreen& screen, Surfaces& surfaces,
                std::function<void(ToastPanel*)> closed);
     ~ToastPanel() override;
     ToastPanel(const ToastPanel&) = delete;
@@ -52,7 +53,7 @@ private:
     void drawToast(QPainter& painter) const;
 
     QString m_icon;
-    bool m_isComposited;
+    bool m_isTranslucent;
     std::function<void(ToastPanel*)> m_closed;
     std::unique_ptr<DrawnText> m_title;
     std::unique_ptr<DrawnText> m_subtitle;

@@ -9,20 +9,19 @@
 
 namespace orvane {
 
-ToastWindow::ToastWindow(IsComposited isComposited)
-    : m_isComposited(std::move(isComposited)) {}
+ToastWindow::ToastWindow(Surfaces& surfaces)
+    : m_surfaces(surfaces) {}
 
 ToastWindow::~ToastWindow() = default;
 
 void ToastWindow::showRich(const QString& title, const std::optional<QString>& subtitle,
                            const std::optional<QString>& icon, std::chrono::duration<double> duration) {
     const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(duration);
-    const bool isComposited = m_isComposited();
     const ToastMessage message{.title = title, .subtitle = subtitle, .icon = icon};
     const QList<QScreen*> screens = QGuiApplication::screens();
     m_panels.reserve(m_panels.size() + screens.size());
-    for (const QScreen* screen : screens) {
-        m_panels.push_back(std::make_unique<ToastPanel>(message, *screen, isComposited,
+    for (QScreen* screen : screens) {
+        m_panels.push_back(std::make_unique<ToastPanel>(message, *screen, m_surfaces,
                                                         [this](ToastPanel* panel) { remove(panel); }));
         m_panels.back()->showFor(time);
     }

@@ -3,13 +3,13 @@
 #include <QString>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace orvane {
 
+class Surfaces;
 class ToastPanel;
 
 /// Short notices at the top of every screen. Each goes by itself after its time; a new one does not wait for
@@ -17,10 +17,8 @@ class ToastPanel;
 /// this object.
 class ToastWindow {
 public:
-    /// Tells whether a compositor runs, so that windows can be translucent; asked for each toast.
-    using IsComposited = std::function<bool()>;
-
-    explicit ToastWindow(IsComposited isComposited);
+    /// `surfaces` outlives this object.
+    explicit ToastWindow(Surfaces& surfaces);
     ~ToastWindow();
     ToastWindow(const ToastWindow&) = delete;
     ToastWindow& operator=(const ToastWindow&) = delete;
@@ -37,7 +35,7 @@ public:
 private:
     void remove(ToastPanel* panel);
 
-    IsComposited m_isComposited;
+    Surfaces& m_surfaces;
     std::vector<std::unique_ptr<ToastPanel>> m_panels;
 };
 

@@ -3,6 +3,7 @@
 #include "OrvaneCore/platform/DesktopKeyboard.h"
 #include "OrvaneCore/platform/DesktopShell.h"
 #include "OrvaneCore/platform/GlobalHotkeys.h"
+#include "OrvaneCore/platform/Surfaces.h"
 
 namespace orvane::headless {
 
@@ -17,20 +18,28 @@ private:
     Id m_lastId = 0;
 };
 
-/// No keyboard to give to windows.
+/// No keyboard to have keys.
 class NoKeyboard final : public DesktopKeyboard {
 public:
-    void give(quintptr /*window*/) override {}
-    void giveBack() override {}
     std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return std::nullopt; }
 };
 
-/// No place for windows.
+/// No tray.
 class NoShell final : public DesktopShell {
 public:
-    bool isComposited() override { return false; }
     bool hasTrayHost() override { return false; }
     std::optional<QString> limits() override { return std::nullopt; }
+};
+
+/// No place for windows: they stay as they are.
+class NoSurfaces final : public Surfaces {
+public:
+    bool canBeTranslucent() override { return false; }
+    void dress(QWidget& /*window*/, SurfaceRole /*role*/, SurfaceKeyboard /*keyboard*/,
+               QScreen& /*screen*/) override {}
+    void setClickThrough(QWidget& /*window*/, bool /*isClickThrough*/) override {}
+    void takeKeyboard(QWidget& /*window*/) override {}
+    void giveKeyboardBack() override {}
 };
 
 } // namespace orvane::headless

@@ -1,21 +1,10 @@
 #include "OrvanePlatform/x11/X11DesktopShell.h"
 
-#include "OrvanePlatform/x11/Redirection.h"
 #include "OrvanePlatform/x11/TrayHost.h"
-
-#include <QtGlobal>
 
 namespace orvane::x11 {
 
 using namespace Qt::StringLiterals;
-
-bool X11DesktopShell::isComposited() {
-    try {
-        return Redirection(m_session.connection()).composited();
-    } catch (const PlatformError&) {
-        return false;
-    }
-}
 
 bool X11DesktopShell::hasTrayHost() {
     return x11::hasTrayHost(m_session);

@@ -11,7 +11,6 @@ public:
     explicit X11DesktopShell(X11Session& session)
         : m_session(session) {}
 
-    bool isComposited() override;
     bool hasTrayHost() override;
     /// Of an X server that is a part of a Wayland session.
     std::optional<QString> limits() override;

@@ -1,7 +1,7 @@
 #include "OrvanePlatform/x11/X11WindowServer.h"
 
+#include "OrvanePlatform/x11/ActiveWindow.h"
 #include "OrvanePlatform/x11/ManagedWindows.h"
-#include "OrvanePlatform/x11/Properties.h"
 #include "OrvanePlatform/x11/X11Displays.h"
 
 #include <QHash>
@@ -27,27 +27,6 @@ QHash<xcb_window_t, qsizetype> frontRanks(const std::vector<xcb_window_t>& front
     for (const xcb_window_t client : frontToBack)
         ranks.insert(client, ranks.size());
     return ranks;
-}
-
-/// The one client message of EWMH 1.5 that asks for attention on behalf of a pager (source indication 2).
-void sendActivate(const X11Connection& connection, xcb_window_t client, xcb_window_t nowActive) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = client;
-    event.type = connection.atoms().netActiveWindow;
-    event.data.data32[0] = 2;
-    event.data.data32[1] = XCB_CURRENT_TIME;
-    event.data.data32[2] = nowActive;
-    xcb_send_event(connection.raw(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&event));
-}
-
-xcb_window_t activeWindow(const X11Connection& connection) {
-    return requestProperty(connection, connection.root(), connection.atoms().netActiveWindow)
-        .number()
-        .value_or(XCB_WINDOW_NONE);
 }
 
 std::optional<QString> optionalText(const QString& text) {
@@ -126,7 +105,7 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
         xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(handle),
                              XCB_CONFIG_WINDOW_STACK_MODE, &above);
     });
-    sendActivate(*connection, static_cast<xcb_window_t>(handles.front()), activeWindow(*connection));
+    requestActivation(*connection, static_cast<xcb_window_t>(handles.front()));
     connection->sync();
 
     const auto isOurs = [&application](xcb_window_t window) {
@@ -141,9 +120,7 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
 std::optional<QString> X11WindowServer::unavailableReason() {
     try {
         const auto connection = m_session.connection();
-        const auto manager =
-            requestProperty(*connection, connection->root(), connection->atoms().netSupportingWmCheck);
-        if (!manager.number())
+        if (!hasWindowManager(*connection))
             return QStringLiteral("No window manager runs on the display \"%1\", so its windows cannot be "
                                   "told apart. Start one that follows EWMH.")
                 .arg(qEnvironmentVariable("DISPLAY"));

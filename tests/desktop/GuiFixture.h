@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvanePlatform/x11/X11Surfaces.h"
 #include "tests/desktop/DesktopFixture.h"
 #include "tests/support/DrawnPixels.h"
 #include "tests/support/EventLoop.h"
@@ -58,6 +59,7 @@ private:
 
 protected:
     QApplication application{m_argc, m_argv};
+    x11::X11Surfaces surfaces{session};
 };
 
 } // namespace orvane::test

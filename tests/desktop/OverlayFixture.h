@@ -8,7 +8,6 @@
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/storage/StorageManager.h"
-#include "OrvanePlatform/x11/Redirection.h"
 #include "OrvanePlatform/x11/X11DesktopKeyboard.h"
 #include "tests/desktop/GuiFixture.h"
 #include "tests/support/FakeTextRecognition.h"
@@ -115,7 +114,7 @@ protected:
     FakeTextRecognition recognition;
     TextRecognizer recognizer{recognition};
     SystemClipboard systemClipboard;
-    x11::X11DesktopKeyboard keyboard{GuiFixture::session};
+    x11::X11DesktopKeyboard keyboard;
     MarkerManager manager{settings};
     SendTargets sendTargets;
     std::vector<SubmitToast> toasts;
@@ -138,9 +137,9 @@ protected:
          .pipeline = pipeline,
          .tasks = tasks,
          .keyboard = keyboard,
+         .surfaces = surfaces,
          .displays = displays,
          .capture = capture,
-         .isComposited = [this] { return x11::Redirection(GuiFixture::session.connection()).composited(); },
          .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); }}};
 };
 

@@ -89,7 +89,7 @@ protected:
                                          [this](StatusAction action, const std::optional<QString>& payload) {
                                              requests.push_back({action, payload});
                                          },
-                                         [this] { return x11::hasTrayHost(session); });
+                                         [this] { return x11::hasTrayHost(session); }, surfaces);
     }
 
     testing::AssertionResult comesIntoTray() {

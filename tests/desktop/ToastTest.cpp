@@ -1,7 +1,6 @@
 // Toasts as they are seen on real desktops.
 #include "OrvaneCore/surface/ToastPanel.h"
 #include "OrvaneCore/surface/ToastWindow.h"
-#include "OrvanePlatform/x11/Redirection.h"
 #include "tests/desktop/GuiFixture.h"
 
 #include <QElapsedTimer>
@@ -36,8 +35,6 @@ class Toasts : public GuiFixture {
 protected:
     using GuiFixture::GuiFixture;
 
-    bool isComposited() { return x11::Redirection(session.connection()).composited(); }
-
     static constexpr auto longTime = 60s;
 
     /// In pixels, where all displays have that scale.
@@ -52,7 +49,7 @@ protected:
         return colorWindow(geometry, u"white"_s, {u"--override-redirect"_s});
     }
 
-    ToastWindow toast{[this] { return isComposited(); }};
+    ToastWindow toast{surfaces};
 };
 
 class ToastsUncomposited : public Toasts {
@@ -165,7 +162,7 @@ TEST_F(Toasts, DoNotWaitForEachOther) {
 
 TEST_F(Toasts, GoWithTheirOwner) {
     const auto ground = cover(u"1280x800+0+0"_s);
-    auto owner = std::make_unique<ToastWindow>([] { return true; });
+    auto owner = std::make_unique<ToastWindow>(surfaces);
     owner->show(u"Left over"_s, longTime);
     const QPoint place = besideText(frame(*owner->panels().front()));
     ASSERT_TRUE(comesToShow(place, plateOverBackdrop));

@@ -5,7 +5,6 @@
 #include "OrvaneCore/capture/ScreenCapture.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/submit/SubmitPipeline.h"
-#include "OrvaneCore/platform/DesktopKeyboard.h"
 #include "OrvaneCore/platform/Displays.h"
 #include "OrvaneCore/send/SendTargets.h"
 
@@ -50,7 +49,7 @@ void OverlayController::showOverlay() {
     if (manager.modes().directSend && !m_services.sendTargets.runningTargetsOrdered().empty())
         target = m_services.sendTargets.runningTargetsOrdered().front();
     manager.setCurrentSendTarget(target);
-    if (m_services.isComposited()) {
+    if (m_services.surfaces.canBeTranslucent()) {
         openWindows({});
         return;
     }
@@ -69,22 +68,21 @@ void OverlayController::openWindows(const FrozenScreens& frozen) {
     m_screenWatch = std::make_unique<QObject>();
     QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, m_screenWatch.get(),
                      [this](const QScreen* screen) { screenRemoved(screen); });
-    for (QScreen* screen : QGuiApplication::screens())
-        openWindow(*screen, frozen.value(screen->geometry().topLeft()));
-    if (!m_windows.empty())
-        m_windows.front()->takeKeyboard();
+    for (QScreen* screen : QGuiApplication::screens()) {
+        openWindow(*screen, frozen.value(screen->geometry().topLeft()),
+                   m_windows.empty() ? SurfaceKeyboard::atOnce : SurfaceKeyboard::onClick);
+    }
 }
 
-void OverlayController::openWindow(QScreen& screen, const QImage& frozen) {
+void OverlayController::openWindow(QScreen& screen, const QImage& frozen, SurfaceKeyboard keyboard) {
     const OverlayDocument document{.manager = m_services.manager,
                                    .commands = m_commands,
                                    .keyboard = m_services.keyboard,
                                    .targetIcon = [](const SendTarget&) { return QIcon(); }};
-    m_windows.emplace_back(new OverlayWindow(document, screen, frozen));
+    m_windows.emplace_back(new OverlayWindow(document, m_services.surfaces, screen, frozen, keyboard));
     OverlayWindow& window = *m_windows.back();
     QObject::connect(&screen, &QScreen::geometryChanged, &window, [&window] { window.coverScreen(); });
     window.show();
-    window.raise();
 }
 
 void OverlayController::screenRemoved(const QScreen* screen) {
@@ -97,7 +95,7 @@ void OverlayController::screenRemoved(const QScreen* screen) {
     if (m_windows.empty())
         hideOverlay();
     else if (hadKeyboard)
-        m_windows.front()->takeKeyboard();
+        m_services.surfaces.takeKeyboard(*m_windows.front());
 }
 
 OverlayController::FrozenScreens OverlayController::freezeScreens() const {
@@ -125,7 +123,7 @@ void OverlayController::hideOverlay() {
         window->hide();
     m_services.manager.setOverlayActive(false);
     if (!windows.empty())
-        m_services.keyboard.giveBack();
+        m_services.surfaces.giveKeyboardBack();
 }
 
 void OverlayController::cancelOverlay() {

@@ -33,10 +33,9 @@ public:
         SubmitPipeline& pipeline;
         TaskRunner& tasks;
         DesktopKeyboard& keyboard;
+        Surfaces& surfaces;
         Displays& displays;
         ScreenCapture& capture;
-        /// Whether windows can be translucent now.
-        std::function<bool()> isComposited;
         std::function<void(const SubmitToast&)> showToast;
     };
 
@@ -69,7 +68,7 @@ private:
     using FrozenScreens = QHash<QPoint, QImage>;
 
     void openWindows(const FrozenScreens& frozen);
-    void openWindow(QScreen& screen, const QImage& frozen);
+    void openWindow(QScreen& screen, const QImage& frozen, SurfaceKeyboard keyboard);
     void screenRemoved(const QScreen* screen);
     FrozenScreens freezeScreens() const;
     void picturesTaken();

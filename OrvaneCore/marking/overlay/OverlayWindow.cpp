@@ -1,24 +1,15 @@
 #include "OrvaneCore/marking/overlay/OverlayWindow.h"
 
-#include "OrvaneCore/platform/DesktopKeyboard.h"
-
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPalette>
-#include <QWindow>
-
-#include <chrono>
 
 namespace orvane {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
-
-constexpr auto keyboardRetry = 20ms;
-constexpr int keyboardTries = 100;
 
 /// The same whether or not the window has the keyboard: where it differs, a widget is painted anew as a whole
 /// with each change, which on a large display is the most work that there is.
@@ -33,11 +24,9 @@ QPalette steadyPalette() {
 
 } // namespace
 
-OverlayWindow::OverlayWindow(const OverlayDocument& document, QScreen& screen, const QImage& frozen)
-    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                           Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint)
-    , m_keyboard(document.keyboard)
-    , m_screen(&screen)
+OverlayWindow::OverlayWindow(const OverlayDocument& document, Surfaces& surfaces, QScreen& screen,
+                             const QImage& frozen, SurfaceKeyboard keyboard)
+    : m_screen(&screen)
     , m_frozen(frozen)
     , m_view(new OverlayView(document, this)) {
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -46,15 +35,8 @@ OverlayWindow::OverlayWindow(const OverlayDocument& document, QScreen& screen, c
     setPalette(steadyPalette());
     setWindowTitle(u"Orvane overlay"_s);
     setFocusProxy(m_view);
-    connect(&m_keyboardTimer, &QTimer::timeout, this, [this] {
-        if (isActiveWindow() || ++m_keyboardTries > keyboardTries)
-            m_keyboardTimer.stop();
-        else
-            m_keyboard.give(winId());
-    });
-    winId();
-    windowHandle()->setScreen(&screen);
-    windowHandle()->installEventFilter(this);
+    m_view->setFocus();
+    surfaces.dress(*this, SurfaceRole::overlay, keyboard, screen);
     coverScreen();
 }
 
@@ -63,12 +45,6 @@ void OverlayWindow::coverScreen() {
         return;
     setGeometry(m_screen->geometry());
     m_view->setFrame(m_screen->geometry(), QGuiApplication::primaryScreen()->geometry().height());
-}
-
-void OverlayWindow::takeKeyboard() {
-    m_view->setFocus();
-    m_keyboardTries = 0;
-    m_keyboardTimer.start(keyboardRetry);
 }
 
 void OverlayWindow::paintEvent(QPaintEvent* event) {
@@ -89,15 +65,6 @@ void OverlayWindow::paintEvent(QPaintEvent* event) {
 
 void OverlayWindow::resizeEvent(QResizeEvent* /*event*/) {
     m_view->setGeometry(rect());
-}
-
-bool OverlayWindow::eventFilter(QObject* watched, QEvent* event) {
-    // Before it is painted for the first time, so that the first key finds it there. Later, wherever in the
-    // window a press lands, it brings back a keyboard that was lost.
-    const bool isShowing = event->type() == QEvent::Expose && m_keyboardTimer.isActive();
-    if ((isShowing || event->type() == QEvent::MouseButtonPress) && !isActiveWindow())
-        m_keyboard.give(winId());
-    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace orvane
