@@ -1,5 +1,6 @@
 #include "OrvanePlatform/Platform.h"
 
+#include "OrvanePlatform/DesktopSession.h"
 #include "OrvanePlatform/freedesktop/AutostartFile.h"
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
@@ -82,6 +83,9 @@ private:
 
 class X11Platform final : public CommonPlatform {
 public:
+    explicit X11Platform(bool isPartOfWayland)
+        : m_shell(m_session, isPartOfWayland) {}
+
     Displays& displays() override { return m_displays; }
     WindowServer& windowServer() override { return m_windowServer; }
     ScreenSource& screenSource() override { return m_screenSource; }
@@ -107,7 +111,7 @@ private:
     x11::X11Displays m_displays{m_session};
     x11::X11WindowServer m_windowServer{m_session, m_entries};
     x11::X11ScreenSource m_screenSource{m_session};
-    x11::X11DesktopShell m_shell{m_session};
+    x11::X11DesktopShell m_shell;
     x11::X11DesktopKeyboard m_keyboard;
     x11::X11Surfaces m_surfaces{m_session};
 };
@@ -134,9 +138,14 @@ private:
 } // namespace
 
 std::unique_ptr<Platform> makePlatform() {
-    if (qEnvironmentVariableIsEmpty("DISPLAY"))
-        return std::make_unique<HeadlessPlatform>();
-    return std::make_unique<X11Platform>();
+    const DesktopSession session = desktopSession(QProcessEnvironment::systemEnvironment());
+    switch (desktopPorts(session)) {
+    case DesktopPorts::headless:
+        break;
+    case DesktopPorts::x11:
+        return std::make_unique<X11Platform>(session.hasWayland);
+    }
+    return std::make_unique<HeadlessPlatform>();
 }
 
 } // namespace orvane

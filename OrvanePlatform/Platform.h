@@ -85,7 +85,7 @@ protected:
     Platform& operator=(const Platform&) = default;
 };
 
-/// X11 where DISPLAY is set, else a desktop without displays. Connects to nothing yet.
+/// What suits the session that this process runs in (DesktopSession.h). Connects to nothing yet.
 std::unique_ptr<Platform> makePlatform();
 
 } // namespace orvane

@@ -11,7 +11,7 @@ bool X11DesktopShell::hasTrayHost() {
 }
 
 std::optional<QString> X11DesktopShell::limits() {
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    if (!m_isPartOfWayland)
         return std::nullopt;
     return u"this is a Wayland session: only the windows of X11 programs can be seen and recorded. Log in to "
            u"an "

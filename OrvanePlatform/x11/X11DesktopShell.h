@@ -8,15 +8,17 @@ namespace orvane::x11 {
 /// An X desktop. Where the X server does not answer nothing is offered. Main thread.
 class X11DesktopShell final : public DesktopShell {
 public:
-    explicit X11DesktopShell(X11Session& session)
-        : m_session(session) {}
+    /// `isPartOfWayland`: the X server serves the X11 programs of a Wayland session.
+    X11DesktopShell(X11Session& session, bool isPartOfWayland)
+        : m_session(session)
+        , m_isPartOfWayland(isPartOfWayland) {}
 
     bool hasTrayHost() override;
-    /// Of an X server that is a part of a Wayland session.
     std::optional<QString> limits() override;
 
 private:
     X11Session& m_session;
+    bool m_isPartOfWayland;
 };
 
 } // namespace orvane::x11
