@@ -73,6 +73,23 @@ class SeamTest(unittest.TestCase):
         self.add("tests/unit/Added.cpp", question)
         self.expect_fault("tests/unit/Added.cpp:1: only OrvanePlatform may ask")
 
+    def test_only_the_platform_knows_how_windows_are_on_x11(self):
+        uses = ("Qt::X11BypassWindowManagerHint", "Qt::BypassWindowManagerHint", "Qt::WA_X11NetWmWindowTypeDock",
+                "winId()", "effectiveWinId ()", "QNativeInterface::QX11Application")
+        self.add("OrvanePlatform/x11/Added.cpp", "\n".join(uses))
+        self.add("tests/desktop/Added.cpp", "\n".join(uses))
+        self.assertEqual(self.check(), (0, ""))
+        for folder in ("OrvaneCore/surface", "Orvane"):
+            for use in uses:
+                with self.subTest(folder=folder, use=use):
+                    self.add(f"{folder}/Added.cpp", f"\n\nauto used = {use};\n")
+                    self.expect_fault(f"{folder}/Added.cpp:3: only OrvanePlatform may use ")
+                    (self.tree / folder / "Added.cpp").unlink()
+
+    def test_names_that_only_look_like_those_of_x11_are_not_told(self):
+        self.add("OrvaneCore/surface/Added.cpp", "auto winIdea = twinId(); // the winId of a widget\n")
+        self.assertEqual(self.check(), (0, ""))
+
     def test_an_empty_folder_is_no_project(self):
         for folder in ("Orvane", "OrvaneCore", "OrvanePlatform"):
             shutil.rmtree(self.tree / folder)
