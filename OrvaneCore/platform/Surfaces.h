@@ -10,9 +10,8 @@ namespace orvane {
 /// the roles before them, `overlay` and `toast` together as the topmost. Within a role, and among these two,
 /// the window that was shown last is above.
 enum class SurfaceRole {
-    /// Stands above other programs' windows without a frame: the pin button, the history. How far above is
-    /// the
-    /// desktop's choice.
+    /// Stands above other programs' windows, without a frame: the pin button, the history. How far above is
+    /// the desktop's choice.
     panel,
     /// The frame around what is recorded. Clicks pass through it from the start.
     chrome,
