@@ -23,8 +23,6 @@ using namespace Qt::StringLiterals;
 /// Knows no key but M.
 class LetterKeyboard : public DesktopKeyboard {
 public:
-    void give(quintptr /*window*/) override {}
-    void giveBack() override {}
     std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return 46; }
 };
 
