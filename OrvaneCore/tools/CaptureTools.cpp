@@ -19,8 +19,8 @@ namespace {
 const QLatin1String appNameKey("app_name");
 
 /// Elements that lack something, or have it in another type, are left out.
-std::vector<AnnotationRegion> readRegions(const std::vector<QJsonObject>& objects) {
-    std::vector<AnnotationRegion> regions;
+std::vector<LabelledRegion> readRegions(const std::vector<QJsonObject>& objects) {
+    std::vector<LabelledRegion> regions;
     regions.reserve(objects.size());
     for (const QJsonObject& object : objects) {
         const TypedObject typed(object);
@@ -138,7 +138,7 @@ QJsonObject CaptureTools::captureAnnotated(const QJsonObject& arguments) {
     const WindowInfo window = findWindow(appName);
     const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
 
-    const std::vector<AnnotationRegion> regions = readRegions(*given);
+    const std::vector<LabelledRegion> regions = readRegions(*given);
     const EncodedCapture encoded =
         m_files.encode(renderAnnotations(captured.image, regions, captured.width, captured.height));
     m_files.save(encoded, appName, u"-annotated"_s);

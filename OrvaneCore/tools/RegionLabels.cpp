@@ -53,7 +53,7 @@ void drawRegion(QPainter& painter, const QRectF& rect, const QColor& color, qsiz
 
 } // namespace
 
-QImage renderAnnotations(const QImage& window, const std::vector<AnnotationRegion>& regions, int windowWidth,
+QImage renderAnnotations(const QImage& window, const std::vector<LabelledRegion>& regions, int windowWidth,
                          int windowHeight) {
     QImage picture = window.convertToFormat(window.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
                                                                      : QImage::Format_RGB32);
@@ -63,7 +63,7 @@ QImage renderAnnotations(const QImage& window, const std::vector<AnnotationRegio
     const qreal scale = std::max(toPixels.scaleX, toPixels.scaleY);
     QPainter painter(&picture);
     for (std::size_t i = 0; i < regions.size(); ++i) {
-        const AnnotationRegion& region = regions[i];
+        const LabelledRegion& region = regions[i];
         drawRegion(painter, drawable(toPixels(region.rect.toRectF())), QColor(colors[i % colors.size()]),
                    static_cast<qsizetype>(i) + 1, region.label, scale);
     }

@@ -10,14 +10,14 @@
 namespace orvane {
 
 /// A region that an agent points at, in points of the window, from its top-left corner.
-struct AnnotationRegion {
+struct LabelledRegion {
     IntegerRect rect;
     QString label;
 };
 
 /// The picture of a window of the given size in points, with a numbered, labelled box for each region. The
 /// sixth has the colour of the first. Needs a QGuiApplication; any thread.
-QImage renderAnnotations(const QImage& window, const std::vector<AnnotationRegion>& regions, int windowWidth,
+QImage renderAnnotations(const QImage& window, const std::vector<LabelledRegion>& regions, int windowWidth,
                          int windowHeight);
 
 } // namespace orvane

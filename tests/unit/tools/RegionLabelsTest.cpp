@@ -61,7 +61,7 @@ QRect boundsOf(const QImage& picture, const QRect& within, Condition condition) 
     return bounds;
 }
 
-QImage drawn(qreal scale, const std::vector<AnnotationRegion>& regions) {
+QImage drawn(qreal scale, const std::vector<LabelledRegion>& regions) {
     return renderAnnotations(whitePicture(scale), regions, window.width(), window.height());
 }
 
@@ -71,7 +71,7 @@ class RegionLabelsAtScale : public testing::TestWithParam<qreal> {
 protected:
     const qreal scale = GetParam();
     const QColor red = QColor(SystemColors::red);
-    const AnnotationRegion region{{100, 80, 160, 100}, u"Save"_s};
+    const LabelledRegion region{{100, 80, 160, 100}, u"Save"_s};
     const QImage picture = drawn(scale, {region});
 };
 
@@ -144,7 +144,7 @@ TEST_P(RegionLabelsAtScale, PutsTheLabelOnAWhitePlate) {
 INSTANTIATE_TEST_SUITE_P(Scales, RegionLabelsAtScale, testing::Values(1.0, 1.5, 2.0));
 
 TEST(RegionLabels, RepeatsFiveColours) {
-    std::vector<AnnotationRegion> regions;
+    std::vector<LabelledRegion> regions;
     const std::array expected{SystemColors::red,    SystemColors::blue,   SystemColors::green,
                               SystemColors::orange, SystemColors::purple, SystemColors::red};
     regions.reserve(6);
@@ -185,7 +185,7 @@ TEST(RegionLabels, CountsEachAxisInItsOwnScale) {
 TEST(RegionLabels, SurvivesAnyNumbers) {
     constexpr qint64 most = std::numeric_limits<qint64>::max();
     constexpr qint64 least = std::numeric_limits<qint64>::min();
-    std::vector<AnnotationRegion> regions{
+    std::vector<LabelledRegion> regions{
         {{least, least, most, most}, u"everything"_s},
         {{most, most, most, most}, u"nothing"_s},
         {{10, 10, 0, 0}, u"a point"_s},
@@ -202,7 +202,7 @@ TEST(RegionLabels, SurvivesAnyNumbers) {
 }
 
 TEST(RegionLabels, DrawsThousandsOfRegions) {
-    std::vector<AnnotationRegion> regions;
+    std::vector<LabelledRegion> regions;
     regions.reserve(3000);
     for (int i = 0; i < 3000; ++i)
         regions.push_back({{i % 380, i % 280, 15, 10}, u"n"_s});

@@ -295,7 +295,7 @@ TEST_F(ToolHandlerTest, AnnotatesACapture) {
                             u"  [5] (-5,5 0x5) n°5\n"
                             u"  [6] (-6,6 0x6) n°6\n");
     EXPECT_EQ(items(result), 2);
-    std::vector<AnnotationRegion> expected{{{10, 20, 30, 40}, u"the button"_s}};
+    std::vector<LabelledRegion> expected{{{10, 20, 30, 40}, u"the button"_s}};
     for (int i = 2; i <= 6; ++i)
         expected.push_back({{-i, i, 0, i}, u"n°"_s + QString::number(i)});
     EXPECT_EQ(image(result), renderAnnotations(desktop.picture, expected, 300, 200));
