@@ -61,7 +61,7 @@ void requireFiniteNumbers(const QJsonValue& value) {
 
 } // namespace
 
-QJsonDocument MessageCodec::parse(QByteArrayView text) {
+QJsonDocument message_codec::parse(QByteArrayView text) {
     if (!text.isValidUtf8())
         throw MessageError(u"The message is not valid UTF-8"_s);
     refuseWhatQtLetsPass(text);
@@ -74,7 +74,7 @@ QJsonDocument MessageCodec::parse(QByteArrayView text) {
     return document;
 }
 
-QByteArray MessageCodec::serialise(const QJsonObject& message) {
+QByteArray message_codec::serialise(const QJsonObject& message) {
     requireFiniteNumbers(message);
     return QJsonDocument(message).toJson(QJsonDocument::Compact);
 }

@@ -37,7 +37,7 @@ QJsonObject initializeResult() {
         {u"protocolVersion"_s, u"2024-11-05"_s},
         {u"capabilities"_s, QJsonObject{{u"tools"_s, QJsonObject{{u"listChanged"_s, false}}}}},
         {u"serverInfo"_s, QJsonObject{{u"name"_s, u"orvane"_s}, {u"version"_s, u"0.1.0"_s}}},
-        {u"instructions"_s, ToolCatalogue::instructions()},
+        {u"instructions"_s, tool_catalogue::instructions()},
     };
 }
 
@@ -62,7 +62,7 @@ void MCPServer::run(LineReader& lines, StandardStreams& streams) const {
 }
 
 std::optional<QJsonObject> MCPServer::handleMessage(QByteArrayView line) const {
-    const QJsonObject message = MessageCodec::parse(line).object();
+    const QJsonObject message = message_codec::parse(line).object();
     const QJsonValue methodValue = message.value(u"method"_s);
     if (!methodValue.isString())
         return jsonRpcError(QJsonValue::Null, invalidRequest, u"Invalid request"_s);
@@ -74,7 +74,7 @@ std::optional<QJsonObject> MCPServer::handleMessage(QByteArrayView line) const {
     if (method == u"initialize"_s)
         return resultReply(id, initializeResult());
     if (method == u"tools/list"_s)
-        return resultReply(id, {{u"tools"_s, ToolCatalogue::toolDefinitions()}});
+        return resultReply(id, {{u"tools"_s, tool_catalogue::toolDefinitions()}});
     if (method == u"tools/call"_s) {
         const QJsonObject params = message.value(u"params"_s).toObject();
         return resultReply(id, m_toolHandler.handleToolCall(params.value(u"name"_s).toString(),
@@ -104,7 +104,7 @@ QJsonObject MCPServer::jsonRpcError(const QJsonValue& id, int code, const QStrin
 bool MCPServer::send(StandardStreams& streams, const QJsonObject& reply) {
     QByteArray line;
     try {
-        line = MessageCodec::serialise(reply);
+        line = message_codec::serialise(reply);
     } catch (const std::exception& error) {
         logBareLine(u"Failed to serialize response: "_s + QString::fromUtf8(error.what()));
         return true;

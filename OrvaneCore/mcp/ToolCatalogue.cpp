@@ -30,11 +30,11 @@ QByteArray readCatalogueFile(const QString& name) {
 
 } // namespace
 
-QJsonArray ToolCatalogue::toolDefinitions() {
+QJsonArray tool_catalogue::toolDefinitions() {
     return QJsonDocument::fromJson(readCatalogueFile(u"tools.json"_s)).array();
 }
 
-QStringList ToolCatalogue::names() {
+QStringList tool_catalogue::names() {
     QStringList names;
     const QJsonArray tools = toolDefinitions();
     for (const auto& tool : tools)
@@ -42,7 +42,7 @@ QStringList ToolCatalogue::names() {
     return names;
 }
 
-QString ToolCatalogue::instructions() {
+QString tool_catalogue::instructions() {
     return QString::fromUtf8(readCatalogueFile(u"instructions.txt"_s));
 }
 

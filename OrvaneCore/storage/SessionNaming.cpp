@@ -35,7 +35,7 @@ QStringView trimBlanks(QStringView text) {
 
 } // namespace
 
-QString SessionNaming::setName(const QString& markdown, const QString& name) {
+QString session_naming::setName(const QString& markdown, const QString& name) {
     const QString nameLine = namePrefix + QLatin1Char(' ') + name;
     QStringList lines = markdown.split(QLatin1Char('\n'));
     if (const auto named = findLine(lines, namePrefix); named != lines.end()) {
@@ -50,7 +50,7 @@ QString SessionNaming::setName(const QString& markdown, const QString& name) {
     return lines.join(QLatin1Char('\n'));
 }
 
-std::optional<QString> SessionNaming::parseName(const QString& markdown) {
+std::optional<QString> session_naming::parseName(const QString& markdown) {
     const QList<QStringView> lines = QStringView(markdown).split(QLatin1Char('\n'));
     const auto named = findLine(lines, namePrefix);
     if (named == lines.end()) {

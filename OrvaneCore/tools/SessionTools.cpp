@@ -171,11 +171,11 @@ QJsonObject SessionTools::getAnnotationFeedback(const QJsonObject& arguments) {
         return toolResult(notFoundReplyText(*sessionId, displayPath));
 
     const QStringList names = namesIn(folder);
-    QStringList images = AnnotationFeedback::selectFeedbackImages(
+    QStringList images = annotation_feedback::selectFeedbackImages(
         std::set<QString>(names.begin(), names.end()), bundle->displays,
-        AnnotationFeedback::feedbackDisplayIndices(*bundle));
+        annotation_feedback::feedbackDisplayIndices(*bundle));
     QJsonArray items{
-        textItem(feedbackReplyText(*sessionId, displayPath, AnnotationFeedback::feedback(*bundle)))};
+        textItem(feedbackReplyText(*sessionId, displayPath, annotation_feedback::feedback(*bundle)))};
     for (const QString& name : images.mid(0, mostFeedbackImages)) {
         if (const auto image = agentImage(QDir(folder).filePath(name)))
             items.append(imageItem(*image));

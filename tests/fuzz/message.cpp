@@ -33,12 +33,12 @@ void checkReply(const QJsonObject& reply) {
 
     QByteArray line;
     try {
-        line = MessageCodec::serialise(reply);
+        line = message_codec::serialise(reply);
     } catch (const MessageError&) {
         return;
     }
     check(!line.contains('\n'), "a reply is one line");
-    check(MessageCodec::serialise(MessageCodec::parse(line).object()) == line, "a reply can be read back");
+    check(message_codec::serialise(message_codec::parse(line).object()) == line, "a reply can be read back");
 }
 
 } // namespace

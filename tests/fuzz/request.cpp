@@ -25,14 +25,14 @@ State expectedState(QByteArrayView received, qsizetype maxBytes) {
 
 void checkAuth(const MCPHTTPRequest& request) {
     const std::optional<QByteArrayView> origin = request.header("origin");
-    const bool allowed = MCPAuth::isAllowedOrigin(origin);
+    const bool allowed = mcp_auth::isAllowedOrigin(origin);
     check(!allowed || !origin || origin->isEmpty() || origin->contains("localhost") ||
               origin->contains("127.0.0.1") || origin->contains("::1"),
           "an allowed origin names a loopback host");
 
     const std::optional<QByteArrayView> authorization = request.header("authorization");
-    check(!MCPAuth::isAuthorized(authorization, {}), "an empty token lets nobody in");
-    check(!MCPAuth::isAuthorized(authorization, "0123") || authorization->endsWith(" 0123") ||
+    check(!mcp_auth::isAuthorized(authorization, {}), "an empty token lets nobody in");
+    check(!mcp_auth::isAuthorized(authorization, "0123") || authorization->endsWith(" 0123") ||
               authorization->trimmed().endsWith("0123"),
           "who is let in has the token");
 }

@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-bool MCPAuth::isAllowedOrigin(std::optional<QByteArrayView> origin) {
+bool mcp_auth::isAllowedOrigin(std::optional<QByteArrayView> origin) {
     if (!origin || origin->isEmpty())
         return true;
     const std::optional<QByteArrayView> originHost = host(*origin);
@@ -12,7 +12,7 @@ bool MCPAuth::isAllowedOrigin(std::optional<QByteArrayView> origin) {
            std::find(loopbackHosts.begin(), loopbackHosts.end(), *originHost) != loopbackHosts.end();
 }
 
-bool MCPAuth::isAuthorized(std::optional<QByteArrayView> authorizationHeader, QByteArrayView expectedToken) {
+bool mcp_auth::isAuthorized(std::optional<QByteArrayView> authorizationHeader, QByteArrayView expectedToken) {
     if (expectedToken.isEmpty() || !authorizationHeader)
         return false;
     QByteArrayView header = *authorizationHeader;
@@ -27,7 +27,7 @@ bool MCPAuth::isAuthorized(std::optional<QByteArrayView> authorizationHeader, QB
     return !token.isEmpty() && constantTimeEquals(token, expectedToken);
 }
 
-std::optional<QByteArrayView> MCPAuth::host(QByteArrayView origin) {
+std::optional<QByteArrayView> mcp_auth::host(QByteArrayView origin) {
     QByteArrayView rest = origin;
     if (const qsizetype scheme = rest.indexOf("://"); scheme >= 0)
         rest = rest.sliced(scheme + 3);
@@ -46,7 +46,7 @@ std::optional<QByteArrayView> MCPAuth::host(QByteArrayView origin) {
     return rest.isEmpty() ? std::nullopt : std::optional(rest);
 }
 
-bool MCPAuth::constantTimeEquals(QByteArrayView a, QByteArrayView b) {
+bool mcp_auth::constantTimeEquals(QByteArrayView a, QByteArrayView b) {
     if (a.size() != b.size())
         return false;
     unsigned int difference = 0;

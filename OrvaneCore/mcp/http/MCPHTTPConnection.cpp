@@ -61,7 +61,7 @@ void MCPHTTPConnection::receive() {
     const qint64 available = m_socket.bytesAvailable();
     if (available == 0) {
         m_state = State::answering;
-        reply(MCPHTTPRoutes::badRequest().bytes());
+        reply(mcp_http_routes::badRequest().bytes());
         return;
     }
     const QByteArray piece = m_socket.read(std::min(available, readBytes));
@@ -79,7 +79,7 @@ void MCPHTTPConnection::receive() {
     case ReaderState::tooLarge:
         m_cutShort = true;
         m_state = State::answering;
-        reply(MCPHTTPRoutes::payloadTooLarge().bytes());
+        reply(mcp_http_routes::payloadTooLarge().bytes());
         break;
     }
 }

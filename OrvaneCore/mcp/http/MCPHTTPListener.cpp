@@ -40,7 +40,7 @@ std::optional<int> MCPHTTPListener::start(int preferredPort, int range) {
     const auto listensOn = [this](int port) {
         return listen(QHostAddress(QHostAddress::LocalHost), static_cast<quint16>(port));
     };
-    if (!MCPPort::firstAvailable(preferredPort, range, listensOn))
+    if (!mcp_port::firstAvailable(preferredPort, range, listensOn))
         return std::nullopt;
     return serverPort();
 }
@@ -70,7 +70,7 @@ void MCPHTTPListener::incomingConnection(qintptr socketDescriptor) {
 }
 
 void MCPHTTPListener::onRequest(ConnectionId id, const MCPHTTPRequest& request) {
-    const std::optional<MCPHTTPResponse> response = MCPHTTPRoutes::answerAtOnce(request, m_token);
+    const std::optional<MCPHTTPResponse> response = mcp_http_routes::answerAtOnce(request, m_token);
     if (response)
         reply(id, response->bytes());
     else

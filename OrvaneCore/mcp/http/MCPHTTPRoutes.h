@@ -12,19 +12,18 @@ namespace orvane {
 class MCPServer;
 
 /// What the local host answers to a request. Any thread.
-class MCPHTTPRoutes {
-public:
-    MCPHTTPRoutes() = delete;
+namespace mcp_http_routes {
 
-    /// The reply to all that is not for the MCP server: the health check, and what is refused. Nothing for a
-    /// message that `answer` is to handle. An empty token lets no message through.
-    static std::optional<MCPHTTPResponse> answerAtOnce(const MCPHTTPRequest& request, QByteArrayView token);
+/// The reply to all that is not for the MCP server: the health check, and what is refused. Nothing for a
+/// message that `answer` is to handle. An empty token lets no message through.
+std::optional<MCPHTTPResponse> answerAtOnce(const MCPHTTPRequest& request, QByteArrayView token);
 
-    /// The reply to a message, which a body that is not UTF-8 leaves empty. Blocks as long as the tool takes.
-    static MCPHTTPResponse answer(const MCPServer& server, QByteArrayView body);
+/// The reply to a message, which a body that is not UTF-8 leaves empty. Blocks as long as the tool takes.
+MCPHTTPResponse answer(const MCPServer& server, QByteArrayView body);
 
-    static MCPHTTPResponse badRequest();
-    static MCPHTTPResponse payloadTooLarge();
-};
+MCPHTTPResponse badRequest();
+MCPHTTPResponse payloadTooLarge();
+
+} // namespace mcp_http_routes
 
 } // namespace orvane

@@ -66,7 +66,7 @@ void MCPHTTPServer::runOnSocketThread(const std::function<void()>& step) {
 
 void MCPHTTPServer::handleMessage(quint64 connectionId, const QByteArray& body) {
     m_workers.start([this, connectionId, body] {
-        const QByteArray bytes = MCPHTTPRoutes::answer(m_server, body).bytes();
+        const QByteArray bytes = mcp_http_routes::answer(m_server, body).bytes();
         m_listener->post([this, connectionId, bytes] { m_listener->reply(connectionId, bytes); });
     });
 }

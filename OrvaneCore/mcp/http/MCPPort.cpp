@@ -6,7 +6,8 @@
 
 namespace orvane {
 
-std::optional<int> MCPPort::firstAvailable(int preferred, int range, const std::function<bool(int)>& isFree) {
+std::optional<int> mcp_port::firstAvailable(int preferred, int range,
+                                            const std::function<bool(int)>& isFree) {
     constexpr std::int64_t portCount = std::int64_t{std::numeric_limits<std::uint16_t>::max()} + 1;
     const std::int64_t end = std::min(std::int64_t{preferred} + range, portCount);
     for (std::int64_t port = std::max(preferred, 0); port < end; ++port) {

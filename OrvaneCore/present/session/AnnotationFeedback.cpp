@@ -16,8 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Comment = AnnotationFeedback::Comment;
-using AgentStroke = AnnotationFeedback::AgentStroke;
+using Comment = annotation_feedback::Comment;
+using AgentStroke = annotation_feedback::AgentStroke;
 
 bool isComment(const StrokeRecord& stroke) {
     return stroke.role == rawValue(Annotation::Role::review) && !stroke.removed;
@@ -56,7 +56,7 @@ QString indented(const QJsonObject& object) {
 
 } // namespace
 
-AnnotationFeedback::Result AnnotationFeedback::feedback(const PresentSessionBundle& bundle) {
+annotation_feedback::Result annotation_feedback::feedback(const PresentSessionBundle& bundle) {
     Result result;
     result.status = bundle.meta.reviewedAtMs ? u"submitted"_s : u"pending"_s;
     for (const StrokeRecord& stroke : bundle.strokes) {
@@ -76,7 +76,7 @@ AnnotationFeedback::Result AnnotationFeedback::feedback(const PresentSessionBund
     return result;
 }
 
-std::vector<qint64> AnnotationFeedback::feedbackDisplayIndices(const PresentSessionBundle& bundle) {
+std::vector<qint64> annotation_feedback::feedbackDisplayIndices(const PresentSessionBundle& bundle) {
     std::set<qint64> indices;
     for (const StrokeRecord& stroke : bundle.strokes) {
         const bool changed = isComment(stroke) || (isAgentStroke(stroke) && stroke.removed);
@@ -86,9 +86,9 @@ std::vector<qint64> AnnotationFeedback::feedbackDisplayIndices(const PresentSess
     return {indices.begin(), indices.end()};
 }
 
-QStringList AnnotationFeedback::selectFeedbackImages(const std::set<QString>& available,
-                                                     const std::vector<DisplayInfo>& displays,
-                                                     const std::vector<qint64>& indices) {
+QStringList annotation_feedback::selectFeedbackImages(const std::set<QString>& available,
+                                                      const std::vector<DisplayInfo>& displays,
+                                                      const std::vector<qint64>& indices) {
     // A file may list any number of displays and indices, so that looking each up in the list could take
     // for ever.
     QHash<qint64, quint32> displayIds;
@@ -124,7 +124,7 @@ QStringList AnnotationFeedback::selectFeedbackImages(const std::set<QString>& av
 }
 
 QString feedbackReplyText(const QString& sessionId, const QString& displayPath,
-                          const AnnotationFeedback::Result& result) {
+                          const annotation_feedback::Result& result) {
     const bool finite =
         std::all_of(result.comments.begin(), result.comments.end(), [](const Comment& comment) {
             return std::isfinite(comment.x) && std::isfinite(comment.y);

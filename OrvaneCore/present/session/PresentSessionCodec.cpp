@@ -63,7 +63,7 @@ QPointF pointAt(const QPointF& fractions, const QRectF& rect) {
 
 } // namespace
 
-std::vector<DisplayInfo> PresentSessionCodec::currentDisplays(const std::vector<Display>& displays) {
+std::vector<DisplayInfo> present_session_codec::currentDisplays(const std::vector<Display>& displays) {
     std::vector<DisplayInfo> infos;
     infos.reserve(displays.size());
     qint64 index = 0;
@@ -79,11 +79,11 @@ std::vector<DisplayInfo> PresentSessionCodec::currentDisplays(const std::vector<
     return infos;
 }
 
-PresentSessionBundle PresentSessionCodec::encode(const std::vector<Annotation>& annotations,
-                                                 const std::vector<DisplayInfo>& displays,
-                                                 const std::optional<WindowContext>& window,
-                                                 const QHash<QUuid, qint64>& timestampsMs,
-                                                 const SessionMeta& meta) {
+PresentSessionBundle present_session_codec::encode(const std::vector<Annotation>& annotations,
+                                                   const std::vector<DisplayInfo>& displays,
+                                                   const std::optional<WindowContext>& window,
+                                                   const QHash<QUuid, qint64>& timestampsMs,
+                                                   const SessionMeta& meta) {
     PresentSessionBundle bundle{.meta = meta, .displays = displays, .window = window};
     bundle.strokes.reserve(annotations.size());
     for (const Annotation& annotation : annotations) {
@@ -95,9 +95,9 @@ PresentSessionBundle PresentSessionCodec::encode(const std::vector<Annotation>& 
     return bundle;
 }
 
-StrokeRecord PresentSessionCodec::encodeStroke(const Annotation& annotation, qint64 zOrder,
-                                               const std::vector<DisplayInfo>& displays,
-                                               std::optional<qint64> timestampMs) {
+StrokeRecord present_session_codec::encodeStroke(const Annotation& annotation, qint64 zOrder,
+                                                 const std::vector<DisplayInfo>& displays,
+                                                 std::optional<qint64> timestampMs) {
     const DisplayInfo* display = displayOf(annotation, displays);
     const QRectF bounds = display ? display->bounds : unitSquare;
     const bool isImage = annotation.kind == Annotation::Kind::image;
@@ -122,11 +122,11 @@ StrokeRecord PresentSessionCodec::encodeStroke(const Annotation& annotation, qin
     };
 }
 
-QString PresentSessionCodec::imageFileName(const QUuid& annotationId) {
+QString present_session_codec::imageFileName(const QUuid& annotationId) {
     return u"img-"_s + uuidText(annotationId) + u".png"_s;
 }
 
-std::vector<Annotation> PresentSessionCodec::decode(const PresentSessionBundle& bundle) {
+std::vector<Annotation> present_session_codec::decode(const PresentSessionBundle& bundle) {
     std::vector<Annotation> annotations;
     annotations.reserve(bundle.strokes.size());
     for (const StrokeRecord& stroke : bundle.strokes) {
@@ -136,8 +136,8 @@ std::vector<Annotation> PresentSessionCodec::decode(const PresentSessionBundle& 
     return annotations;
 }
 
-std::vector<Annotation> PresentSessionCodec::remap(const PresentSessionBundle& bundle,
-                                                   const std::vector<DisplayInfo>& displays) {
+std::vector<Annotation> present_session_codec::remap(const PresentSessionBundle& bundle,
+                                                     const std::vector<DisplayInfo>& displays) {
     std::vector<Annotation> annotations;
     annotations.reserve(bundle.strokes.size());
     for (const StrokeRecord& stroke : bundle.strokes) {
@@ -152,7 +152,7 @@ std::vector<Annotation> PresentSessionCodec::remap(const PresentSessionBundle& b
     return annotations;
 }
 
-QPointF PresentSessionCodec::normalize(const QPointF& point, const QRectF& rect) {
+QPointF present_session_codec::normalize(const QPointF& point, const QRectF& rect) {
     const QRectF normal = rect.normalized();
     if (normal.width() == 0 || normal.height() == 0)
         return {0, 0};

@@ -245,7 +245,7 @@ std::optional<QByteArray> encodeSession(const PresentSessionBundle& bundle) {
 std::optional<PresentSessionBundle> decodeSession(const QByteArray& json) {
     try {
         PresentSessionBundle bundle;
-        const QJsonDocument document = MessageCodec::parse(json);
+        const QJsonDocument document = message_codec::parse(json);
         if (document.isObject() && Reader::read(document.object(), bundle))
             return bundle;
     } catch (const MessageError&) {

@@ -16,14 +16,14 @@ using namespace Qt::StringLiterals;
 using testing::HasSubstr;
 
 std::string compact(const QByteArray& text) {
-    return MessageCodec::parse(text).toJson(QJsonDocument::Compact).toStdString();
+    return message_codec::parse(text).toJson(QJsonDocument::Compact).toStdString();
 }
 
 class MalformedMessage : public testing::TestWithParam<QByteArray> {};
 
 TEST_P(MalformedMessage, IsRefusedWithAMessage) {
     try {
-        MessageCodec::parse(GetParam());
+        message_codec::parse(GetParam());
         FAIL() << "accepted";
     } catch (const MessageError& error) {
         EXPECT_THAT(error.message().toStdString(), HasSubstr("The message is not valid"));
@@ -56,7 +56,7 @@ class InvalidUtf8 : public testing::TestWithParam<QByteArray> {};
 
 TEST_P(InvalidUtf8, IsNamedAsWhatItIsWhereverItStands) {
     try {
-        MessageCodec::parse(GetParam());
+        message_codec::parse(GetParam());
         FAIL() << "accepted";
     } catch (const MessageError& error) {
         EXPECT_EQ(error.message(), u"The message is not valid UTF-8"_s);
@@ -74,7 +74,7 @@ TEST(MessageCodec, AcceptsObjectsAndArraysWithBlanksAround) {
 }
 
 TEST(MessageCodec, AcceptsEveryEscape) {
-    const QJsonDocument document = MessageCodec::parse(R"(["\"\\\/\b\f\n\r\t\u0000\u00e9\ud83d\ude00"])");
+    const QJsonDocument document = message_codec::parse(R"(["\"\\\/\b\f\n\r\t\u0000\u00e9\ud83d\ude00"])");
     EXPECT_EQ(document[0].toString(), QString::fromUtf16(u"\"\\/\b\f\n\r\t\0\u00e9\U0001F600", 12));
 }
 
@@ -95,21 +95,21 @@ TEST(MessageCodec, AcceptsAThousandLevels) {
 TEST(MessageCodec, SerialisesWithSortedKeysOnOneLine) {
     const QJsonObject message{{u"b"_s, QJsonObject{{u"z"_s, 1}, {u"a"_s, u"line\nfeed"_s}}},
                               {u"a"_s, QJsonArray{true, QJsonValue::Null, u"\u00d7"_s}}};
-    EXPECT_EQ(MessageCodec::serialise(message).toStdString(),
+    EXPECT_EQ(message_codec::serialise(message).toStdString(),
               "{\"a\":[true,null,\"\xc3\x97\"],\"b\":{\"a\":\"line\\nfeed\",\"z\":1}}");
 }
 
 TEST(MessageCodec, ALoneSurrogateComesOutAsAnEscapeInValidUtf8) {
-    const QByteArray bytes = MessageCodec::serialise(MessageCodec::parse(R"({"id":"\ud800"})").object());
+    const QByteArray bytes = message_codec::serialise(message_codec::parse(R"({"id":"\ud800"})").object());
     EXPECT_EQ(bytes.toStdString(), R"({"id":"\ud800"})");
 }
 
 TEST(MessageCodec, RefusesNumbersThatAreNotFiniteWhereverTheyStand) {
     const double infinity = std::numeric_limits<double>::infinity();
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_THROW(MessageCodec::serialise({{u"a"_s, infinity}}), MessageError);
-    EXPECT_THROW(MessageCodec::serialise({{u"a"_s, QJsonArray{1, notANumber}}}), MessageError);
-    EXPECT_THROW(MessageCodec::serialise({{u"a"_s, QJsonObject{{u"b"_s, -infinity}}}}), MessageError);
+    EXPECT_THROW(message_codec::serialise({{u"a"_s, infinity}}), MessageError);
+    EXPECT_THROW(message_codec::serialise({{u"a"_s, QJsonArray{1, notANumber}}}), MessageError);
+    EXPECT_THROW(message_codec::serialise({{u"a"_s, QJsonObject{{u"b"_s, -infinity}}}}), MessageError);
 }
 
 } // namespace

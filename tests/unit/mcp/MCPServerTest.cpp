@@ -24,7 +24,7 @@ protected:
     /// The reply as it goes out, or "nothing".
     std::string reply(const QByteArray& line) const {
         const std::optional<QJsonObject> message = m_server.process(line);
-        return message ? MessageCodec::serialise(*message).toStdString() : "nothing";
+        return message ? message_codec::serialise(*message).toStdString() : "nothing";
     }
 
     FakeToolCallHandler m_handler;
@@ -45,8 +45,8 @@ TEST_F(MCPServerTest, IntroducesItself) {
     const QJsonObject message = *m_server.handleMessage(R"({"id":1,"method":"initialize"})");
     EXPECT_EQ(message.keys(), (QStringList{u"id"_s, u"jsonrpc"_s, u"result"_s}));
     QJsonObject result = message[u"result"_s].toObject();
-    EXPECT_EQ(result.take(u"instructions"_s).toString(), ToolCatalogue::instructions());
-    EXPECT_EQ(MessageCodec::serialise(result).toStdString(),
+    EXPECT_EQ(result.take(u"instructions"_s).toString(), tool_catalogue::instructions());
+    EXPECT_EQ(message_codec::serialise(result).toStdString(),
               R"({"capabilities":{"tools":{"listChanged":false}},"protocolVersion":"2024-11-05",)"
               R"("serverInfo":{"name":"orvane","version":"0.1.0"}})");
 }
@@ -61,7 +61,7 @@ TEST_F(MCPServerTest, IntroducesItselfTheSameWhateverTheClientWants) {
 TEST_F(MCPServerTest, ListsTheCatalogueWithoutHavingBeenInitialized) {
     const QJsonObject message = *m_server.handleMessage(R"({"id":1,"method":"tools/list"})");
     EXPECT_EQ(message[u"result"_s].toObject().keys(), QStringList{u"tools"_s});
-    EXPECT_EQ(message[u"result"_s][u"tools"_s].toArray(), ToolCatalogue::toolDefinitions());
+    EXPECT_EQ(message[u"result"_s][u"tools"_s].toArray(), tool_catalogue::toolDefinitions());
 }
 
 TEST_F(MCPServerTest, HandsAToolCallOnAndItsResultBackUnchanged) {
@@ -189,7 +189,7 @@ TEST_F(MCPServerTest, AnythingAHandlerThrowsIsAnswered) {
 
 TEST_F(MCPServerTest, AnErrorReplyWithAnUndefinedIdHasANullId) {
     const QJsonObject message = MCPServer::jsonRpcError(QJsonValue::Undefined, -1, u"no"_s);
-    EXPECT_EQ(MessageCodec::serialise(message).toStdString(),
+    EXPECT_EQ(message_codec::serialise(message).toStdString(),
               R"({"error":{"code":-1,"message":"no"},"id":null,"jsonrpc":"2.0"})");
 }
 

@@ -34,7 +34,7 @@ std::vector<std::string> strings(const QJsonValue& array) {
 }
 
 QJsonObject schemaOf(const QString& name) {
-    const QJsonArray tools = ToolCatalogue::toolDefinitions();
+    const QJsonArray tools = tool_catalogue::toolDefinitions();
     for (const auto& tool : tools) {
         if (tool[u"name"_s] == name)
             return tool[u"inputSchema"_s].toObject();
@@ -46,7 +46,7 @@ class Tool : public testing::TestWithParam<std::pair<int, const char*>> {};
 
 TEST_P(Tool, IsWordForWordItsSnapshot) {
     const auto [index, name] = GetParam();
-    const QJsonObject tool = ToolCatalogue::toolDefinitions().at(index).toObject();
+    const QJsonObject tool = tool_catalogue::toolDefinitions().at(index).toObject();
     EXPECT_EQ(tool[u"name"_s].toString().toStdString(), name);
     EXPECT_EQ(tool.keys(), (QStringList{u"description"_s, u"inputSchema"_s, u"name"_s}));
 
@@ -70,18 +70,18 @@ INSTANTIATE_TEST_SUITE_P(Catalogue, Tool,
 
 TEST(ToolCatalogue, NamesFourteenToolsInTheirOrder) {
     std::vector<std::string> names;
-    for (const QString& name : ToolCatalogue::names())
+    for (const QString& name : tool_catalogue::names())
         names.push_back(name.toStdString());
     EXPECT_THAT(names, ElementsAre("list_windows", "capture_window", "capture_region", "activate_window",
                                    "capture_window_region", "capture_annotated", "capture_diff",
                                    "start_recording", "stop_recording", "poll_recording", "read_frame",
                                    "get_annotations", "annotate_understanding", "get_annotation_feedback"));
-    EXPECT_EQ(ToolCatalogue::toolDefinitions().size(), 14);
+    EXPECT_EQ(tool_catalogue::toolDefinitions().size(), 14);
 }
 
 TEST(ToolCatalogue, HasASnapshotOfEveryToolAndOfNoOther) {
     QStringList expected;
-    for (const QString& name : ToolCatalogue::names())
+    for (const QString& name : tool_catalogue::names())
         expected.append(name + u".json"_s);
     expected.sort();
     QStringList found = QDir(QStringLiteral(ORVANE_FIXTURES_DIR "/catalogue")).entryList(QDir::Files);
@@ -90,12 +90,12 @@ TEST(ToolCatalogue, HasASnapshotOfEveryToolAndOfNoOther) {
 }
 
 TEST(ToolCatalogue, IntroducesItselfWordForWord) {
-    EXPECT_EQ(ToolCatalogue::instructions().toUtf8().toStdString(),
+    EXPECT_EQ(tool_catalogue::instructions().toUtf8().toStdString(),
               fixture(u"instructions.txt"_s).toStdString());
 }
 
 TEST(ToolCatalogue, TheIntroductionKeepsItsParagraphsAndTheRunOfBlanks) {
-    const QStringList paragraphs = ToolCatalogue::instructions().split(u"\n\n"_s);
+    const QStringList paragraphs = tool_catalogue::instructions().split(u"\n\n"_s);
     ASSERT_EQ(paragraphs.size(), 4);
     EXPECT_EQ(paragraphs[0], u"Orvane lets an AI agent see the screen and draw on it."_s);
     const QStringList pair = paragraphs[2].split(u'\n');
@@ -109,7 +109,7 @@ TEST(ToolCatalogue, TheIntroductionKeepsItsParagraphsAndTheRunOfBlanks) {
 }
 
 TEST(ToolCatalogue, RequiredArgumentsAreNamedOnlyWhereThereAreAny) {
-    const QJsonArray tools = ToolCatalogue::toolDefinitions();
+    const QJsonArray tools = tool_catalogue::toolDefinitions();
     std::vector<std::string> without;
     for (const auto& tool : tools) {
         const QJsonObject schema = tool[u"inputSchema"_s].toObject();
@@ -124,7 +124,7 @@ TEST(ToolCatalogue, RequiredArgumentsAreNamedOnlyWhereThereAreAny) {
 }
 
 TEST(ToolCatalogue, OnlyTheRegionsOfACaptureMustHaveALabel) {
-    const QJsonArray tools = ToolCatalogue::toolDefinitions();
+    const QJsonArray tools = tool_catalogue::toolDefinitions();
     std::vector<std::string> labelled;
     for (const auto& tool : tools) {
         const QJsonObject properties = tool[u"inputSchema"_s][u"properties"_s].toObject();

@@ -6,11 +6,11 @@ namespace orvane {
 namespace {
 
 QString named(const char* markdown, const char* name) {
-    return SessionNaming::setName(QString::fromUtf8(markdown), QString::fromUtf8(name));
+    return session_naming::setName(QString::fromUtf8(markdown), QString::fromUtf8(name));
 }
 
 std::optional<QString> nameIn(const char* markdown) {
-    return SessionNaming::parseName(QString::fromUtf8(markdown));
+    return session_naming::parseName(QString::fromUtf8(markdown));
 }
 
 TEST(SessionNaming, ReplacesOnlyTheFirstNameLine) {
@@ -77,8 +77,8 @@ TEST(SessionNaming, ATextWithoutANameLineHasNoName) {
 
 TEST(SessionNaming, ReadsBackWhatItWrote) {
     const QString text = named("# T\n**App:** A\n", "Bug hunt");
-    EXPECT_EQ(SessionNaming::parseName(text), QStringLiteral("Bug hunt"));
-    EXPECT_EQ(SessionNaming::parseName(SessionNaming::setName(text, QStringLiteral("Other"))),
+    EXPECT_EQ(session_naming::parseName(text), QStringLiteral("Bug hunt"));
+    EXPECT_EQ(session_naming::parseName(session_naming::setName(text, QStringLiteral("Other"))),
               QStringLiteral("Other"));
 }
 

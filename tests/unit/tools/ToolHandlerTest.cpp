@@ -89,7 +89,7 @@ QJsonObject joined(QJsonObject object, const QJsonObject& more) {
 } // namespace
 
 TEST_F(ToolHandlerTest, HandlesExactlyTheCatalogue) {
-    EXPECT_EQ(ToolHandler::toolNames(), ToolCatalogue::names());
+    EXPECT_EQ(ToolHandler::toolNames(), tool_catalogue::names());
 }
 
 TEST_F(ToolHandlerTest, MakesTheDataFolders) {

@@ -23,13 +23,13 @@ std::ostream& operator<<(std::ostream& out, const OriginCase& row) {
 class OriginTest : public testing::TestWithParam<OriginCase> {};
 
 TEST_P(OriginTest, FindsTheHost) {
-    const std::optional<QByteArrayView> host = MCPAuth::host(GetParam().origin);
+    const std::optional<QByteArrayView> host = mcp_auth::host(GetParam().origin);
     EXPECT_EQ(host.has_value(), !GetParam().host.isEmpty());
     EXPECT_EQ(host.value_or(QByteArrayView()).toByteArray().toStdString(), GetParam().host.toStdString());
 }
 
 TEST_P(OriginTest, LetsOnlyThisMachineIn) {
-    EXPECT_EQ(MCPAuth::isAllowedOrigin(GetParam().origin), GetParam().allowed);
+    EXPECT_EQ(mcp_auth::isAllowedOrigin(GetParam().origin), GetParam().allowed);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -66,13 +66,13 @@ INSTANTIATE_TEST_SUITE_P(
                     OriginCase{"/", "", false}, OriginCase{":", "", false}, OriginCase{"@", "", false}));
 
 TEST(MCPAuthTest, BracketsWithNothingBetweenThemAreAnEmptyHost) {
-    EXPECT_EQ(MCPAuth::host("http://[]"), QByteArrayView(""));
-    EXPECT_FALSE(MCPAuth::isAllowedOrigin("http://[]"));
+    EXPECT_EQ(mcp_auth::host("http://[]"), QByteArrayView(""));
+    EXPECT_FALSE(mcp_auth::isAllowedOrigin("http://[]"));
 }
 
 TEST(MCPAuthTest, LetsARequestWithoutAnOriginIn) {
-    EXPECT_TRUE(MCPAuth::isAllowedOrigin(std::nullopt));
-    EXPECT_TRUE(MCPAuth::isAllowedOrigin(""));
+    EXPECT_TRUE(mcp_auth::isAllowedOrigin(std::nullopt));
+    EXPECT_TRUE(mcp_auth::isAllowedOrigin(""));
 }
 
 struct HeaderCase {
@@ -87,7 +87,7 @@ std::ostream& operator<<(std::ostream& out, const HeaderCase& row) {
 class AuthorizationTest : public testing::TestWithParam<HeaderCase> {};
 
 TEST_P(AuthorizationTest, WantsTheSchemeAndTheToken) {
-    EXPECT_EQ(MCPAuth::isAuthorized(GetParam().header, "0123abcd"), GetParam().authorized);
+    EXPECT_EQ(mcp_auth::isAuthorized(GetParam().header, "0123abcd"), GetParam().authorized);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -106,25 +106,25 @@ INSTANTIATE_TEST_SUITE_P(
                     HeaderCase{"Bearer 0123ABCD", false}, HeaderCase{"Bearer \"0123abcd\"", false}));
 
 TEST(MCPAuthTest, RefusesWithoutAHeader) {
-    EXPECT_FALSE(MCPAuth::isAuthorized(std::nullopt, "0123abcd"));
+    EXPECT_FALSE(mcp_auth::isAuthorized(std::nullopt, "0123abcd"));
 }
 
 TEST(MCPAuthTest, AnEmptyTokenLetsNobodyIn) {
     for (const char* header : {"", "Bearer", "Bearer ", "Bearer  ", "Bearer x"})
-        EXPECT_FALSE(MCPAuth::isAuthorized(header, "")) << header;
-    EXPECT_FALSE(MCPAuth::isAuthorized(std::nullopt, ""));
+        EXPECT_FALSE(mcp_auth::isAuthorized(header, "")) << header;
+    EXPECT_FALSE(mcp_auth::isAuthorized(std::nullopt, ""));
 }
 
 TEST(MCPAuthTest, ComparesWholeTexts) {
-    EXPECT_TRUE(MCPAuth::constantTimeEquals("", ""));
-    EXPECT_TRUE(MCPAuth::constantTimeEquals("gr\xc3\xbc\xc3\x9f", "gr\xc3\xbc\xc3\x9f"));
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("a", ""));
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("ab", "a"));
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("abc", "abd"));
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("abc", "bbc"));
+    EXPECT_TRUE(mcp_auth::constantTimeEquals("", ""));
+    EXPECT_TRUE(mcp_auth::constantTimeEquals("gr\xc3\xbc\xc3\x9f", "gr\xc3\xbc\xc3\x9f"));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("a", ""));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("ab", "a"));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("abc", "abd"));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("abc", "bbc"));
     // Differences that cancel each other out in a sum.
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("ab", "ba"));
-    EXPECT_FALSE(MCPAuth::constantTimeEquals("\x7f", "\xff"));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("ab", "ba"));
+    EXPECT_FALSE(mcp_auth::constantTimeEquals("\x7f", "\xff"));
 }
 
 } // namespace

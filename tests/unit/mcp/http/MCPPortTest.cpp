@@ -20,7 +20,7 @@ public:
         : m_free(std::move(freeOnes)) {}
 
     std::optional<int> search(int preferred, int range) {
-        return MCPPort::firstAvailable(preferred, range, [this](int port) {
+        return mcp_port::firstAvailable(preferred, range, [this](int port) {
             asked.push_back(port);
             return std::find(m_free.begin(), m_free.end(), port) != m_free.end();
         });

@@ -9,8 +9,8 @@ namespace orvane {
 namespace {
 
 using namespace Qt::StringLiterals;
-using Comment = AnnotationFeedback::Comment;
-using AgentStroke = AnnotationFeedback::AgentStroke;
+using Comment = annotation_feedback::Comment;
+using AgentStroke = annotation_feedback::AgentStroke;
 using Indices = std::vector<qint64>;
 
 StrokeRecord stroke(const QString& id, const QString& role, bool removed,
@@ -42,7 +42,7 @@ std::vector<DisplayInfo> displays(const std::vector<std::pair<qint64, quint32>>&
 
 QStringList selected(const std::set<QString>& available,
                      const std::vector<std::pair<qint64, quint32>>& indicesAndIds, const Indices& indices) {
-    return AnnotationFeedback::selectFeedbackImages(available, displays(indicesAndIds), indices);
+    return annotation_feedback::selectFeedbackImages(available, displays(indicesAndIds), indices);
 }
 
 } // namespace
@@ -50,9 +50,9 @@ QStringList selected(const std::set<QString>& available,
 // What the review says
 
 TEST(AnnotationFeedback, IsPendingWithTheAgentsStrokesBeforeAnyReview) {
-    const auto result = AnnotationFeedback::feedback(
+    const auto result = annotation_feedback::feedback(
         session({stroke(u"a"_s, u"agent"_s, false), stroke(u"b"_s, u"agent"_s, false)}));
-    EXPECT_EQ(result, (AnnotationFeedback::Result{
+    EXPECT_EQ(result, (annotation_feedback::Result{
                           .status = u"pending"_s,
                           .agentStrokes = {{.id = u"a"_s, .kind = u"box"_s, .label = u"a label"_s},
                                            {.id = u"b"_s, .kind = u"box"_s, .label = u"b label"_s}}}));
@@ -60,13 +60,13 @@ TEST(AnnotationFeedback, IsPendingWithTheAgentsStrokesBeforeAnyReview) {
 
 TEST(AnnotationFeedback, IsSubmittedByThePresenceOfTheTimeAlone) {
     for (const qint64 time : {qint64(1'700'000'000'000), qint64(0), qint64(-1)})
-        EXPECT_EQ(AnnotationFeedback::feedback(session({}, time)).status, u"submitted"_s) << time;
-    EXPECT_EQ(AnnotationFeedback::feedback(session({})),
-              (AnnotationFeedback::Result{.status = u"pending"_s}));
+        EXPECT_EQ(annotation_feedback::feedback(session({}, time)).status, u"submitted"_s) << time;
+    EXPECT_EQ(annotation_feedback::feedback(session({})),
+              (annotation_feedback::Result{.status = u"pending"_s}));
 }
 
 TEST(AnnotationFeedback, ListsCommentsAndAgentStrokesInTheirOrder) {
-    const auto result = AnnotationFeedback::feedback(
+    const auto result = annotation_feedback::feedback(
         session({stroke(u"r1"_s, u"review"_s, false, 2), stroke(u"a1"_s, u"agent"_s, true),
                  stroke(u"r2"_s, u"review"_s, true), stroke(u"h1"_s, u"human"_s, false),
                  stroke(u"a2"_s, u"agent"_s, false), stroke(u"h2"_s, u"human"_s, true),
@@ -74,7 +74,7 @@ TEST(AnnotationFeedback, ListsCommentsAndAgentStrokesInTheirOrder) {
                 5));
     EXPECT_EQ(
         result,
-        (AnnotationFeedback::Result{
+        (annotation_feedback::Result{
             .status = u"submitted"_s,
             .comments = {{.id = u"r1"_s,
                           .kind = u"box"_s,
@@ -96,20 +96,20 @@ TEST(AnnotationFeedback, ListsCommentsAndAgentStrokesInTheirOrder) {
 TEST(AnnotationFeedback, TakesRolesByTheirExactWords) {
     const auto bundle = session({stroke(u"a"_s, u"Review"_s, false), stroke(u"b"_s, u"AGENT"_s, true),
                                  stroke(u"c"_s, u""_s, false), stroke(u"d"_s, u"review "_s, false)});
-    EXPECT_EQ(AnnotationFeedback::feedback(bundle), (AnnotationFeedback::Result{.status = u"pending"_s}));
-    EXPECT_EQ(AnnotationFeedback::feedbackDisplayIndices(bundle), Indices());
+    EXPECT_EQ(annotation_feedback::feedback(bundle), (annotation_feedback::Result{.status = u"pending"_s}));
+    EXPECT_EQ(annotation_feedback::feedbackDisplayIndices(bundle), Indices());
 }
 
 TEST(AnnotationFeedback, KeepsMarksOfAnyKind) {
     StrokeRecord star = stroke(u"a"_s, u"review"_s, false);
     star.kind = u"star"_s;
-    const auto result = AnnotationFeedback::feedback(session({star}));
+    const auto result = annotation_feedback::feedback(session({star}));
     ASSERT_EQ(result.comments.size(), 1);
     EXPECT_EQ(result.comments[0].kind, u"star"_s);
 }
 
 TEST(AnnotationFeedback, CanBePendingWithComments) {
-    const auto result = AnnotationFeedback::feedback(session({stroke(u"r"_s, u"review"_s, false)}));
+    const auto result = annotation_feedback::feedback(session({stroke(u"r"_s, u"review"_s, false)}));
     EXPECT_EQ(result.status, u"pending"_s);
     EXPECT_EQ(result.comments.size(), 1);
 }
@@ -117,17 +117,17 @@ TEST(AnnotationFeedback, CanBePendingWithComments) {
 TEST(AnnotationFeedback, ReportsThatTheHumanClearedEverything) {
     const auto bundle =
         session({stroke(u"a"_s, u"agent"_s, true, 1), stroke(u"b"_s, u"agent"_s, true, 0)}, 9);
-    const auto result = AnnotationFeedback::feedback(bundle);
+    const auto result = annotation_feedback::feedback(bundle);
     EXPECT_EQ(result.status, u"submitted"_s);
     EXPECT_TRUE(result.comments.empty());
     ASSERT_EQ(result.agentStrokes.size(), 2);
     EXPECT_TRUE(result.agentStrokes[0].removed);
     EXPECT_TRUE(result.agentStrokes[1].removed);
-    EXPECT_EQ(AnnotationFeedback::feedbackDisplayIndices(bundle), (Indices{0, 1}));
+    EXPECT_EQ(annotation_feedback::feedbackDisplayIndices(bundle), (Indices{0, 1}));
 }
 
 TEST(AnnotationFeedback, ReadsAHumansOwnDrawingByTheSameRules) {
-    const auto result = AnnotationFeedback::feedback(
+    const auto result = annotation_feedback::feedback(
         session({stroke(u"h"_s, u"human"_s, false), stroke(u"r"_s, u"review"_s, false)}, 1));
     EXPECT_TRUE(result.agentStrokes.empty());
     ASSERT_EQ(result.comments.size(), 1);
@@ -149,7 +149,7 @@ TEST(AnnotationFeedback, ComparesEveryField) {
 // Where the human changed something
 
 TEST(FeedbackDisplayIndices, AreSortedAndUnique) {
-    EXPECT_EQ(AnnotationFeedback::feedbackDisplayIndices(
+    EXPECT_EQ(annotation_feedback::feedbackDisplayIndices(
                   session({stroke(u"a"_s, u"review"_s, false, 7), stroke(u"b"_s, u"agent"_s, true, -2),
                            stroke(u"c"_s, u"review"_s, false, 0), stroke(u"d"_s, u"agent"_s, true, 7),
                            stroke(u"e"_s, u"review"_s, false, 10)})),
@@ -157,13 +157,13 @@ TEST(FeedbackDisplayIndices, AreSortedAndUnique) {
 }
 
 TEST(FeedbackDisplayIndices, CountChangesByTheHumanOnly) {
-    EXPECT_EQ(AnnotationFeedback::feedbackDisplayIndices(
+    EXPECT_EQ(annotation_feedback::feedbackDisplayIndices(
                   session({stroke(u"a"_s, u"review"_s, false, 1), stroke(u"b"_s, u"review"_s, true, 2),
                            stroke(u"c"_s, u"agent"_s, false, 3), stroke(u"d"_s, u"agent"_s, true, 4),
                            stroke(u"e"_s, u"human"_s, false, 5), stroke(u"f"_s, u"human"_s, true, 6),
                            stroke(u"g"_s, u"review"_s, false, std::nullopt)})),
               (Indices{1, 4}));
-    EXPECT_EQ(AnnotationFeedback::feedbackDisplayIndices(session({})), Indices());
+    EXPECT_EQ(annotation_feedback::feedbackDisplayIndices(session({})), Indices());
 }
 
 // Which pictures show it
@@ -255,7 +255,7 @@ TEST(SelectFeedbackImages, CopesWithAsManyDisplaysAsAFileCanList) {
 // What the agent reads
 
 TEST(FeedbackReplyText, IsIndentedWithSortedKeys) {
-    const AnnotationFeedback::Result result{
+    const annotation_feedback::Result result{
         .status = u"submitted"_s,
         .comments = {{.id = u"c1"_s,
                       .kind = u"text"_s,

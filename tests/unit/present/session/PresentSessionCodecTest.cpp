@@ -24,7 +24,7 @@ using Role = Annotation::Role;
 // Displays
 
 TEST(PresentSessionDisplays, CarryTheirPositionAndGeometry) {
-    EXPECT_EQ(PresentSessionCodec::currentDisplays(
+    EXPECT_EQ(present_session_codec::currentDisplays(
                   {display(7, {0, 0, 960.5, 540}, 2), display(4'294'967'295, {-800, 10, 800, 600}, 1.25)}),
               (std::vector<DisplayInfo>{
                   {.displayId = 7, .index = 0, .bounds = {0, 0, 960.5, 540}, .scale = 2},
@@ -33,37 +33,37 @@ TEST(PresentSessionDisplays, CarryTheirPositionAndGeometry) {
 
 TEST(PresentSessionDisplays, WithoutANumberAreLeftOutAndCounted) {
     const QRectF bounds(0, 0, 10, 10);
-    EXPECT_EQ(PresentSessionCodec::currentDisplays(
+    EXPECT_EQ(present_session_codec::currentDisplays(
                   {display(0, bounds), display(5, bounds), display(0, bounds), display(6, bounds)}),
               (std::vector<DisplayInfo>{{.displayId = 5, .index = 1, .bounds = bounds},
                                         {.displayId = 6, .index = 3, .bounds = bounds}}));
 }
 
 TEST(PresentSessionDisplays, MayBeNone) {
-    EXPECT_TRUE(PresentSessionCodec::currentDisplays({}).empty());
+    EXPECT_TRUE(present_session_codec::currentDisplays({}).empty());
 }
 
 // Fractions of a rectangle
 
 TEST(PresentSessionNormalize, GivesFractions) {
     const QRectF rect(100, -50, 200, 400);
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({100, -50}, rect), {0, 0}));
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({300, 350}, rect), {1, 1}));
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({150, 50}, rect), {0.25, 0.25}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({100, -50}, rect), {0, 0}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({300, 350}, rect), {1, 1}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({150, 50}, rect), {0.25, 0.25}));
 }
 
 TEST(PresentSessionNormalize, NeitherClampsNorRounds) {
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({400, -1}, {100, 1, 200, 10}), {1.5, -0.2}));
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({1, 2}, {0, 0, 3, 3}), {1.0 / 3, 2.0 / 3}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({400, -1}, {100, 1, 200, 10}), {1.5, -0.2}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({1, 2}, {0, 0, 3, 3}), {1.0 / 3, 2.0 / 3}));
 }
 
 TEST(PresentSessionNormalize, GivesZeroInARectangleWithoutArea) {
     for (const QRectF& rect : {QRectF(1, 2, 0, 5), QRectF(1, 2, 5, 0), QRectF(), QRectF(1, 2, -0.0, -5)})
-        EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({7, 8}, rect), {0, 0}));
+        EXPECT_TRUE(isPoint(present_session_codec::normalize({7, 8}, rect), {0, 0}));
 }
 
 TEST(PresentSessionNormalize, TakesARectangleOfNegativeSizeByItsCorners) {
-    EXPECT_TRUE(isPoint(PresentSessionCodec::normalize({125, 80}, {200, 100, -100, -50}), {0.25, 0.6}));
+    EXPECT_TRUE(isPoint(present_session_codec::normalize({125, 80}, {200, 100, -100, -50}), {0.25, 0.6}));
 }
 
 // Encoding
@@ -79,7 +79,7 @@ TEST(PresentSessionEncode, CarriesEveryFieldOfAShape) {
     annotation.removed = true;
     annotation.regionIndex = 4;
     annotation.displayId = 99;
-    EXPECT_EQ(PresentSessionCodec::encodeStroke(annotation, 12, twoDisplays, 1'700'000'000'123),
+    EXPECT_EQ(present_session_codec::encodeStroke(annotation, 12, twoDisplays, 1'700'000'000'123),
               (StrokeRecord{.id = someIdText,
                             .kind = u"image"_s,
                             .colorHex = u"#3B82F6"_s,
@@ -198,27 +198,27 @@ TEST(PresentSessionEncode, NumbersTheShapesAndKnowsTheirTimes) {
     const SessionMeta meta{.id = u"session"_s, .createdAtMs = 5, .title = u"title"_s};
     const WindowContext window{.appName = u"App"_s, .bounds = {1, 2, 3, 4}};
     const PresentSessionBundle bundle =
-        PresentSessionCodec::encode(annotations, twoDisplays, window,
-                                    {{annotations[2].id, 102}, {annotations[0].id, 0}, {someId, 7}}, meta);
+        present_session_codec::encode(annotations, twoDisplays, window,
+                                      {{annotations[2].id, 102}, {annotations[0].id, 0}, {someId, 7}}, meta);
     EXPECT_EQ(bundle.meta, meta);
     EXPECT_EQ(bundle.displays, twoDisplays);
     EXPECT_EQ(bundle.window, window);
     ASSERT_EQ(bundle.strokes.size(), 3);
-    EXPECT_EQ(bundle.strokes[0], PresentSessionCodec::encodeStroke(annotations[0], 0, twoDisplays, 0));
+    EXPECT_EQ(bundle.strokes[0], present_session_codec::encodeStroke(annotations[0], 0, twoDisplays, 0));
     EXPECT_EQ(bundle.strokes[1],
-              PresentSessionCodec::encodeStroke(annotations[1], 1, twoDisplays, std::nullopt));
-    EXPECT_EQ(bundle.strokes[2], PresentSessionCodec::encodeStroke(annotations[2], 2, twoDisplays, 102));
+              present_session_codec::encodeStroke(annotations[1], 1, twoDisplays, std::nullopt));
+    EXPECT_EQ(bundle.strokes[2], present_session_codec::encodeStroke(annotations[2], 2, twoDisplays, 102));
 }
 
 TEST(PresentSessionEncode, NothingRoundTripsAsNothing) {
-    const PresentSessionBundle bundle = PresentSessionCodec::encode({}, {}, std::nullopt, {}, {});
+    const PresentSessionBundle bundle = present_session_codec::encode({}, {}, std::nullopt, {}, {});
     EXPECT_EQ(bundle, PresentSessionBundle());
     const std::optional<QByteArray> json = encodeSession(bundle);
     ASSERT_TRUE(json);
     EXPECT_EQ(decodeSession(*json), bundle);
-    EXPECT_TRUE(PresentSessionCodec::decode(bundle).empty());
-    EXPECT_TRUE(PresentSessionCodec::remap(bundle, {}).empty());
-    EXPECT_TRUE(PresentSessionCodec::remap(bundle, twoDisplays).empty());
+    EXPECT_TRUE(present_session_codec::decode(bundle).empty());
+    EXPECT_TRUE(present_session_codec::remap(bundle, {}).empty());
+    EXPECT_TRUE(present_session_codec::remap(bundle, twoDisplays).empty());
 }
 
 // Decoding
@@ -240,11 +240,11 @@ TEST(PresentSessionDecode, GivesBackWhatWasEncoded) {
         }
     }
     const PresentSessionBundle bundle =
-        PresentSessionCodec::encode(annotations, twoDisplays, std::nullopt, {}, {});
+        present_session_codec::encode(annotations, twoDisplays, std::nullopt, {}, {});
     const auto read = decodeSession(encodeSession(bundle).value());
     ASSERT_EQ(read, bundle);
-    EXPECT_EQ(PresentSessionCodec::decode(*read), annotations);
-    for (const Annotation& annotation : PresentSessionCodec::decode(*read))
+    EXPECT_EQ(present_session_codec::decode(*read), annotations);
+    for (const Annotation& annotation : present_session_codec::decode(*read))
         EXPECT_EQ(annotation.color, QColor(10, 11, 255));
 }
 
@@ -268,7 +268,7 @@ TEST(PresentSessionDecode, DropsStrokesOfUnknownKind) {
         bundle.strokes.back().kind = kind;
     }
     for (const std::vector<Annotation>& annotations :
-         {PresentSessionCodec::decode(bundle), PresentSessionCodec::remap(bundle, twoDisplays)}) {
+         {present_session_codec::decode(bundle), present_session_codec::remap(bundle, twoDisplays)}) {
         ASSERT_EQ(annotations.size(), 2);
         EXPECT_EQ(annotations[0].kind, Kind::arrow);
         EXPECT_EQ(annotations[1].kind, Kind::text);
@@ -310,7 +310,7 @@ TEST(PresentSessionDecode, ReplacesIdsThatAreNoUuid) {
 
 TEST(PresentSessionDecode, KeepsEqualIds) {
     const std::vector<Annotation> annotations =
-        PresentSessionCodec::decode({.strokes = {record(), record()}});
+        present_session_codec::decode({.strokes = {record(), record()}});
     ASSERT_EQ(annotations.size(), 2);
     EXPECT_EQ(annotations[0].id, annotations[1].id);
 }
@@ -351,7 +351,7 @@ TEST(PresentSessionDecode, GoesByTheOrderOfTheListAndAbsolutePoints) {
     StrokeRecord second = record();
     second.kind = u"arrow"_s;
     second.zOrder = 1;
-    const std::vector<Annotation> annotations = PresentSessionCodec::decode({.strokes = {first, second}});
+    const std::vector<Annotation> annotations = present_session_codec::decode({.strokes = {first, second}});
     ASSERT_EQ(annotations.size(), 2);
     EXPECT_EQ(annotations[0].kind, Kind::ellipse);
     EXPECT_EQ(annotations[1].kind, Kind::arrow);

@@ -50,7 +50,7 @@ TEST(PresentSessionRemap, WithoutDisplaysGivesTheFractions) {
 
 TEST(PresentSessionRemap, GoesByPositionAndNotByTheIndexField) {
     // The second of the three displays has no number, so that the third bears index 2 at position 1.
-    const std::vector<DisplayInfo> displays = PresentSessionCodec::currentDisplays(
+    const std::vector<DisplayInfo> displays = present_session_codec::currentDisplays(
         {display(1, {0, 0, 100, 100}), display(0, {100, 0, 100, 100}), display(3, {200, 0, 100, 100})});
     const Annotation onThird = shape({210, 10}, {230, 30});
     const StrokeRecord stroke = encodedStroke(onThird, displays);
@@ -68,7 +68,7 @@ TEST(PresentSessionRemap, IgnoresTheDisplaysOfTheFile) {
     const PresentSessionBundle bundle{
         .displays = {{.displayId = 22, .index = 1, .bounds = {0, 0, 8, 8}}, {.displayId = 11, .index = 0}},
         .strokes = {stroke}};
-    const std::vector<Annotation> annotations = PresentSessionCodec::remap(bundle, twoDisplays);
+    const std::vector<Annotation> annotations = present_session_codec::remap(bundle, twoDisplays);
     ASSERT_EQ(annotations.size(), 1);
     EXPECT_TRUE(isPoint(annotations[0].start, {1100, 100}));
 }

@@ -40,7 +40,7 @@ inline Annotation shape(const QPointF& start, const QPointF& end,
 
 inline StrokeRecord encodedStroke(const Annotation& annotation,
                                   const std::vector<DisplayInfo>& displays = twoDisplays) {
-    return PresentSessionCodec::encodeStroke(annotation, 0, displays, std::nullopt);
+    return present_session_codec::encodeStroke(annotation, 0, displays, std::nullopt);
 }
 
 /// From the middle of its display to the corner.
@@ -56,13 +56,13 @@ inline StrokeRecord record() {
 }
 
 inline Annotation decoded(const StrokeRecord& stroke) {
-    const std::vector<Annotation> annotations = PresentSessionCodec::decode({.strokes = {stroke}});
+    const std::vector<Annotation> annotations = present_session_codec::decode({.strokes = {stroke}});
     EXPECT_EQ(annotations.size(), 1);
     return annotations.empty() ? Annotation() : annotations.front();
 }
 
 inline Annotation remapped(const StrokeRecord& stroke, const std::vector<DisplayInfo>& displays) {
-    const std::vector<Annotation> annotations = PresentSessionCodec::remap({.strokes = {stroke}}, displays);
+    const std::vector<Annotation> annotations = present_session_codec::remap({.strokes = {stroke}}, displays);
     EXPECT_EQ(annotations.size(), 1);
     return annotations.empty() ? Annotation() : annotations.front();
 }
