@@ -11,8 +11,6 @@
 #include "OrvaneCore/marking/submit/SubmitTexts.h"
 #include "OrvaneCore/storage/ThumbnailCache.h"
 
-#include <QDir>
-
 #include <algorithm>
 #include <exception>
 #include <future>
@@ -116,7 +114,7 @@ std::optional<SubmitResult> SubmitPipeline::submit(const SubmitRequest& request,
                                                    const std::function<void()>& captured) {
     if (request.markers.empty())
         return std::nullopt;
-    const StorageManager::SessionFolder session = takeSessionFolder();
+    const StorageManager::SessionFolder session = m_services.storage.createSessionDir();
     SubmitResult result;
     result.sessionId = session.id;
     result.allMarkers = request.markers;
@@ -150,20 +148,6 @@ std::optional<SubmitResult> SubmitPipeline::submit(const SubmitRequest& request,
 void SubmitPipeline::generateThumbnail(const SubmitResult& result) const {
     const QString folder = m_services.storage.sessionDir(result.sessionId);
     ThumbnailCache(m_services.pngWriter).generate(folder + u'/' + firstDisplayFileName(result), folder);
-}
-
-StorageManager::SessionFolder SubmitPipeline::takeSessionFolder() {
-    const std::scoped_lock lock(m_sessionMutex);
-    StorageManager::SessionFolder session = m_services.storage.createSessionDir();
-    // The same millisecond gives the same folder, to recordings and drawings too.
-    while (
-        session.dir == m_sessionDir ||
-        !QDir(session.dir).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
-        m_services.sleep(1ms);
-        session = m_services.storage.createSessionDir();
-    }
-    m_sessionDir = session.dir;
-    return session;
 }
 
 std::vector<Display> SubmitPipeline::listDisplays() const {

@@ -14,7 +14,6 @@
 
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -57,7 +56,6 @@ public:
 private:
     struct MarkedDisplay;
 
-    StorageManager::SessionFolder takeSessionFolder();
     std::vector<Display> listDisplays() const;
     std::vector<MarkedDisplay> capture(const std::vector<Display>& displays,
                                        const SubmitResult& result) const;
@@ -70,9 +68,6 @@ private:
     void saveManifest(const SubmitResult& result, const MarkupModes& modes, const QString& folder) const;
 
     SubmitServices m_services;
-    std::mutex m_sessionMutex;
-    /// Given out last.
-    QString m_sessionDir;
 };
 
 } // namespace orvane

@@ -77,7 +77,8 @@ protected:
     QTemporaryDir home;
     InMemorySettings settings;
     FakeClock clock;
-    StorageManager storage{settings, home.path(), [this] { return clock.now(); }};
+    StorageManager storage{settings, home.path(), [this] { return clock.now(); },
+                           [this](std::chrono::milliseconds time) { clock.jump(time); }};
     FakeDesktop desktop;
     png::SpngWriter pngWriter;
     FakeMedia media;

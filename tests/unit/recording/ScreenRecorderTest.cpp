@@ -41,6 +41,26 @@ TEST_F(ScreenRecorderTest, TellsWhatItRecords) {
     EXPECT_EQ(poll.sessionDir, storage.sessionDir(id));
 }
 
+TEST_F(ScreenRecorderTest, LeavesASessionThatWasBegunInTheSameMillisecondAlone) {
+    const StorageManager::SessionFolder theirs = storage.createSessionDir();
+    const QString id = start();
+    EXPECT_NE(id, theirs.id);
+    recorder.stopRecording();
+    EXPECT_TRUE(QDir(theirs.dir).isEmpty());
+    EXPECT_THAT(files(id), testing::Contains(u"SESSION.md"_s));
+}
+
+TEST_F(ScreenRecorderTest, TwoRecordingsHaveFoldersOfTheirOwnHoweverShortTheyAre) {
+    const QString first = start();
+    recorder.stopRecording();
+    const QString second = start();
+    recorder.stopRecording();
+    EXPECT_NE(first, second);
+    EXPECT_THAT(files(first), testing::Contains(u"SESSION.md"_s));
+    EXPECT_THAT(files(second), testing::Contains(u"SESSION.md"_s));
+    EXPECT_EQ(storage.latestSessionDir(), QFileInfo(storage.sessionDir(second)).canonicalFilePath());
+}
+
 TEST_F(ScreenRecorderTest, PollsEachEntryOnce) {
     start();
     EXPECT_EQ(recorder.pollTimeline().events.size(), 1);

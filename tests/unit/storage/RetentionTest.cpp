@@ -1,3 +1,5 @@
+#include "OrvaneCore/storage/Retention.h"
+
 #include "tests/unit/storage/StorageFixture.h"
 
 namespace orvane {
@@ -5,15 +7,20 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class Cleanup : public StorageFixture {
+class Retention : public StorageFixture {
 protected:
     void SetUp() override {
         StorageFixture::SetUp();
-        m_storage.ensureDirectories();
+        m_paths.ensureDirectories();
     }
+
+    int removeExpired(int days = 30) const {
+        return retention::removeExpired(m_paths.capturesDir(), m_paths.sessionsDir(), m_now, days);
+    }
+    int removeAll() const { return retention::removeAll(m_paths.capturesDir(), m_paths.sessionsDir()); }
 };
 
-TEST_F(Cleanup, DeletesOldCapturesAndSessionsAndCountsThem) {
+TEST_F(Retention, DeletesOldCapturesAndSessionsAndCountsThem) {
     writeFile(captures(QStringLiteral("old.png")));
     writeFile(captures(QStringLiteral("old-folder/inside.png")));
     writeFile(captures(QStringLiteral("new.png")));
@@ -25,17 +32,17 @@ TEST_F(Cleanup, DeletesOldCapturesAndSessionsAndCountsThem) {
     datePast(captures(QStringLiteral("new.png")), -1h);
     datePast(sessions(QStringLiteral("new")), -1h);
 
-    EXPECT_EQ(m_storage.cleanupExpired(), 3);
+    EXPECT_EQ(removeExpired(), 3);
 
     EXPECT_FALSE(isThere(captures(QStringLiteral("old.png"))));
     EXPECT_FALSE(isThere(captures(QStringLiteral("old-folder"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("old"))));
     EXPECT_TRUE(isThere(captures(QStringLiteral("new.png"))));
     EXPECT_TRUE(isThere(sessions(QStringLiteral("new/SESSION.md"))));
-    EXPECT_EQ(m_storage.cleanupExpired(), 0);
+    EXPECT_EQ(removeExpired(), 0);
 }
 
-TEST_F(Cleanup, SparesAnItemDatedExactlyAtTheCutoff) {
+TEST_F(Retention, SparesAnItemDatedExactlyAtTheCutoff) {
     for (const QString& root : {captures(), sessions()}) {
         writeFile(root + QStringLiteral("at"));
         writeFile(root + QStringLiteral("just-before"));
@@ -44,7 +51,7 @@ TEST_F(Cleanup, SparesAnItemDatedExactlyAtTheCutoff) {
         datePast(root + QStringLiteral("just-before"), 1ns);
         datePast(root + QStringLiteral("just-after"), -1ns);
     }
-    EXPECT_EQ(m_storage.cleanupExpired(), 2);
+    EXPECT_EQ(removeExpired(), 2);
     for (const QString& root : {captures(), sessions()}) {
         EXPECT_TRUE(isThere(root + QStringLiteral("at")));
         EXPECT_FALSE(isThere(root + QStringLiteral("just-before")));
@@ -52,73 +59,70 @@ TEST_F(Cleanup, SparesAnItemDatedExactlyAtTheCutoff) {
     }
 }
 
-TEST_F(Cleanup, CountsDaysOf86400SecondsByTheSetting) {
+TEST_F(Retention, CountsDaysOf86400Seconds) {
     writeFile(captures(QStringLiteral("a.png")));
     makeOld(captures(QStringLiteral("a.png")));
-    m_settings.setValue(QStringLiteral("StorageRetentionDays"), 31);
-    EXPECT_EQ(m_storage.cleanupExpired(), 0);
-    m_settings.setValue(QStringLiteral("StorageRetentionDays"), 0);
-    EXPECT_EQ(m_storage.cleanupExpired(), 1);
+    EXPECT_EQ(removeExpired(31), 0);
+    EXPECT_EQ(removeExpired(30), 1);
 }
 
-TEST_F(Cleanup, AnEnormousRetentionDeletesNothing) {
+TEST_F(Retention, OfEnormousLengthDeletesNothing) {
     writeFile(captures(QStringLiteral("a.png")));
     makeOld(captures(QStringLiteral("a.png")));
-    for (const double days : {200'000.0, 2147483647.0, 1e18, 1e300}) {
-        m_settings.setValue(QStringLiteral("StorageRetentionDays"), days);
-        EXPECT_EQ(m_storage.cleanupExpired(), 0) << days;
+    for (const int days : {200'000, 2147483647}) {
+        EXPECT_EQ(removeExpired(days), 0) << days;
     }
 }
 
-TEST_F(Cleanup, DatesASessionByItsFolderAndNotByItsFiles) {
+TEST_F(Retention, DatesASessionByItsFolderAndNotByItsFiles) {
     writeFile(sessions(QStringLiteral("s/new-inside.md")));
     makeOld(sessions(QStringLiteral("s")));
     writeFile(sessions(QStringLiteral("t/old-inside.md")));
     makeOld(sessions(QStringLiteral("t/old-inside.md")));
     datePast(sessions(QStringLiteral("t")), -1h);
-    EXPECT_EQ(m_storage.cleanupExpired(), 1);
+    EXPECT_EQ(removeExpired(), 1);
     EXPECT_FALSE(isThere(sessions(QStringLiteral("s"))));
     EXPECT_TRUE(isThere(sessions(QStringLiteral("t/old-inside.md"))));
 }
 
-TEST_F(Cleanup, AStrayFileAmongTheSessionsExpiresLikeASession) {
+TEST_F(Retention, AStrayFileAmongTheSessionsExpiresLikeASession) {
     writeFile(sessions(QStringLiteral("stray.txt")));
     makeOld(sessions(QStringLiteral("stray.txt")));
-    EXPECT_EQ(m_storage.cleanupExpired(), 1);
+    EXPECT_EQ(removeExpired(), 1);
     EXPECT_FALSE(isThere(sessions(QStringLiteral("stray.txt"))));
 }
 
-TEST_F(Cleanup, SparesHiddenEntriesWhichCleanupAllRemoves) {
+TEST_F(Retention, SparesHiddenEntriesWhichRemovingAllRemoves) {
     writeFile(captures(QStringLiteral(".hidden")));
     writeFile(sessions(QStringLiteral(".hidden")));
     writeFile(sessions(QStringLiteral(".folder/inside")));
     makeOld(captures(QStringLiteral(".hidden")));
     makeOld(sessions(QStringLiteral(".hidden")));
     makeOld(sessions(QStringLiteral(".folder")));
-    EXPECT_EQ(m_storage.cleanupExpired(), 0);
+    EXPECT_EQ(removeExpired(), 0);
     EXPECT_TRUE(isThere(sessions(QStringLiteral(".hidden"))));
-    EXPECT_EQ(m_storage.cleanupAll(), 3);
+    EXPECT_EQ(removeAll(), 3);
     EXPECT_FALSE(isThere(captures(QStringLiteral(".hidden"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral(".hidden"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral(".folder"))));
 }
 
-TEST_F(Cleanup, SparesTheLatestLinkWhereverItLeads) {
+TEST_F(Retention, SparesTheLatestLinkWhereverItLeads) {
     makeFolder(under(QStringLiteral("elsewhere")));
     makeOld(under(QStringLiteral("elsewhere")));
     makeLink(under(QStringLiteral("elsewhere")), sessions(QStringLiteral("old-link")));
     makeFolder(sessions(QStringLiteral("s")));
     makeOld(sessions(QStringLiteral("s")));
-    m_storage.updateLatestLink(sessions(QStringLiteral("s")));
+    m_folders.updateLatestLink(sessions(QStringLiteral("s")));
 
-    EXPECT_EQ(m_storage.cleanupExpired(), 1);
+    EXPECT_EQ(removeExpired(), 1);
 
     EXPECT_TRUE(isThere(sessions(QStringLiteral("old-link"))));
-    EXPECT_TRUE(isThere(m_storage.latestSessionLink()));
-    EXPECT_EQ(m_storage.latestSessionDir(), std::nullopt);
+    EXPECT_TRUE(isThere(m_paths.latestSessionLink()));
+    EXPECT_EQ(m_folders.latest(), std::nullopt);
 }
 
-TEST_F(Cleanup, NeverReachesThroughALink) {
+TEST_F(Retention, NeverReachesThroughALink) {
     const QString precious = under(QStringLiteral("precious/file"));
     writeFile(precious);
     makeOld(precious);
@@ -130,7 +134,7 @@ TEST_F(Cleanup, NeverReachesThroughALink) {
     makeLink(precious, captures(QStringLiteral("file-link")));
     makeLink(QStringLiteral("/no/where"), captures(QStringLiteral("dangling")));
 
-    EXPECT_EQ(m_storage.cleanupExpired(), 3);
+    EXPECT_EQ(removeExpired(), 3);
 
     EXPECT_TRUE(isThere(precious));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("old"))));
@@ -139,69 +143,61 @@ TEST_F(Cleanup, NeverReachesThroughALink) {
     EXPECT_TRUE(isThere(captures(QStringLiteral("dangling"))));
 }
 
-TEST_F(Cleanup, DoesNothingWhereTheFolderItselfIsALink) {
+TEST_F(Retention, DoesNothingWhereTheFolderItselfIsALink) {
     const QString precious = under(QStringLiteral("precious/file"));
     writeFile(precious);
     makeOld(precious);
-    for (const QString& root : {m_storage.capturesDir(), m_storage.sessionsDir()}) {
+    for (const QString& root : {m_paths.capturesDir(), m_paths.sessionsDir()}) {
         ASSERT_TRUE(QDir().rmdir(root));
         makeLink(under(QStringLiteral("precious")), root);
     }
-    EXPECT_EQ(m_storage.cleanupExpired(), 0);
-    EXPECT_EQ(m_storage.cleanupAll(), 0);
+    EXPECT_EQ(removeExpired(), 0);
+    EXPECT_EQ(removeAll(), 0);
     EXPECT_TRUE(isThere(precious));
 }
 
-TEST_F(Cleanup, DeletesNamesThatAreNotValidText) {
+TEST_F(Retention, DeletesNamesThatAreNotValidText) {
     const std::filesystem::path odd = native(captures()) / "odd-\xFF\xFE.png";
     ASSERT_TRUE(QDir().mkpath(captures()));
     std::filesystem::create_directory(odd);
-    EXPECT_EQ(m_storage.cleanupAll(), 1);
+    EXPECT_EQ(removeAll(), 1);
     EXPECT_FALSE(std::filesystem::exists(odd));
 }
 
-TEST_F(Cleanup, AllRemovesEverythingWithTheLatestLinkButNotTheFolders) {
+TEST_F(Retention, AllRemovesEverythingWithTheLatestLinkButNotTheFolders) {
     writeFile(captures(QStringLiteral("a.png")));
     writeFile(captures(QStringLiteral("folder/b.png")));
     writeFile(sessions(QStringLiteral("s/SESSION.md")));
-    m_storage.updateLatestLink(sessions(QStringLiteral("s")));
+    m_folders.updateLatestLink(sessions(QStringLiteral("s")));
     writeFile(under(QStringLiteral(".orvane/mcp-endpoint.json")));
 
-    EXPECT_EQ(m_storage.cleanupAll(), 4);
+    EXPECT_EQ(removeAll(), 4);
 
-    EXPECT_FALSE(isThere(m_storage.latestSessionLink()));
+    EXPECT_FALSE(isThere(m_paths.latestSessionLink()));
     EXPECT_TRUE(QDir(captures()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     EXPECT_TRUE(QDir(sessions()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     EXPECT_TRUE(QFileInfo(captures()).isDir());
     EXPECT_TRUE(isThere(under(QStringLiteral(".orvane/mcp-endpoint.json"))));
-    EXPECT_EQ(m_storage.cleanupAll(), 0);
+    EXPECT_EQ(removeAll(), 0);
 }
 
-TEST_F(Cleanup, AllFollowsALinkAmongTheSessionsNoFurtherThanTheLink) {
+TEST_F(Retention, AllFollowsALinkAmongTheSessionsNoFurtherThanTheLink) {
     const QString precious = under(QStringLiteral("precious/file"));
     writeFile(precious);
     makeLink(under(QStringLiteral("precious")), sessions(QStringLiteral("link")));
     makeFolder(sessions(QStringLiteral("s")));
     makeLink(under(QStringLiteral("precious")), sessions(QStringLiteral("s/link")));
-    EXPECT_EQ(m_storage.cleanupAll(), 2);
+    EXPECT_EQ(removeAll(), 2);
     EXPECT_TRUE(isThere(precious));
 }
 
-TEST_F(Cleanup, OneMissingFolderDoesNotStopTheOther) {
-    ASSERT_TRUE(QDir().rmdir(m_storage.capturesDir()));
+TEST_F(Retention, OneMissingFolderDoesNotStopTheOther) {
+    ASSERT_TRUE(QDir().rmdir(m_paths.capturesDir()));
     writeFile(sessions(QStringLiteral("s/SESSION.md")));
     makeOld(sessions(QStringLiteral("s")));
-    EXPECT_EQ(m_storage.cleanupExpired(), 1);
+    EXPECT_EQ(removeExpired(), 1);
     writeFile(sessions(QStringLiteral("t/SESSION.md")));
-    EXPECT_EQ(m_storage.cleanupAll(), 1);
-}
-
-TEST_F(Cleanup, WorksOnTheBaseFolderOfTheMoment) {
-    writeFile(captures(QStringLiteral("kept.png")));
-    m_storage.setBaseDirectory(under(QStringLiteral("other")));
-    writeFile(under(QStringLiteral("other/captures/gone.png")));
-    EXPECT_EQ(m_storage.cleanupAll(), 1);
-    EXPECT_TRUE(isThere(captures(QStringLiteral("kept.png"))));
+    EXPECT_EQ(removeAll(), 1);
 }
 
 } // namespace

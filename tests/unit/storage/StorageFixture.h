@@ -1,6 +1,7 @@
 #pragma once
 
-#include "OrvaneCore/storage/StorageManager.h"
+#include "OrvaneCore/storage/SessionFolders.h"
+#include "OrvaneCore/storage/StoragePaths.h"
 #include "tests/support/InMemorySettings.h"
 
 #include <QDir>
@@ -15,7 +16,7 @@
 
 namespace orvane {
 
-/// A storage manager with a home folder, a trash and a clock of its own.
+/// A home folder, a trash and a clock, and what is kept there. Sleeping moves the clock and takes no time.
 class StorageFixture : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -70,7 +71,12 @@ protected:
     QTemporaryDir m_home;
     test::InMemorySettings m_settings;
     QDateTime m_now = QDateTime(QDate(2026, 11, 15), QTime(9, 26, 11, 482));
-    StorageManager m_storage{m_settings, m_home.path(), [this] { return m_now; }};
+    StoragePaths m_paths{m_settings, m_home.path()};
+    SessionFolders::WallClock m_clock = [this] { return m_now; };
+    SessionFolders::Sleep m_sleep = [this](std::chrono::milliseconds time) {
+        m_now = m_now.addMSecs(time.count());
+    };
+    SessionFolders m_folders{m_paths, m_clock, m_sleep};
 };
 
 } // namespace orvane

@@ -14,7 +14,7 @@ class Trash : public StorageFixture {
 protected:
     void SetUp() override {
         StorageFixture::SetUp();
-        m_storage.ensureDirectories();
+        m_paths.ensureDirectories();
         writeFile(sessions(QStringLiteral("s/SESSION.md")), "text");
     }
 
@@ -23,27 +23,27 @@ protected:
     /// What is told on standard error by a trashing that must fail.
     std::string refuse(const QString& path) const {
         ::testing::internal::CaptureStderr();
-        EXPECT_FALSE(m_storage.trashSession(path));
+        EXPECT_FALSE(m_folders.trash(path));
         return ::testing::internal::GetCapturedStderr();
     }
 };
 
 TEST_F(Trash, MovesASessionToTheTrash) {
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("s"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("s"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("s"))));
     EXPECT_TRUE(isThere(trashed(QStringLiteral("s/SESSION.md"))));
 }
 
 TEST_F(Trash, TakesAPathThatMeansASessionInAnotherSpelling) {
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("gone/../s/"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("gone/../s/"))));
     EXPECT_TRUE(isThere(trashed(QStringLiteral("s/SESSION.md"))));
 }
 
 TEST_F(Trash, RefusesLatestInSilence) {
-    m_storage.updateLatestLink(sessions(QStringLiteral("s")));
-    EXPECT_EQ(refuse(m_storage.latestSessionLink()), "");
-    EXPECT_EQ(refuse(m_storage.latestSessionLink() + QLatin1Char('/')), "");
-    EXPECT_TRUE(isThere(m_storage.latestSessionLink()));
+    m_folders.updateLatestLink(sessions(QStringLiteral("s")));
+    EXPECT_EQ(refuse(m_paths.latestSessionLink()), "");
+    EXPECT_EQ(refuse(m_paths.latestSessionLink() + QLatin1Char('/')), "");
+    EXPECT_TRUE(isThere(m_paths.latestSessionLink()));
     EXPECT_TRUE(isThere(sessions(QStringLiteral("s/SESSION.md"))));
 }
 
@@ -53,8 +53,8 @@ TEST_F(Trash, RefusesWhatIsNotDirectlyAmongTheSessionsInSilence) {
     writeFile(captures(QStringLiteral("a.png")));
     for (const QString& path : {under(QStringLiteral("outside")), sessions(QStringLiteral("s/nested")),
                                 captures(QStringLiteral("a.png")), sessions(QStringLiteral("../captures")),
-                                sessions(QStringLiteral("s/..")), m_storage.sessionsDir(),
-                                m_storage.baseDir(), QStringLiteral("s"), QStringLiteral("/"), QString()}) {
+                                sessions(QStringLiteral("s/..")), m_paths.sessionsDir(), m_paths.baseDir(),
+                                QStringLiteral("s"), QStringLiteral("/"), QString()}) {
         EXPECT_EQ(refuse(path), "") << path.toStdString();
     }
     EXPECT_TRUE(isThere(under(QStringLiteral("outside/file"))));
@@ -68,7 +68,7 @@ TEST_F(Trash, IsNotLedOutsideByALinkInTheMiddleOfThePath) {
     makeFolder(under(QStringLiteral("outside/inner")));
     makeLink(under(QStringLiteral("outside/inner")), sessions(QStringLiteral("link")));
     // To the file system this path is outside/s.
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("link/../s"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("link/../s"))));
     EXPECT_TRUE(isThere(under(QStringLiteral("outside/s/precious"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("s"))));
 }
@@ -76,22 +76,22 @@ TEST_F(Trash, IsNotLedOutsideByALinkInTheMiddleOfThePath) {
 TEST_F(Trash, MovesALinkAmongTheSessionsAndNotWhatItLeadsTo) {
     writeFile(under(QStringLiteral("outside/precious")));
     makeLink(under(QStringLiteral("outside")), sessions(QStringLiteral("link")));
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("link"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("link"))));
     EXPECT_TRUE(isThere(under(QStringLiteral("outside/precious"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("link"))));
 }
 
 TEST_F(Trash, RemovesLatestWhenItPointedToTheSession) {
-    m_storage.updateLatestLink(sessions(QStringLiteral("s")));
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("s"))));
-    EXPECT_FALSE(isThere(m_storage.latestSessionLink()));
+    m_folders.updateLatestLink(sessions(QStringLiteral("s")));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("s"))));
+    EXPECT_FALSE(isThere(m_paths.latestSessionLink()));
 }
 
 TEST_F(Trash, LeavesLatestAloneWhenItPointsElsewhere) {
     makeFolder(sessions(QStringLiteral("t")));
-    m_storage.updateLatestLink(sessions(QStringLiteral("t")));
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("s"))));
-    EXPECT_EQ(m_storage.latestSessionDir(), QFileInfo(sessions(QStringLiteral("t"))).canonicalFilePath());
+    m_folders.updateLatestLink(sessions(QStringLiteral("t")));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("s"))));
+    EXPECT_EQ(m_folders.latest(), QFileInfo(sessions(QStringLiteral("t"))).canonicalFilePath());
 }
 
 TEST_F(Trash, TellsWhyTheTrashDidNotTakeASession) {
@@ -126,18 +126,18 @@ TEST_F(Trash, LeavesASessionWhereItIsWhenTheTrashIsBroken) {
 }
 
 TEST_F(Trash, KeepsBothOfTwoSessionsOfOneName) {
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("s"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("s"))));
     writeFile(sessions(QStringLiteral("s/other")));
-    EXPECT_TRUE(m_storage.trashSession(sessions(QStringLiteral("s"))));
+    EXPECT_TRUE(m_folders.trash(sessions(QStringLiteral("s"))));
     EXPECT_FALSE(isThere(sessions(QStringLiteral("s"))));
     EXPECT_TRUE(isThere(trashed(QStringLiteral("s/SESSION.md"))));
     EXPECT_EQ(QDir(trashed(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 2);
 }
 
 TEST_F(Trash, KeepsLatestWhenTheTrashDidNotTakeTheSession) {
-    m_storage.updateLatestLink(sessions(QStringLiteral("missing")));
+    m_folders.updateLatestLink(sessions(QStringLiteral("missing")));
     EXPECT_NE(refuse(sessions(QStringLiteral("missing"))), "");
-    EXPECT_TRUE(isThere(m_storage.latestSessionLink()));
+    EXPECT_TRUE(isThere(m_paths.latestSessionLink()));
 }
 
 } // namespace

@@ -82,7 +82,8 @@ protected:
     QTemporaryDir home;
     test::InMemorySettings settings;
     test::FakeClock clock;
-    StorageManager storage{settings, home.path(), [this] { return clock.now(); }};
+    StorageManager storage{settings, home.path(), [this] { return clock.now(); },
+                           [this](std::chrono::milliseconds time) { clock.jump(time); }};
     test::FakeDesktop desktop;
     png::SpngWriter pngWriter;
     test::FakeMedia media;

@@ -154,6 +154,12 @@ protected:
 
     void event(const QString& what) { events.append(what); }
 
+    /// What moves the clock.
+    void sleep(std::chrono::milliseconds time) {
+        event(u"sleep "_s + QString::number(time.count()));
+        now = now.addMSecs(time.count());
+    }
+
     QStringList sessions() const {
         return QDir(home.path() + u"/.orvane/sessions"_s)
             .entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
@@ -178,7 +184,8 @@ protected:
     QTemporaryDir home;
     InMemorySettings settings;
     QDateTime now = QDateTime(QDate(2026, 11, 15), QTime(9, 26, 11, 482), Qt::UTC);
-    StorageManager storage{settings, home.path(), [this] { return now; }};
+    StorageManager storage{settings, home.path(), [this] { return now; },
+                           [this](std::chrono::milliseconds time) { sleep(time); }};
     FakeDesktop desktop;
     FakeScreens screens{desktop};
     png::SpngWriter pngWriter;
@@ -198,11 +205,7 @@ protected:
                              .textRecognizer = textRecognizer,
                              .clipboard = clipboard,
                              .directSender = &sender,
-                             .sleep =
-                                 [this](std::chrono::milliseconds time) {
-                                     event(u"sleep "_s + QString::number(time.count()));
-                                     now = now.addMSecs(time.count());
-                                 },
+                             .sleep = [this](std::chrono::milliseconds time) { sleep(time); },
                              .clock = [this] { return now; }}};
 };
 
