@@ -46,7 +46,7 @@ AppDelegate::AppDelegate(Platform& platform)
                         .displays = platform.displays(),
                         .pngWriter = platform.pngWriter(),
                         .textRecognizer = m_services.textRecognizer(),
-                        .clipboard = m_clipboard})
+                        .clipboard = platform.clipboard()})
     , m_overlay({.manager = m_markers,
                  .sendTargets = m_sendTargets,
                  .pipeline = m_submitPipeline,
@@ -197,7 +197,7 @@ void AppDelegate::recordingChanged() {
 }
 
 void AppDelegate::copyToClipboard(const QString& text) {
-    m_clipboard.writeText(text);
+    m_platform.clipboard().writeText(text);
 }
 
 void AppDelegate::showToast(const QString& title, const QString& subtitle, const QString& icon,

@@ -4,7 +4,6 @@
 #include "Orvane/HumanRecording.h"
 #include "Orvane/StatusItem.h"
 #include "Orvane/StatusMenu.h"
-#include "Orvane/SystemClipboard.h"
 #include "Orvane/ToolServices.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/OverlayController.h"
@@ -63,7 +62,6 @@ private:
     MCPEndpoint m_endpoint;
     std::unique_ptr<GlobalHotkeys> m_hotkeys;
     KeyboardShortcuts m_shortcuts;
-    SystemClipboard m_clipboard;
     ToastWindow m_toast;
     HumanRecording m_recording;
     MarkerManager m_markers;

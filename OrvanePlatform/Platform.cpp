@@ -15,6 +15,7 @@
 #include "OrvanePlatform/posix/PosixStreams.h"
 #include "OrvanePlatform/posix/SingleInstanceGuard.h"
 #include "OrvanePlatform/posix/ThisProcess.h"
+#include "OrvanePlatform/qt/SystemClipboard.h"
 #include "OrvanePlatform/x11/X11DesktopKeyboard.h"
 #include "OrvanePlatform/x11/X11DesktopShell.h"
 #include "OrvanePlatform/x11/X11Displays.h"
@@ -59,6 +60,7 @@ public:
     SecretStore& secretStore() override { return m_secrets; }
     ApplicationStarter& applicationStarter() override { return m_applicationStarter; }
     AutostartEntry& autostartEntry() override { return m_autostart; }
+    Clipboard& clipboard() override { return m_clipboard; }
 
     std::unique_ptr<InstanceLock> acquireInstanceLock(const QString& path) override {
         return posix::SingleInstanceGuard::acquire(path);
@@ -79,6 +81,7 @@ private:
     posix::DetachedApplication m_applicationStarter{posix::executablePath(), QDir::homePath(),
                                                     [this] { return !displayTrouble(); }};
     freedesktop::AutostartFile m_autostart{posix::executablePath()};
+    qt::SystemClipboard m_clipboard;
 };
 
 class X11Platform final : public CommonPlatform {

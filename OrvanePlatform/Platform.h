@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/platform/ApplicationStarter.h"
 #include "OrvaneCore/platform/AutostartEntry.h"
+#include "OrvaneCore/platform/Clipboard.h"
 #include "OrvaneCore/platform/DesktopKeyboard.h"
 #include "OrvaneCore/platform/DesktopShell.h"
 #include "OrvaneCore/platform/Displays.h"
@@ -57,6 +58,7 @@ public:
     virtual DesktopShell& desktopShell() = 0;
     virtual DesktopKeyboard& desktopKeyboard() = 0;
     virtual Surfaces& surfaces() = 0;
+    virtual Clipboard& clipboard() = 0;
     virtual std::unique_ptr<GlobalHotkeys> makeHotkeys() = 0;
 
     /// The lock at that path, held; nothing while another process holds it. One that cannot even be made

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "Orvane/BackgroundTasks.h"
-#include "Orvane/SystemClipboard.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/OverlayController.h"
 #include "OrvaneCore/marking/submit/SubmitPipeline.h"
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/storage/StorageManager.h"
+#include "OrvanePlatform/qt/SystemClipboard.h"
 #include "OrvanePlatform/x11/X11DesktopKeyboard.h"
 #include "tests/desktop/GuiFixture.h"
 #include "tests/support/FakeTextRecognition.h"
@@ -113,7 +113,7 @@ protected:
     StorageManager storage{settings, desktop.home()};
     FakeTextRecognition recognition;
     TextRecognizer recognizer{recognition};
-    SystemClipboard systemClipboard;
+    qt::SystemClipboard systemClipboard;
     x11::X11DesktopKeyboard keyboard;
     MarkerManager manager{settings};
     SendTargets sendTargets;

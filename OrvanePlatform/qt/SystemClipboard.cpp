@@ -1,9 +1,9 @@
-#include "Orvane/SystemClipboard.h"
+#include "OrvanePlatform/qt/SystemClipboard.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 
-namespace orvane {
+namespace orvane::qt {
 
 void SystemClipboard::writeText(const QString& text) {
     m_mainThread.post([text] { QGuiApplication::clipboard()->setText(text); });
@@ -13,4 +13,4 @@ void SystemClipboard::writeImage(const QImage& image) {
     m_mainThread.post([image] { QGuiApplication::clipboard()->setImage(image); });
 }
 
-} // namespace orvane
+} // namespace orvane::qt
