@@ -24,10 +24,6 @@ constexpr double connectionTimeoutSeconds = 30.0;
 constexpr int portRange = 50;
 constexpr double submitToastSeconds = 4.0;
 
-void logUnavailable(QStringView what) {
-    logLine(u"Not available in this build: "_s + what.toString());
-}
-
 } // namespace
 
 AppDelegate::AppDelegate(Platform& platform)
@@ -55,9 +51,15 @@ AppDelegate::AppDelegate(Platform& platform)
                  .surfaces = platform.surfaces(),
                  .displays = platform.displays(),
                  .capture = m_services.screenCapture(),
-                 .showToast = [this](const SubmitToast& toast) {
-                     showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
-                 }}) {}
+                 .showToast =
+                     [this](const SubmitToast& toast) {
+                         showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
+                     }})
+    , m_commands(commandTable({.toggleRecording = [this] { m_recording.toggle(); },
+                               .toggleOverlay = [this] { m_overlay.toggleOverlay(); },
+                               .clearMarkers = [this] { m_markers.clearAll(); },
+                               .quit = [this] { quit(); },
+                               .storage = m_services.storage()})) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -67,7 +69,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     QObject::connect(&m_cleanupTimer, &QTimer::timeout, &m_cleanupTimer, [this] { runCleanup(); });
     m_cleanupTimer.start(cleanupPeriod);
     setupMenuBar();
-    setupHotkeys();
+    m_commands.bindHotkeys(m_shortcuts);
     startMCPHost();
 }
 
@@ -91,19 +93,10 @@ void AppDelegate::runCleanup() {
 void AppDelegate::setupMenuBar() {
     m_statusItem = std::make_unique<StatusItem>(
         [this] { return menuState(); },
-        [this](StatusAction action, const std::optional<QString>& payload) { perform(action, payload); },
+        [this](StatusAction action, const std::optional<QString>& payload) {
+            m_commands.perform(action, payload);
+        },
         [this] { return m_platform.desktopShell().hasTrayHost(); }, m_platform.surfaces());
-}
-
-void AppDelegate::setupHotkeys() {
-    for (const HotkeyDefinition& hotkey : KeyboardShortcuts::definitions) {
-        if (hotkey.name == HotkeyName::toggleRecording)
-            m_shortcuts.onKeyUp(hotkey.name, [this] { m_recording.toggle(); });
-        else if (hotkey.name == HotkeyName::toggleOverlay)
-            m_shortcuts.onKeyUp(hotkey.name, [this] { m_overlay.toggleOverlay(); });
-        else
-            m_shortcuts.onKeyUp(hotkey.name, [&hotkey] { logUnavailable(hotkey.storedName); });
-    }
 }
 
 void AppDelegate::startMCPHost() {
@@ -148,40 +141,7 @@ StatusMenuState AppDelegate::menuState() {
             .camera = {.isOn = storage.enableCamera(), .selectedId = storage.cameraDeviceId(), .devices = {}},
             .mic = {.isOn = storage.enableMic(), .selectedId = storage.micDeviceId(), .devices = {}},
             .markerCount = static_cast<int>(m_markers.markers().size()),
-            .unavailable = {StatusAction::togglePresentDraw, StatusAction::toggleHistory,
-                            StatusAction::openSettings, StatusAction::replaySetup}};
-}
-
-void AppDelegate::perform(StatusAction action, const std::optional<QString>& payload) {
-    StorageManager& storage = m_services.storage();
-    switch (action) {
-    case StatusAction::toggleRecording:
-        m_recording.toggle();
-        return;
-    case StatusAction::toggleOverlay:
-        m_overlay.toggleOverlay();
-        return;
-    case StatusAction::clearMarkers:
-        m_markers.clearAll();
-        return;
-    case StatusAction::selectCameraDevice:
-        storage.setCameraDeviceId(payload);
-        storage.setEnableCamera(payload.has_value());
-        return;
-    case StatusAction::selectMicDevice:
-        storage.setMicDeviceId(payload);
-        storage.setEnableMic(payload.has_value());
-        return;
-    case StatusAction::quit:
-        quit();
-        return;
-    case StatusAction::togglePresentDraw:
-    case StatusAction::toggleHistory:
-    case StatusAction::openSettings:
-    case StatusAction::replaySetup:
-        // Shown disabled.
-        return;
-    }
+            .unavailable = m_commands.unavailable()};
 }
 
 /// The display under the pointer.

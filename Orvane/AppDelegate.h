@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Orvane/BackgroundTasks.h"
+#include "Orvane/Commands.h"
 #include "Orvane/HumanRecording.h"
 #include "Orvane/StatusItem.h"
 #include "Orvane/StatusMenu.h"
@@ -41,7 +42,6 @@ public:
 private:
     void runCleanup();
     void setupMenuBar();
-    void setupHotkeys();
     /// What is left of the launch follows when the host is there.
     void startMCPHost();
     void hostTools(const QString& token);
@@ -49,7 +49,6 @@ private:
     void tellOfFirstLaunch();
 
     StatusMenuState menuState();
-    void perform(StatusAction action, const std::optional<QString>& payload);
     void chooseTarget(const std::function<void(std::optional<RecordingTarget>)>& answer);
 
     void recordingChanged() override;
@@ -68,6 +67,7 @@ private:
     SendTargets m_sendTargets;
     SubmitPipeline m_submitPipeline;
     OverlayController m_overlay;
+    Commands m_commands;
     /// Null until the application has launched.
     std::unique_ptr<StatusItem> m_statusItem;
     /// Null where no port is free.
