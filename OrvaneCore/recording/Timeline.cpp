@@ -40,8 +40,8 @@ std::optional<QString> endFrame(const Timeline& timeline) {
 }
 
 QString row(const TimelineEntry& entry, const QDateTime& startTime) {
-    return u"| T+"_s + secondsText(startTime, entry.timestamp) + u"s | "_s + entry.event + u" | "_s +
-           entry.details + u" | "_s + entry.keyframe.value_or(u"—"_s) + u" |\n"_s;
+    return u"| T+%1s | %2 | %3 | %4 |\n"_s.arg(secondsText(startTime, entry.timestamp), entry.event,
+                                               entry.details, entry.keyframe.value_or(u"—"_s));
 }
 
 } // namespace
@@ -51,40 +51,43 @@ QString secondsText(const QDateTime& from, const QDateTime& to) {
 }
 
 QString timelineLine(const TimelineEntry& entry, const QDateTime& startTime) {
-    QString line = u"T+"_s + secondsText(startTime, entry.timestamp) + u"s | "_s + entry.event + u" | "_s +
-                   entry.details;
-    if (entry.keyframe)
-        line += u" | "_s + *entry.keyframe;
-    return line;
+    const QString line =
+        u"T+%1s | %2 | %3"_s.arg(secondsText(startTime, entry.timestamp), entry.event, entry.details);
+    return entry.keyframe ? line + u" | "_s + *entry.keyframe : line;
 }
 
 QString recordingMarkdown(const RecordingReport& report) {
-    QString text = u"# Orvane Session\n\n"_s;
-    text += u"- **Session ID:** "_s + report.sessionId + u'\n';
-    text += u"- **Timestamp:** "_s + report.startTime.toUTC().toString(Qt::ISODate) + u'\n';
-    text += u"- **Type:** recording\n"_s;
-    text += u"- **Source:** "_s + report.source + u'\n';
-    text += u"- **App:** "_s + report.appName + u'\n';
-    text += u"- **Duration:** "_s + secondsText(report.startTime, report.endTime) + u"s\n"_s;
-    text += u"- **Frames captured:** "_s + QString::number(report.framesCaptured) + u'\n';
-    text += u"- **Start frame:** frame-000-start.png\n"_s;
-    if (const auto keyframe = endFrame(report.timeline))
-        text += u"- **End frame:** "_s + *keyframe + u'\n';
-    text += u"\n## Timeline\n\n"_s;
-    text += u"| Time | Event | Details | Screenshot |\n"_s;
-    text += u"|------|-------|---------|------------|\n"_s;
+    const auto lastFrame = endFrame(report.timeline);
+    // What is told may hold anything, place markers too: each part gets all that it holds in one call of
+    // arg().
+    QString text =
+        u"# Orvane Session\n\n"
+        "- **Session ID:** %1\n"
+        "- **Timestamp:** %2\n"
+        "- **Type:** recording\n"
+        "- **Source:** %3\n"
+        "- **App:** %4\n"
+        "- **Duration:** %5s\n"
+        "- **Frames captured:** %6\n"
+        "- **Start frame:** frame-000-start.png\n"
+        "%7"
+        "\n## Timeline\n\n"
+        "| Time | Event | Details | Screenshot |\n"
+        "|------|-------|---------|------------|\n"_s.arg(
+            report.sessionId, report.startTime.toUTC().toString(Qt::ISODate), report.source, report.appName,
+            secondsText(report.startTime, report.endTime), QString::number(report.framesCaptured),
+            lastFrame ? u"- **End frame:** "_s + *lastFrame + u'\n' : QString());
     for (const TimelineEntry& entry : report.timeline)
         text += row(entry, report.startTime);
-    text += u"\n## Summary\n\n"_s;
-    text += u"- **Major changes:** "_s + QString::number(countOf(report.timeline, u"major_change"_s)) +
-            u" (saved as diff summary frames)\n"_s;
-    text += u"- **Minor changes:** "_s + QString::number(countOf(report.timeline, u"visual_change"_s)) +
-            u" visual + "_s + QString::number(coalescedUpdates(report.timeline)) +
-            u" coalesced minor updates\n"_s;
-    text += u"- **Detection grid:** "_s + QString::number(gridCols) + u'x' + QString::number(gridRows) +
-            u" cells\n"_s;
-    text += u"\n*Future: semantic region detection (ISSUE 007) will replace grid with VLM-identified UI "_s
-            u"elements.*\n"_s;
+    text += u"\n## Summary\n\n"
+            "- **Major changes:** %1 (saved as diff summary frames)\n"
+            "- **Minor changes:** %2 visual + %3 coalesced minor updates\n"
+            "- **Detection grid:** %4x%5 cells\n"
+            "\n*Future: semantic region detection (ISSUE 007) will replace grid with VLM-identified UI "
+            "elements.*\n"_s.arg(QString::number(countOf(report.timeline, u"major_change"_s)),
+                                 QString::number(countOf(report.timeline, u"visual_change"_s)),
+                                 QString::number(coalescedUpdates(report.timeline)),
+                                 QString::number(gridCols), QString::number(gridRows));
     return text;
 }
 

@@ -39,6 +39,11 @@ QString requireAppName(const QJsonObject& arguments) {
     return *appName;
 }
 
+/// "300×200", or with another sign between the numbers.
+QString sizeText(int width, int height, QChar sign) {
+    return QString::number(width) + sign + QString::number(height);
+}
+
 QString isoTime(const QDateTime& time) {
     return time.toUTC().toString(Qt::ISODate);
 }
@@ -77,21 +82,20 @@ QJsonObject CaptureTools::captureWindow(const QJsonObject& arguments) {
         QStringList names;
         for (const WindowInfo& other : m_discovery.listWindows())
             names.append(other.appName);
-        return u"No window found for '"_s + appName + u"'. Available: "_s + joinedNames(names);
+        return u"No window found for '%1'. Available: %2"_s.arg(appName, joinedNames(names));
     });
     const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
     const EncodedCapture encoded = m_files.encode(captured.image);
     m_files.save(encoded, appName);
 
-    const QString id = QString::number(window.windowId);
     const QString text =
-        u"Captured "_s + window.appName + u" — "_s + window.windowTitle + u".\nwindowId: "_s + id +
-        u"  (pass to annotate_understanding as frame {\"type\":\"window\",\"windowId\":"_s + id +
-        u"})\nReturned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
-        QString::number(encoded.agentSize.height()) +
-        u" px — measure any annotation coordinates in THIS image and pass these as the "_s
-        u"frame's imageWidth/imageHeight.\nNative window: "_s +
-        QString::number(captured.width) + u"×"_s + QString::number(captured.height) + u" pt."_s;
+        u"Captured %1 — %2.\n"
+        "windowId: %3  (pass to annotate_understanding as frame {\"type\":\"window\",\"windowId\":%3})\n"
+        "Returned image: %4 px — measure any annotation coordinates in THIS image and pass these as the "
+        "frame's imageWidth/imageHeight.\n"
+        "Native window: %5 pt."_s.arg(window.appName, window.windowTitle, QString::number(window.windowId),
+                                      sizeText(encoded.agentSize.width(), encoded.agentSize.height(), u'×'),
+                                      sizeText(captured.width, captured.height, u'×'));
     return toolResultWithImage(text, encoded.agentPng);
 }
 
@@ -107,10 +111,10 @@ QJsonObject CaptureTools::captureWindowRegion(const QJsonObject& arguments) {
     const EncodedCapture encoded = m_files.encode(crop);
     m_files.save(encoded, *appName, u"-region"_s);
 
-    const QString text =
-        u"Captured region "_s + rect->toString() + u" of "_s + window.appName + u" - "_s +
-        window.windowTitle + u". Returned image: "_s + QString::number(encoded.agentSize.width()) + u"×"_s +
-        QString::number(encoded.agentSize.height()) + u" px."_s + recognizedTextIfRequested(arguments, crop);
+    const QString text = u"Captured region %1 of %2 - %3. Returned image: %4 px.%5"_s.arg(
+        rect->toString(), window.appName, window.windowTitle,
+        sizeText(encoded.agentSize.width(), encoded.agentSize.height(), u'×'),
+        recognizedTextIfRequested(arguments, crop));
     return toolResultWithImage(text, encoded.agentPng);
 }
 
@@ -122,11 +126,10 @@ QJsonObject CaptureTools::captureRegion(const QJsonObject& arguments) {
     const EncodedCapture encoded = m_files.encode(image);
     m_files.save(encoded, std::nullopt, u"-region"_s);
 
-    const QString text =
-        u"Captured region ("_s + QString::number(rect->x) + u","_s + QString::number(rect->y) + u") "_s +
-        QString::number(rect->width) + u"x"_s + QString::number(rect->height) + u". Returned image: "_s +
-        QString::number(encoded.agentSize.width()) + u"×"_s + QString::number(encoded.agentSize.height()) +
-        u" px."_s + recognizedTextIfRequested(arguments, image);
+    const QString text = u"Captured region (%1,%2) %3x%4. Returned image: %5 px.%6"_s.arg(
+        QString::number(rect->x), QString::number(rect->y), QString::number(rect->width),
+        QString::number(rect->height), sizeText(encoded.agentSize.width(), encoded.agentSize.height(), u'×'),
+        recognizedTextIfRequested(arguments, image));
     return toolResultWithImage(text, encoded.agentPng);
 }
 
@@ -143,12 +146,12 @@ QJsonObject CaptureTools::captureAnnotated(const QJsonObject& arguments) {
         m_files.encode(renderAnnotations(captured.image, regions, captured.width, captured.height));
     m_files.save(encoded, appName, u"-annotated"_s);
 
-    QString text = u"Captured "_s + window.appName + u" - "_s + window.windowTitle + u" ("_s +
-                   QString::number(captured.width) + u"x"_s + QString::number(captured.height) +
-                   u") with "_s + QString::number(regions.size()) + u" annotation(s):\n"_s;
+    QString text = u"Captured %1 - %2 (%3) with %4 annotation(s):\n"_s.arg(
+        window.appName, window.windowTitle, sizeText(captured.width, captured.height, u'x'),
+        QString::number(regions.size()));
     for (std::size_t i = 0; i < regions.size(); ++i) {
         const auto& [rect, label] = regions[i];
-        text += u"  ["_s + QString::number(i + 1) + u"] "_s + rect.toString() + u" "_s + label + u"\n"_s;
+        text += u"  [%1] %2 %3\n"_s.arg(QString::number(i + 1), rect.toString(), label);
     }
     return toolResultWithImage(text, encoded.agentPng);
 }
@@ -162,15 +165,15 @@ QJsonObject CaptureTools::captureDiff(const QJsonObject& arguments) {
     const std::optional<PendingDiff> before = exchangeDiff(appName.toLower(), latest);
     m_files.save(encoded, appName, before ? u"-after"_s : u"-before"_s);
 
-    const QString nameAndSize = window.appName + u" ("_s + QString::number(captured.width) + u"x"_s +
-                                QString::number(captured.height) + u")"_s;
+    const QString size = sizeText(captured.width, captured.height, u'x');
     if (!before) {
-        return toolResult(u"Stored 'before' snapshot of "_s + nameAndSize +
-                          u". Make your changes, then call capture_diff again with the same app_name to "_s
-                          u"get the before/after comparison."_s);
+        return toolResult(
+            u"Stored 'before' snapshot of %1 (%2). Make your changes, then call capture_diff again with the "
+            "same app_name to get the before/after comparison."_s.arg(window.appName, size));
     }
-    return toolResultWithImages(u"BEFORE ("_s + isoTime(before->timestamp) + u") and AFTER ("_s +
-                                    isoTime(latest.timestamp) + u") of "_s + nameAndSize,
+    return toolResultWithImages(u"BEFORE (%1) and AFTER (%2) of %3 (%4)"_s.arg(isoTime(before->timestamp),
+                                                                               isoTime(latest.timestamp),
+                                                                               window.appName, size),
                                 before->agentPng, latest.agentPng);
 }
 

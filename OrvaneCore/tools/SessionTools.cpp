@@ -52,7 +52,7 @@ QString lastComponent(const QString& path) {
 }
 
 QString recordingText(const QString& verb, const QString& sessionId, const QString& path) {
-    return verb + u"\nSession ID: "_s + sessionId + u"\nSession path: "_s + path;
+    return u"%1\nSession ID: %2\nSession path: %3"_s.arg(verb, sessionId, path);
 }
 
 QString nameLine(const QString& fileName) {
@@ -77,9 +77,8 @@ QJsonObject SessionTools::startRecording(const QJsonObject& arguments) {
     const QString id = m_recorder.startRecording(*appName, intervalMs, RecordingSource::mcp);
     return toolResult(
         recordingText(u"Recording started for "_s + *appName + u'.', id, m_storage.sessionDir(id)) +
-        u"\nCapturing at "_s + QString::number(intervalMs) +
-        u"ms intervals. Call poll_recording to check for changes, read_frame to inspect a frame. Call "_s
-        u"stop_recording when done.");
+        u"\nCapturing at %1ms intervals. Call poll_recording to check for changes, read_frame to inspect a "
+        "frame. Call stop_recording when done."_s.arg(QString::number(intervalMs)));
 }
 
 QJsonObject SessionTools::stopRecording(const QJsonObject& /*arguments*/) {
@@ -106,10 +105,10 @@ QJsonObject SessionTools::pollRecording(const QJsonObject& /*arguments*/) {
     if (poll.sessionDir.isEmpty())
         return toolResult(u"Not recording. Call start_recording first."_s);
     if (poll.events.isEmpty())
-        return toolResult(u"No new events since last poll. Recording is active (session: "_s +
-                          poll.sessionId + u")."_s);
-    QString text = u"Session: "_s + poll.sessionId + u"\nNew events ("_s +
-                   QString::number(poll.events.size()) + u"):\n"_s;
+        return toolResult(
+            u"No new events since last poll. Recording is active (session: %1)."_s.arg(poll.sessionId));
+    QString text =
+        u"Session: %1\nNew events (%2):\n"_s.arg(poll.sessionId, QString::number(poll.events.size()));
     for (const QString& event : poll.events)
         text += u"  "_s + event + u'\n';
     return toolResult(text);
@@ -127,7 +126,7 @@ QJsonObject SessionTools::readFrame(const QJsonObject& arguments) {
     const auto image = agentImage(*folder + u'/' + *frame);
     if (!image)
         throw OrvaneError::invalidArguments(u"Frame not found: "_s + *frame);
-    return toolResultWithImage(u"Frame: "_s + *frame + u" from session "_s + lastComponent(*folder), *image);
+    return toolResultWithImage(u"Frame: %1 from session %2"_s.arg(*frame, lastComponent(*folder)), *image);
 }
 
 QJsonObject SessionTools::getAnnotations(const QJsonObject& arguments) {
@@ -138,7 +137,7 @@ QJsonObject SessionTools::getAnnotations(const QJsonObject& arguments) {
     const auto report = readText(QDir(*folder).filePath(u"SESSION.md"_s));
     if (!report)
         return toolResult(u"No SESSION.md found in latest session."_s);
-    QJsonArray items{textItem(u"Session path: "_s + *folder + u"\n\n"_s + *report)};
+    QJsonArray items{textItem(u"Session path: %1\n\n%2"_s.arg(*folder, *report))};
     for (const QString& name : namesIn(*folder)) {
         if (!name.startsWith(u"region-") || !name.endsWith(u".png"))
             continue;

@@ -52,7 +52,8 @@ QString scaleMark(qreal scale) {
     return u" @"_s + scaleStr(scale) + u'\u00D7';
 }
 
-/// Writes the text piece by piece. All of it is joined: labels may hold anything, place markers too.
+/// Writes the text piece by piece. Labels may hold anything, place markers too: a piece gets all that it
+/// holds in one call of arg().
 class ManifestText {
 public:
     ManifestText(const SubmitResult& result, const std::vector<Display>& displays, const QString& timestamp)
@@ -67,15 +68,18 @@ public:
             spotlight ? u"\n- **Privacy:** spotlight (background blurred \u2014 rely on region crops for "
                         "detail)"_s
                       : QString();
-        return u"# Orvane Session\n\n- **Session ID:** "_s + m_result.sessionId + u"\n- **Timestamp:** "_s +
-               m_timestamp + u"\n- **Type:** snapshot\n- **Annotated screenshot:** display-annotated.png"_s +
-               privacy +
-               u"\n- **Coordinates:** per-display, top-left origin, in **points** (x \u2192 right, y \u2192 "
+        return u"# Orvane Session\n\n"
+               "- **Session ID:** %1\n"
+               "- **Timestamp:** %2\n"
+               "- **Type:** snapshot\n"
+               "- **Annotated screenshot:** display-annotated.png%3\n"
+               "- **Coordinates:** per-display, top-left origin, in **points** (x \u2192 right, y \u2192 "
                "down). Each region's position is relative to **its own display's top-left corner** (display "
                "index in the Displays list / per region); percentages are of that display. Region crops "
                "(`region-N.png`) are saved at **native pixels = points \u00D7 the display's backing scale**, "
                "so both pt and px sizes are given per region. The global desktop position per region is for "
-               "automation (macOS click coordinates are points).\n\n"_s;
+               "automation (macOS click coordinates are points).\n\n"_s.arg(m_result.sessionId, m_timestamp,
+                                                                            privacy);
     }
 
     QString note() const {
@@ -89,12 +93,13 @@ public:
         QString text = u"## Displays\n\n"_s;
         for (const Display& display : m_sorted) {
             const QRectF& bounds = display.boundsPoints;
-            text += u"- **Display "_s + number(display.id) + u"**"_s + mainMark(display.id, u" (main)"_s) +
-                    u": "_s + wholeSize(bounds.size()) + u" pt"_s;
-            if (display.scale != 1)
-                text +=
-                    scaleMark(display.scale) + u" ("_s + roundSize(bounds.size() * display.scale) + u" px)"_s;
-            text += u" \u2014 global desktop origin "_s + wholePoint(bounds.topLeft()) + u'\n';
+            const QString pixels =
+                display.scale == 1
+                    ? QString()
+                    : u"%1 (%2 px)"_s.arg(scaleMark(display.scale), roundSize(bounds.size() * display.scale));
+            text += u"- **Display %1**%2: %3 pt%4 \u2014 global desktop origin %5\n"_s.arg(
+                number(display.id), mainMark(display.id, u" (main)"_s), wholeSize(bounds.size()), pixels,
+                wholePoint(bounds.topLeft()));
         }
         return text + u'\n';
     }
@@ -115,9 +120,9 @@ public:
         QString text = u"## Files\n\n| File | Description |\n|------|-------------|\n"
                        "| display-annotated.png | Full display with all markers overlaid |\n"_s;
         for (const Marker& marker : m_result.allMarkers)
-            text += u"| "_s + regionFileName(marker.index) + u" | Crop: "_s +
-                    (marker.label.isEmpty() ? u"Region "_s + QString::number(marker.index) : marker.label) +
-                    u" |\n"_s;
+            text += u"| %1 | Crop: %2 |\n"_s.arg(
+                regionFileName(marker.index),
+                marker.label.isEmpty() ? u"Region "_s + QString::number(marker.index) : marker.label);
         if (std::any_of(m_result.allMarkers.begin(), m_result.allMarkers.end(),
                         [](const Marker& marker) { return !recognized(marker).isEmpty(); }))
             text += u"| ocr.txt | Recognized text from all regions |\n"_s;
@@ -125,9 +130,9 @@ public:
     }
 
     QString timeline() const {
-        return u"\n## Timeline\n\n| Time | Event | Details |\n|------|-------|---------|\n| "_s +
-               m_timestamp + u" | snapshot | "_s + QString::number(m_result.allMarkers.size()) +
-               u" annotation(s) captured |\n"_s;
+        return u"\n## Timeline\n\n| Time | Event | Details |\n|------|-------|---------|\n"
+               "| %1 | snapshot | %2 annotation(s) captured |\n"_s.arg(
+                   m_timestamp, QString::number(m_result.allMarkers.size()));
     }
 
 private:
@@ -142,9 +147,8 @@ private:
     QString region(const Marker& marker) const {
         const bool isOnDisplay = marker.displayId && marker.displayBounds;
         const QString global = wholePoint(marker.rect.topLeft()) + u' ' + wholeSize(marker.rect.size());
-        QString text = u"### ["_s + QString::number(marker.index) + u"] "_s +
-                       marker.windowAppName.value_or(u"Unknown"_s) + u"\n\n**Description:** "_s +
-                       marker.label + u"\n\n"_s;
+        QString text = u"### [%1] %2\n\n**Description:** %3\n\n"_s.arg(
+            QString::number(marker.index), marker.windowAppName.value_or(u"Unknown"_s), marker.label);
         if (const auto notes = m_notes.find(marker.index); notes != m_notes.end())
             text += u"**User markup:** "_s + notes->second + u"\n\n"_s;
         text += u"**Region image:** "_s + regionFileName(marker.index) + u"\n\n"_s;
@@ -153,11 +157,11 @@ private:
         else
             text += u"**Screen coordinates (global desktop):** "_s + global + u"\n\n"_s;
         if (marker.windowBounds)
-            text += u"**Window:** "_s + marker.windowAppName.value_or(u"window"_s) + u" \u2014 "_s +
-                    wholeSize(marker.windowBounds->size()) + u"\n\n"_s;
+            text += u"**Window:** %1 \u2014 %2\n\n"_s.arg(marker.windowAppName.value_or(u"window"_s),
+                                                          wholeSize(marker.windowBounds->size()));
         if (const auto& rect = marker.windowRelativeRect)
-            text += u"**Window-relative:** "_s + wholePoint(rect->topLeft()) + u' ' +
-                    wholeText(rect->width()) + u'x' + wholeText(rect->height()) + u"\n\n"_s;
+            text += u"**Window-relative:** %1 %2x%3\n\n"_s.arg(
+                wholePoint(rect->topLeft()), wholeText(rect->width()), wholeText(rect->height()));
         if (isOnDisplay)
             text += u"**Global desktop position (for automation):** "_s + global + u" pt\n\n"_s;
         if (const QString read = recognized(marker); !read.isEmpty())
@@ -168,14 +172,14 @@ private:
     QString placeOnDisplay(const Marker& marker, quint32 displayId, const QRectF& bounds) const {
         const QPointF offset = marker.rect.topLeft() - bounds.topLeft();
         const QString display = u"Display "_s + number(displayId);
-        return u"**Display:** "_s + display + u" ("_s + wholeSize(bounds.size()) +
-               mainMark(displayId, u", main"_s) + u")\n\n**Position on "_s + display + u":** ("_s +
-               roundText(offset.x()) + u", "_s + roundText(offset.y()) + u"), "_s +
-               regionSize(marker, displayId) + u" from the display's top-left\n\n**On display:** "_s +
-               percent(offset.x(), bounds.width()) + u" across \u00D7 "_s +
-               percent(offset.y(), bounds.height()) + u" down from the top-left; spans "_s +
-               percent(marker.rect.width(), bounds.width()) + u" \u00D7 "_s +
-               percent(marker.rect.height(), bounds.height()) + u" of the display\n\n"_s;
+        return u"**Display:** %1 (%2%3)\n\n"
+               "**Position on %1:** (%4, %5), %6 from the display's top-left\n\n"
+               "**On display:** %7 across \u00D7 %8 down from the top-left; spans %9 \u00D7 %10 of the "
+               "display\n\n"_s.arg(
+                   display, wholeSize(bounds.size()), mainMark(displayId, u", main"_s), roundText(offset.x()),
+                   roundText(offset.y()), regionSize(marker, displayId), percent(offset.x(), bounds.width()),
+                   percent(offset.y(), bounds.height()), percent(marker.rect.width(), bounds.width()),
+                   percent(marker.rect.height(), bounds.height()));
     }
 
     QString regionSize(const Marker& marker, quint32 displayId) const {

@@ -9,7 +9,7 @@ namespace orvane {
 
 using namespace Qt::StringLiterals;
 
-// Labels and names may hold anything, place markers too: all texts are made by joining.
+// Labels and names may hold anything, place markers too: a text gets all that it holds in one call of arg().
 
 namespace {
 
@@ -86,50 +86,49 @@ QString aggregateOcrText(const std::vector<Marker>& markers) {
 }
 
 QString normalClipboardText(const SubmitResult& result, const QString& sessionPath, bool spotlight) {
-    QString text = u"[Orvane] "_s + QString::number(result.allMarkers.size()) + u" annotation(s) on "_s +
-                   joinedAppNames(result.captures) + u'\n';
+    QString text = u"[Orvane] %1 annotation(s) on %2\n"_s.arg(QString::number(result.allMarkers.size()),
+                                                              joinedAppNames(result.captures));
     if (result.captures.size() < 2) {
-        text += u"Screenshot: "_s + sessionPath + u'/' + firstDisplayFileName(result) + u'\n';
+        text += u"Screenshot: %1/%2\n"_s.arg(sessionPath, firstDisplayFileName(result));
     } else {
         for (const CaptureWithMarkers& capture : result.captures) {
-            text += u"Screenshot ("_s + capture.appName + u"): "_s + sessionPath + u'/' +
-                    displayFileName(result.captures.size(), capture.displayId) + u'\n';
+            text += u"Screenshot (%1): %2/%3\n"_s.arg(
+                capture.appName, sessionPath, displayFileName(result.captures.size(), capture.displayId));
         }
     }
-    text += u"Manifest: "_s + sessionPath + u"/SESSION.md\n"_s;
+    text += u"Manifest: %1/SESSION.md\n"_s.arg(sessionPath);
     if (spotlight)
         text += u"Privacy: spotlight on \u2014 background blurred; use region crops for detail.\n"_s;
     text += drawingsNote(result.annotations);
     const std::map<int, QString> notes = markupNotes(result.annotations);
     for (const Marker& marker : result.allMarkers)
-        text += u"  ["_s + QString::number(marker.index) + u"] "_s +
-                (marker.label.isEmpty() ? u"region"_s : marker.label) + u" \u2192 "_s + sessionPath + u'/' +
-                regionFileName(marker.index) + markupSuffix(notes, marker.index) + u'\n';
+        text += u"  [%1] %2 \u2192 %3/%4%5\n"_s.arg(
+            QString::number(marker.index), marker.label.isEmpty() ? u"region"_s : marker.label, sessionPath,
+            regionFileName(marker.index), markupSuffix(notes, marker.index));
     return text;
 }
 
 QString directSendMetadataText(const SubmitResult& result, const QString& sessionPath,
                                const QString& target) {
-    QString text = u"[Orvane] "_s + QString::number(result.allMarkers.size()) +
-                   u" region(s) sent as images \u2192 "_s + target + u'\n';
+    QString text = u"[Orvane] %1 region(s) sent as images \u2192 %2\n"_s.arg(
+        QString::number(result.allMarkers.size()), target);
     text += drawingsNote(result.annotations);
     text += u"Attached images, in order:\n"_s;
     const std::map<int, QString> notes = markupNotes(result.annotations);
     for (std::size_t i = 0; i < result.allMarkers.size(); ++i) {
         const Marker& marker = result.allMarkers[i];
-        text += u"  ["_s + QString::number(i) + u"] "_s + regionDescription(marker) +
-                markupSuffix(notes, marker.index) + u'\n';
+        text += u"  [%1] %2%3\n"_s.arg(QString::number(i), regionDescription(marker),
+                                       markupSuffix(notes, marker.index));
     }
     if (result.captures.size() < 2) {
-        text += u"Full screenshot (not attached): {"_s + sessionPath + u'/' + firstDisplayFileName(result) +
-                u"}\n"_s;
+        text += u"Full screenshot (not attached): {%1/%2}\n"_s.arg(sessionPath, firstDisplayFileName(result));
     } else {
         for (const CaptureWithMarkers& capture : result.captures) {
-            text += u"Full screenshot ("_s + capture.appName + u", not attached): {"_s + sessionPath + u'/' +
-                    displayFileName(result.captures.size(), capture.displayId) + u"}\n"_s;
+            text += u"Full screenshot (%1, not attached): {%2/%3}\n"_s.arg(
+                capture.appName, sessionPath, displayFileName(result.captures.size(), capture.displayId));
         }
     }
-    text += u"Manifest: {"_s + sessionPath + u"/SESSION.md}\n"_s;
+    text += u"Manifest: {%1/SESSION.md}\n"_s.arg(sessionPath);
     return text;
 }
 

@@ -78,6 +78,22 @@ TEST(TimelineTest, TellsTheWholeReport) {
         "elements.*\n");
 }
 
+TEST(TimelineTest, TakesNamesAndTitlesAsTheyAre) {
+    RecordingReport report = emptyReport();
+    report.appName = u"%7 App %99"_s;
+    report.timeline = {
+        {begin, u"recording_start"_s, u"Started monitoring %7 App %99 — %1 %2 %4 (300x200)"_s, u"%3.png"_s},
+        {begin.addMSecs(500), u"recording_end"_s, u"Recording stopped (%1)"_s, u"%6.png"_s}};
+    EXPECT_EQ(timelineLine(report.timeline.front(), begin),
+              u"T+0.0s | recording_start | Started monitoring %7 App %99 — %1 %2 %4 (300x200) | %3.png");
+    const QString text = recordingMarkdown(report);
+    EXPECT_TRUE(text.contains(u"\n- **App:** %7 App %99\n- **Duration:** 12.3s\n"_s));
+    EXPECT_TRUE(text.contains(u"\n- **End frame:** %6.png\n\n## Timeline\n"_s));
+    EXPECT_TRUE(text.contains(u"\n| T+0.0s | recording_start | Started monitoring %7 App %99 — %1 %2 %4 "
+                              "(300x200) | %3.png |\n| T+0.5s | recording_end | Recording stopped (%1) | "
+                              "%6.png |\n\n## Summary\n\n- **Major changes:** 0 (saved"_s));
+}
+
 TEST(TimelineTest, NamesNoEndFrameWhereThereIsNone) {
     RecordingReport report = emptyReport();
     EXPECT_FALSE(recordingMarkdown(report).contains(u"End frame"));

@@ -128,6 +128,27 @@ TEST_F(SessionToolsTest, StartsNothingWithoutAName) {
               u"Invalid arguments: No window found for 'Nope'");
 }
 
+TEST_F(SessionToolsTest, TakesNamesAndTitlesAsTheyAre) {
+    desktop.windows = {};
+    desktop.shareable = {};
+    desktop.addApplication(8, u"%2 App %3"_s, 41, {0, 0, 300, 200}, u"%1 %2"_s);
+    EXPECT_EQ(start({{u"app_name"_s, u"%2 App %3"_s}}),
+              u"Recording started for %2 App %3.\nSession ID: "_s + id + u"\nSession path: "_s +
+                  storage.sessionDir(id) +
+                  u"\nCapturing at 1000ms intervals. Call poll_recording to check for changes, read_frame to "
+                  "inspect a frame. Call stop_recording when done."_s);
+    EXPECT_EQ(text(tools.pollRecording({})),
+              u"Session: "_s + id +
+                  u"\nNew events (1):\n  T+0.0s | recording_start | Started monitoring %2 App %3 — %1 %2 "
+                  "(300x200) | frame-000-start.png\n"_s);
+    const QString folder = storage.sessionDir(id);
+    const QString stopped = text(tools.stopRecording({}));
+    EXPECT_TRUE(stopped.contains(u"\n- **App:** %2 App %3\n"_s));
+    // The report of the latest session, whatever it says.
+    EXPECT_EQ(text(tools.getAnnotations({})), u"Session path: "_s + QFileInfo(folder).canonicalFilePath() +
+                                                  stopped.mid(stopped.indexOf(u"\n\n# Orvane")));
+}
+
 TEST_F(SessionToolsTest, StartsOneRecordingAtATime) {
     start();
     EXPECT_EQ(thrownBy([&] { start(); }),

@@ -338,6 +338,36 @@ TEST_F(ToolHandlerTest, NeedsRegionsToAnnotate) {
     EXPECT_TRUE(saved().isEmpty());
 }
 
+TEST_F(ToolHandlerTest, TakesNamesAndTitlesAsTheyAre) {
+    desktop.windows = {};
+    desktop.shareable = {};
+    desktop.addApplication(8, u"%2 App %99"_s, 41, {0, 0, 300, 200}, u"%1 %2 %3 %L1 100%"_s);
+    const QJsonObject named{{u"app_name"_s, u"%2 App %99"_s}};
+    EXPECT_EQ(
+        text(call("capture_window", named)),
+        u"Captured %2 App %99 — %1 %2 %3 %L1 100%.\nwindowId: 41  (pass to annotate_understanding as frame "
+        u"{\"type\":\"window\",\"windowId\":41})\nReturned image: 300×200 px — measure any annotation "
+        u"coordinates in THIS image and pass these as the frame's imageWidth/imageHeight.\nNative window: "
+        u"300×200 pt.");
+    textRecognition.lines = {{u"%1 read %4"_s, {0, 0, 10, 10}, 0.9F}};
+    EXPECT_EQ(text(call("capture_window_region", joined(joined(square, named), {{u"ocr"_s, true}}))),
+              u"Captured region (10,20 30x40) of %2 App %99 - %1 %2 %3 %L1 100%. Returned image: 30×40 px."
+              u"\n\nRecognized text:\n%1 read %4");
+    EXPECT_EQ(text(call("capture_region", joined(square, {{u"ocr"_s, true}}))),
+              u"Captured region (10,20) 30x40. Returned image: 300×200 px."
+              u"\n\nRecognized text:\n%1 read %4");
+    const QJsonArray regions{joined(square, {{u"label"_s, u"%1 of %2"_s}})};
+    EXPECT_EQ(text(call("capture_annotated", joined(named, {{u"regions"_s, regions}}))),
+              u"Captured %2 App %99 - %1 %2 %3 %L1 100% (300x200) with 1 annotation(s):\n"
+              u"  [1] (10,20 30x40) %1 of %2\n");
+    EXPECT_EQ(text(call("capture_diff", named)),
+              u"Stored 'before' snapshot of %2 App %99 (300x200). Make your changes, then call capture_diff "
+              u"again with the same app_name to get the before/after comparison.");
+    EXPECT_EQ(text(call("capture_diff", named)),
+              u"BEFORE (2026-03-04T05:06:07Z) and AFTER (2026-03-04T05:06:07Z) of %2 App %99 (300x200)");
+    EXPECT_EQ(text(call("capture_window", {{u"app_name"_s, u"%2 no %1"_s}})), invalidArguments);
+}
+
 TEST_F(ToolHandlerTest, ComparesBeforeAndAfter) {
     const QJsonObject first = call("capture_diff", {{u"app_name"_s, u"Terminal"_s}});
     EXPECT_EQ(text(first), u"Stored 'before' snapshot of Terminal (300x200). Make your changes, then call "

@@ -285,6 +285,34 @@ TEST(SnapshotManifest, TakesLabelsAsTheyAre) {
                               longLabel + u" |\n"_s));
 }
 
+TEST(SnapshotManifest, TakesNamesAndWhatWasReadAsTheyAre) {
+    const Display display = makeDisplay(11, {0, 0, 1000, 500});
+    Marker marker = markerOn(display, 1, {100, 50, 300, 200}, u"%3 %2 %1"_s);
+    marker.windowAppName = u"%2 App %10"_s;
+    marker.windowBounds = QRectF(90, 40, 400, 300);
+    marker.windowRelativeRect = QRectF(10, 10, 300, 200);
+    marker.recognizedText = u"%1 read %2"_s;
+    SubmitResult result = resultOf({marker});
+    Annotation drawn = Annotation();
+    drawn.kind = Annotation::Kind::text;
+    drawn.text = u"%1 drawn"_s;
+    drawn.regionIndex = 1;
+    result.annotations = {drawn};
+    const QString text = manifest(result, {display});
+    EXPECT_TRUE(text.contains(u"### [1] %2 App %10\n\n**Description:** %3 %2 %1\n\n"
+                              "**User markup:** text \"%1 drawn\"\n\n"
+                              "**Region image:** region-1.png\n\n"
+                              "**Display:** Display 1 (1000×500, main)\n\n"
+                              "**Position on Display 1:** (100, 50), 300×200 px (region-1.png) from the "
+                              "display's top-left\n\n"
+                              "**On display:** 10% across × 10% down from the top-left; spans 30% × 40% of "
+                              "the display\n\n"
+                              "**Window:** %2 App %10 — 400×300\n\n"
+                              "**Window-relative:** (10, 10) 300x200\n\n"_s))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(u"**Recognized text:**\n\n```\n%1 read %2\n```\n\n"_s));
+}
+
 TEST(SnapshotManifest, RecognisedTextThatIsEmptyIsNone) {
     const Display display = makeDisplay(11, {0, 0, 1000, 500});
     Marker marker = markerOn(display, 1, {0, 0, 20, 20});
