@@ -1,6 +1,5 @@
 #include "OrvaneCore/marking/overlay/OverlayView.h"
 
-#include "OrvaneCore/marking/editing/AnnotationTextPopover.h"
 #include "OrvaneCore/marking/editing/MarkupPalette.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/overlay/MarkerPopover.h"
@@ -66,7 +65,10 @@ OverlayView::OverlayView(const OverlayDocument& document, QWidget* parent)
     , m_bar(new OverlayBar(
           document.manager, [this](OverlayCommand command) { m_document.commands.perform(command); },
           document.targetIcon, this))
-    , m_palette(new MarkupPalette(document.manager, paletteTools(), this)) {
+    , m_palette(new MarkupPalette(document.manager, paletteTools(), this))
+    , m_textEditor(*this, [this](const QUuid& annotation, const QString& text) {
+        m_gestures.textClosed(annotation, text);
+    }) {
     // Given the keys by calls only: a click on the bar is not to take them from a text.
     setFocusPolicy(Qt::NoFocus);
     setMouseTracking(true);
@@ -86,7 +88,7 @@ void OverlayView::setFrame(const QRect& globalFrame, qreal primaryHeight) {
 
 void OverlayView::closeEditors() {
     if (m_labelEditor) {
-        const Editor<MarkerPopover> editor = std::move(m_labelEditor);
+        const LabelEditor editor = std::move(m_labelEditor);
         editor->closePopover();
         m_gestures.labelSubmitted(m_labelledMarker, editor->text());
     }
@@ -94,8 +96,7 @@ void OverlayView::closeEditors() {
 }
 
 void OverlayView::closeTextEditor() {
-    if (m_textEditor)
-        m_textEditor->closePopover();
+    m_textEditor.close();
 }
 
 // A widget is painted anew as a whole when the focus comes or goes. This one looks the same, and on a large
@@ -203,13 +204,7 @@ void OverlayView::openLabelEditor(const QUuid& marker, const QPointF& viewPoint)
 
 void OverlayView::openTextEditor(const QUuid& annotation, const QPointF& viewPoint) {
     closeEditors();
-    m_textEditor.reset(new AnnotationTextPopover(QString(), this));
-    m_textEditor->setOnClose([this, annotation] {
-        const Editor<AnnotationTextPopover> editor = std::move(m_textEditor);
-        m_gestures.textClosed(annotation, editor->text());
-        setFocus();
-    });
-    m_textEditor->openAt(viewPoint);
+    m_textEditor.open(annotation, viewPoint);
 }
 
 void OverlayView::takeKeyboard() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/base/Observers.h"
+#include "OrvaneCore/marking/editing/AnnotationTextEditor.h"
 #include "OrvaneCore/marking/editing/EventRefresh.h"
 #include "OrvaneCore/marking/overlay/OverlayGestures.h"
 #include "OrvaneCore/marking/overlay/OverlayScene.h"
@@ -15,7 +16,6 @@
 
 namespace orvane {
 
-class AnnotationTextPopover;
 class DesktopKeyboard;
 class MarkerManager;
 class MarkerPopover;
@@ -65,8 +65,7 @@ private:
     struct DeleteLater {
         void operator()(QObject* object) const { object->deleteLater(); }
     };
-    template <typename Widget>
-    using Editor = std::unique_ptr<Widget, DeleteLater>;
+    using LabelEditor = std::unique_ptr<MarkerPopover, DeleteLater>;
 
     void openLabelEditor(const QUuid& marker, const QPointF& viewPoint) override;
     void openTextEditor(const QUuid& annotation, const QPointF& viewPoint) override;
@@ -85,9 +84,9 @@ private:
     EventRefresh m_refresh;
     OverlayBar* m_bar;
     MarkupPalette* m_palette;
-    Editor<MarkerPopover> m_labelEditor;
+    LabelEditor m_labelEditor;
     QUuid m_labelledMarker;
-    Editor<AnnotationTextPopover> m_textEditor;
+    AnnotationTextEditor m_textEditor;
     Observers::Subscription m_subscription;
 };
 
