@@ -16,6 +16,18 @@ die() {
 # jobs: how many compilers may run side by side.
 jobs_count() { nproc; }
 
+# configure PRESET [CMAKE_OPTION...]: configures build/PRESET, in turns with those who build it.
+configure() {
+    local preset=$1
+    shift
+    mkdir -p "$project_root/build/$preset"
+    (
+        exec 0</dev/null 1>&2
+        cd "$project_root"
+        flock -o "build/$preset/.build.lock" cmake --preset "$preset" "$@"
+    )
+}
+
 # build PRESET [CMAKE_OPTION...]: configures where that is needed and builds build/PRESET.
 # Reads nothing from standard input and prints only to standard error. Several callers at once take turns.
 build() {
