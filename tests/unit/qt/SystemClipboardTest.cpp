@@ -84,6 +84,7 @@ TEST_F(SystemClipboardTest, EachOfManyThreadsKeepsItsOrder) {
         seen.at(parts.at(0).toUInt()).append(parts.at(1));
     });
     std::vector<std::thread> writers;
+    writers.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         writers.emplace_back([this, i] {
             for (int k = 0; k < writesEach; ++k)

@@ -67,6 +67,7 @@ TEST_F(Sessions, ManyThreadsOfTwoMakersNeverShareAFolder) {
     SessionFolders theirs(m_paths, clock, sleep);
     std::array<QStringList, threadCount> made;
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&folders = i % 2 == 0 ? ours : theirs, &mine = made.at(std::size_t(i))] {
             for (int k = 0; k < sessionsEach; ++k) {
@@ -105,6 +106,7 @@ TEST_F(Sessions, ThreadsWithoutAnyFolderHaveIdsOfTheirOwn) {
         [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); });
     std::array<QString, 8> ids;
     std::vector<std::thread> threads;
+    threads.reserve(ids.size());
     for (QString& id : ids) {
         threads.emplace_back([&folders, &id] { id = folders.make().id; });
     }
