@@ -37,8 +37,8 @@ std::vector<Annotation> mixedAnnotations(int count) {
         annotation.end = annotation.start + QPointF(40 + 600 * share(random) * share(random),
                                                     20 + 340 * share(random) * share(random));
         annotation.text = u"This moves when the list is empty"_s;
-        annotation.color = QColor(MarkupColors::presets[i % MarkupColors::presets.size()]);
-        annotation.strokeWidth = MarkupColors::strokePresets[i % MarkupColors::strokePresets.size()];
+        annotation.color = QColor(markup_colors::presets[i % markup_colors::presets.size()]);
+        annotation.strokeWidth = markup_colors::strokePresets[i % markup_colors::strokePresets.size()];
         annotation.label = i % 2 == 0 ? u"note %1"_s.arg(i) : QString();
         annotation.image = photo;
         annotation.rotation = i % 12 == 5 ? std::numbers::pi / 8 : 0;
@@ -54,7 +54,7 @@ void drawAnnotations(benchmark::State& state) {
     for ([[maybe_unused]] auto iteration : state) {
         QPainter painter(&picture);
         for (const Annotation& annotation : annotations)
-            AnnotationRenderer::draw(painter, annotation, toPixels, scale);
+            annotation_renderer::draw(painter, annotation, toPixels, scale);
         painter.end();
         benchmark::DoNotOptimize(picture.constBits());
     }
@@ -68,10 +68,10 @@ void drawMarkers(benchmark::State& state) {
             const QRectF rect((number % 8) * 220 + 40, (number % 6) * 170 + 40, 180, 110);
             const Marker marker{.rect = rect,
                                 .label = u"the button in question"_s,
-                                .color = MarkerPalette::border(number),
+                                .color = marker_palette::border(number),
                                 .index = number};
-            MarkerPainter::draw(painter, marker, QRectF(rect.topLeft() * scale, rect.size() * scale), scale,
-                                MarkerStyle::onImage, MarkerPainter::Spotlight::off);
+            marker_painter::draw(painter, marker, QRectF(rect.topLeft() * scale, rect.size() * scale), scale,
+                                 MarkerStyle::onImage, marker_painter::Spotlight::off);
         }
         painter.end();
         benchmark::DoNotOptimize(picture.constBits());

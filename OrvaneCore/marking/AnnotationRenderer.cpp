@@ -26,7 +26,7 @@ constexpr qreal widestStroke = 1e4;
 constexpr qreal farthestArrowEnd = 1e12;
 
 QColor textColorOn(const QColor& ground) {
-    return AnnotationRenderer::prefersDarkText(ground) ? Qt::black : Qt::white;
+    return annotation_renderer::prefersDarkText(ground) ? Qt::black : Qt::white;
 }
 
 QPen stroke(const QColor& color, qreal width) {
@@ -135,7 +135,7 @@ private:
             return;
         }
         const QRectF fitted =
-            AnnotationRenderer::aspectFit(m_annotation.image.deviceIndependentSize(), m_rect);
+            annotation_renderer::aspectFit(m_annotation.image.deviceIndependentSize(), m_rect);
         QImage picture = m_annotation.image;
         // A smooth painter looks at four pixels for each it paints, which leaves most of a large picture out.
         const QSizeF pixels = m_painter.deviceTransform().mapRect(fitted).size();
@@ -173,16 +173,16 @@ private:
 
 } // namespace
 
-void AnnotationRenderer::draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint,
-                              qreal scale) {
+void annotation_renderer::draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint,
+                               qreal scale) {
     if (!isFinite(annotation.start) || !isFinite(annotation.end))
         return;
     const PainterState state(painter);
     ShapeDrawing(painter, annotation, mapPoint, scale).draw();
 }
 
-void AnnotationRenderer::drawSelectionHandles(QPainter& painter, const Annotation& annotation,
-                                              const PointMap& mapPoint, qreal scale) {
+void annotation_renderer::drawSelectionHandles(QPainter& painter, const Annotation& annotation,
+                                               const PointMap& mapPoint, qreal scale) {
     if (!isFinite(annotation.start) || !isFinite(annotation.end))
         return;
     const PainterState state(painter);
@@ -205,7 +205,7 @@ void AnnotationRenderer::drawSelectionHandles(QPainter& painter, const Annotatio
     drawHandleDots(painter, points, scale);
 }
 
-void AnnotationRenderer::drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale) {
+void annotation_renderer::drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale) {
     const PainterState state(painter);
     const qreal radius = 4.5 * scale;
     for (const QPointF& point : points) {
@@ -220,13 +220,13 @@ void AnnotationRenderer::drawHandleDots(QPainter& painter, const std::vector<QPo
     }
 }
 
-QSizeF AnnotationRenderer::textSize(const Annotation& annotation, qreal scale) {
+QSizeF annotation_renderer::textSize(const Annotation& annotation, qreal scale) {
     if (annotation.text.isEmpty())
         return emptyTextSize * scale;
     return DrawnText(annotation.text, textPixelSize, QFont::Bold, scale).size();
 }
 
-std::optional<QRectF> AnnotationRenderer::strokesBounds(const std::vector<Annotation>& annotations) {
+std::optional<QRectF> annotation_renderer::strokesBounds(const std::vector<Annotation>& annotations) {
     std::optional<QRectF> bounds;
     for (const Annotation& annotation : annotations) {
         if (annotation.removed || !isFinite(annotation.start) || !isFinite(annotation.end))
@@ -243,7 +243,7 @@ std::optional<QRectF> AnnotationRenderer::strokesBounds(const std::vector<Annota
     return bounds;
 }
 
-QRectF AnnotationRenderer::aspectFit(const QSizeF& imageSize, const QRectF& rect) {
+QRectF annotation_renderer::aspectFit(const QSizeF& imageSize, const QRectF& rect) {
     if (imageSize.width() <= 0 || imageSize.height() <= 0 || rect.width() <= 0 || rect.height() <= 0)
         return rect;
     const qreal factor = std::min(rect.width() / imageSize.width(), rect.height() / imageSize.height());
@@ -251,7 +251,7 @@ QRectF AnnotationRenderer::aspectFit(const QSizeF& imageSize, const QRectF& rect
     return {rect.center() - QPointF(size.width() / 2, size.height() / 2), size};
 }
 
-bool AnnotationRenderer::prefersDarkText(const QColor& color) {
+bool annotation_renderer::prefersDarkText(const QColor& color) {
     // Not the channels as floats, which put a grey of exactly 0.6 above the limit.
     const QRgba64 rgb = color.toRgb().rgba64();
     constexpr qreal full = std::numeric_limits<quint16>::max();

@@ -24,31 +24,32 @@ namespace orvane {
 /// Shapes whose points are not finite are not drawn, and no other number harms: a stroke is at least 1 wide,
 /// an angle that is not finite is upright. The painter is left as it was. Needs a QGuiApplication; any
 /// thread.
-class AnnotationRenderer {
-public:
-    /// The shape with its label, whether or not it is `removed`.
-    static void draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale);
+namespace annotation_renderer {
 
-    /// The marks of a selected annotation.
-    static void drawSelectionHandles(QPainter& painter, const Annotation& annotation,
-                                     const PointMap& mapPoint, qreal scale);
+/// The shape with its label, whether or not it is `removed`.
+void draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale);
 
-    /// Round dots at points that are in the painter's space already.
-    static void drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale);
+/// The marks of a selected annotation.
+void drawSelectionHandles(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint,
+                          qreal scale);
 
-    /// The size of a text annotation's text; that of a placeholder where it is empty.
-    static QSizeF textSize(const Annotation& annotation, qreal scale);
+/// Round dots at points that are in the painter's space already.
+void drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale);
 
-    /// The rectangle around all shapes that are not removed and have finite points, by their points. Nothing
-    /// when there are none.
-    static std::optional<QRectF> strokesBounds(const std::vector<Annotation>& annotations);
+/// The size of a text annotation's text; that of a placeholder where it is empty.
+QSizeF textSize(const Annotation& annotation, qreal scale);
 
-    /// The largest rectangle in the middle of `rect` with the proportions of an image. `rect` itself when
-    /// either has a side that is not positive.
-    static QRectF aspectFit(const QSizeF& imageSize, const QRectF& rect);
+/// The rectangle around all shapes that are not removed and have finite points, by their points. Nothing
+/// when there are none.
+std::optional<QRectF> strokesBounds(const std::vector<Annotation>& annotations);
 
-    /// True when black text is easier to read than white text on a ground of this colour.
-    static bool prefersDarkText(const QColor& color);
-};
+/// The largest rectangle in the middle of `rect` with the proportions of an image. `rect` itself when
+/// either has a side that is not positive.
+QRectF aspectFit(const QSizeF& imageSize, const QRectF& rect);
+
+/// True when black text is easier to read than white text on a ground of this colour.
+bool prefersDarkText(const QColor& color);
+
+} // namespace annotation_renderer
 
 } // namespace orvane

@@ -81,7 +81,7 @@ public:
         drawSoftShadow(m_painter, circle, withAlpha(Qt::black, 0.45F), badgeShadowBlur * m_scale,
                        shadowOffset * m_scale);
         m_painter.fillPath(circle, m_marker.color);
-        m_painter.setPen(QPen(MarkerPalette::badgeRing(), badgeRingWidth * m_scale));
+        m_painter.setPen(QPen(marker_palette::badgeRing(), badgeRingWidth * m_scale));
         m_painter.setBrush(Qt::NoBrush);
         m_painter.drawEllipse(center, radius + badgeRingGrowth * m_scale, radius + badgeRingGrowth * m_scale);
 
@@ -101,11 +101,11 @@ public:
         outline.addRoundedRect(capsule, cornerRadius * m_scale, cornerRadius * m_scale);
         drawSoftShadow(m_painter, outline, withAlpha(Qt::black, 0.3F), labelShadowBlur * m_scale,
                        shadowOffset * m_scale);
-        m_painter.fillPath(outline, MarkerPalette::labelFill());
+        m_painter.fillPath(outline, marker_palette::labelFill());
 
         const qreal dotRadius = dotDiameter / 2 * m_scale;
         m_painter.setPen(Qt::NoPen);
-        m_painter.setBrush(MarkerPalette::dot(m_marker.index));
+        m_painter.setBrush(marker_palette::dot(m_marker.index));
         m_painter.drawEllipse(QPointF(capsule.left() + dotInset * m_scale + dotRadius, capsule.center().y()),
                               dotRadius, dotRadius);
         text.draw(m_painter, capsule.topLeft() + QPointF(textInset, labelPaddingY * m_scale), Qt::white);
@@ -127,8 +127,8 @@ private:
 
 } // namespace
 
-void MarkerPainter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
-                         const MarkerStyle& style, Spotlight spotlight) {
+void marker_painter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
+                          const MarkerStyle& style, Spotlight spotlight) {
     if (!isFinite(rect))
         return;
     const PainterState state(painter);

@@ -26,15 +26,16 @@ struct MarkerStyle {
 };
 
 /// How a marker looks. The one drawing of its layers: halo, tint, outline, badge, number and label.
-class MarkerPainter {
-public:
-    enum class Spotlight { off, on };
+namespace marker_painter {
 
-    /// `rect` is the marker's region in the painter's space, y down, and `scale` the painter's units of a
-    /// point, finite and positive. A region that is not finite is not drawn. The painter is left as it was.
-    /// Needs a QGuiApplication; any thread.
-    static void draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
-                     const MarkerStyle& style, Spotlight spotlight);
-};
+enum class Spotlight { off, on };
+
+/// `rect` is the marker's region in the painter's space, y down, and `scale` the painter's units of a
+/// point, finite and positive. A region that is not finite is not drawn. The painter is left as it was.
+/// Needs a QGuiApplication; any thread.
+void draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
+          Spotlight spotlight);
+
+} // namespace marker_painter
 
 } // namespace orvane

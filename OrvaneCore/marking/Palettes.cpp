@@ -12,19 +12,19 @@ QRgb colorOfMarker(const std::array<QRgb, 8>& colors, int index) {
 
 } // namespace
 
-QColor MarkerPalette::border(int index) {
+QColor marker_palette::border(int index) {
     return QColor(colorOfMarker(borders, index));
 }
 
-QColor MarkerPalette::dot(int index) {
+QColor marker_palette::dot(int index) {
     return QColor(colorOfMarker(dots, index));
 }
 
-QColor MarkerPalette::badgeRing() {
+QColor marker_palette::badgeRing() {
     return QColor(0x0B, 0x12, 0x20);
 }
 
-QColor MarkerPalette::labelFill() {
+QColor marker_palette::labelFill() {
     QColor color(18, 20, 26);
     color.setAlphaF(0.9F);
     return color;

@@ -60,7 +60,7 @@ public:
         const std::array kinds{Annotation::Kind::arrow,     Annotation::Kind::box,  Annotation::Kind::ellipse,
                                Annotation::Kind::highlight, Annotation::Kind::text, Annotation::Kind::image};
         for (std::size_t row = 0; row < kinds.size(); ++row) {
-            for (std::size_t column = 0; column < MarkupColors::presets.size(); ++column) {
+            for (std::size_t column = 0; column < markup_colors::presets.size(); ++column) {
                 const QPointF start =
                     corner + QPointF(static_cast<qreal>(column) * 125, 60 + static_cast<qreal>(row) * 75);
                 Annotation shape = annotation(kinds[row], start, start + QPointF(90, 40), column);
@@ -74,7 +74,7 @@ public:
     void strokes(const QPointF& corner) {
         title(corner, u"Stroke widths"_s);
         qreal y = corner.y() + 45;
-        for (const qreal width : MarkupColors::strokePresets) {
+        for (const qreal width : markup_colors::strokePresets) {
             const QPointF start(corner.x(), y);
             Annotation arrow =
                 annotation(Annotation::Kind::arrow, start + QPointF(0, 40), start + QPointF(90, 0), 0);
@@ -126,19 +126,19 @@ public:
             Annotation text = annotation(Annotation::Kind::text, {corner.x(), y}, {corner.x(), y}, i + 1);
             text.text = texts[i];
             draw(text);
-            y += AnnotationRenderer::textSize(text, 1).height() + 22;
+            y += annotation_renderer::textSize(text, 1).height() + 22;
         }
     }
 
-    void markers(const QPointF& corner, const MarkerStyle& style, MarkerPainter::Spotlight spotlight,
+    void markers(const QPointF& corner, const MarkerStyle& style, marker_painter::Spotlight spotlight,
                  const QString& name) {
         title(corner, name);
         for (int number = 1; number <= 8; ++number) {
             Marker marker{.rect = QRectF(corner + QPointF((number - 1) * 143, 50), QSizeF(100, 56)),
                           .label = number % 2 == 1 ? u"Note %1"_s.arg(number) : QString(),
-                          .color = MarkerPalette::border(number),
+                          .color = marker_palette::border(number),
                           .index = number};
-            MarkerPainter::draw(m_painter, marker, m_map(marker.rect), scale(), style, spotlight);
+            marker_painter::draw(m_painter, marker, m_map(marker.rect), scale(), style, spotlight);
         }
     }
 
@@ -158,15 +158,15 @@ private:
         return {.kind = kind,
                 .start = start,
                 .end = end,
-                .color = QColor(MarkupColors::presets[color]),
-                .strokeWidth = MarkupColors::strokePresets[0]};
+                .color = QColor(markup_colors::presets[color]),
+                .strokeWidth = markup_colors::strokePresets[0]};
     }
 
-    void draw(const Annotation& shape) { AnnotationRenderer::draw(m_painter, shape, m_map, scale()); }
+    void draw(const Annotation& shape) { annotation_renderer::draw(m_painter, shape, m_map, scale()); }
 
     void select(const Annotation& shape) {
         draw(shape);
-        AnnotationRenderer::drawSelectionHandles(m_painter, shape, m_map, scale());
+        annotation_renderer::drawSelectionHandles(m_painter, shape, m_map, scale());
     }
 
     PointMap m_map;
@@ -191,10 +191,10 @@ int main(int argc, char* argv[]) {
     sheet.strokes({800, 20});
     sheet.selections({800, 270});
     sheet.pictures({800, 400});
-    sheet.markers({40, 560}, MarkerStyle::onImage, MarkerPainter::Spotlight::off, u"Markers on a picture"_s);
-    sheet.markers({40, 730}, MarkerStyle::onOverlay, MarkerPainter::Spotlight::off,
+    sheet.markers({40, 560}, MarkerStyle::onImage, marker_painter::Spotlight::off, u"Markers on a picture"_s);
+    sheet.markers({40, 730}, MarkerStyle::onOverlay, marker_painter::Spotlight::off,
                   u"Markers on the screen"_s);
-    sheet.markers({40, 900}, MarkerStyle::onOverlay, MarkerPainter::Spotlight::on,
+    sheet.markers({40, 900}, MarkerStyle::onOverlay, marker_painter::Spotlight::on,
                   u"Markers on the screen, spotlight"_s);
     sheet.texts({40, 1070});
     sheet.spotlight(QRectF(20, 600, 700, 110), QRectF(183, 610, 100, 56), {330, 1070});

@@ -74,14 +74,14 @@ TEST_F(Submission, LeavesASessionAndItsTextOnTheClipboard) {
     EXPECT_EQ(crop, knownPicture(300, 200, false).copy(10, 10, 200, 100));
     const QImage second = picture(u"region-2.png"_s);
     ASSERT_EQ(second.size(), QSize(200, 100));
-    const QRgb red = QColor::fromRgb(MarkupColors::defaultColor).rgb();
+    const QRgb red = QColor::fromRgb(markup_colors::defaultColor).rgb();
     EXPECT_TRUE(isColor(second, QPoint(70, 20), red));
     EXPECT_TRUE(isColor(second, QPoint(150, 50), white));
     const QImage display = picture(u"display-annotated.png"_s);
     ASSERT_EQ(display.size(), QSize(1280, 800));
     EXPECT_TRUE(isColor(display, QPoint(770, 520), red));
-    EXPECT_TRUE(isColor(display, QPoint(310, 209), MarkerPalette::border(1).rgb(), 40));
-    EXPECT_TRUE(isColor(display, QPoint(850, 550), blended(MarkerPalette::border(2).rgb(), 0.09, white), 2));
+    EXPECT_TRUE(isColor(display, QPoint(310, 209), marker_palette::border(1).rgb(), 40));
+    EXPECT_TRUE(isColor(display, QPoint(850, 550), blended(marker_palette::border(2).rgb(), 0.09, white), 2));
     EXPECT_TRUE(isColor(display, QPoint(50, 400), white)) << "the overlay is on the picture";
 
     EXPECT_EQ(clipboard(u"UTF8_STRING"_s).value_or(""),

@@ -213,7 +213,7 @@ TEST_F(Overlay, DrawsWithThePalette) {
     ASSERT_TRUE(eventuallyInLoop([&] { return manager.annotations().size() == 1; }));
     EXPECT_EQ(manager.annotations()[0].start, QPointF(250, 250));
     EXPECT_EQ(manager.annotations()[0].end, QPointF(400, 350));
-    EXPECT_TRUE(comesToShow({325, 300}, QColor::fromRgb(MarkupColors::defaultColor).rgb()));
+    EXPECT_TRUE(comesToShow({325, 300}, QColor::fromRgb(markup_colors::defaultColor).rgb()));
 
     clickAt(buttonAt(u"Text"_s));
     clickAt({300, 450});

@@ -23,7 +23,7 @@ qreal length(const Annotation& annotation) {
 bool isAt(const Annotation& annotation, const QPointF& point) {
     // To measure a text is to lay it out, so it is not done for shapes that have none.
     const QSizeF size =
-        annotation.kind == Annotation::Kind::text ? AnnotationRenderer::textSize(annotation, 1) : QSizeF();
+        annotation.kind == Annotation::Kind::text ? annotation_renderer::textSize(annotation, 1) : QSizeF();
     return annotation.hitTest(point, outlineTolerance, size);
 }
 

@@ -29,9 +29,10 @@ constexpr int gripWidth = 12;
 /// What stays inside the parent.
 constexpr int reachable = 32;
 
-const std::array<QString, MarkupColors::presets.size()> colorNames{u"Red"_s,   u"Orange"_s, u"Blue"_s,
-                                                                   u"Green"_s, u"White"_s,  u"Black"_s};
-const std::array<QString, MarkupColors::strokePresets.size()> strokeNames{u"Thin"_s, u"Medium"_s, u"Thick"_s};
+const std::array<QString, markup_colors::presets.size()> colorNames{u"Red"_s,   u"Orange"_s, u"Blue"_s,
+                                                                    u"Green"_s, u"White"_s,  u"Black"_s};
+const std::array<QString, markup_colors::strokePresets.size()> strokeNames{u"Thin"_s, u"Medium"_s,
+                                                                           u"Thick"_s};
 
 QPoint keptInside(const QPoint& corner, const QSize& size, const QRect& bounds) {
     const auto within = [](int at, int length, int space) {
@@ -56,9 +57,9 @@ MarkupPalette::MarkupPalette(MarkupStateStore& store,
         button->setGlyph(toolGlyph(tool));
         m_toolButtons.emplace_back(tool, button);
     }
-    m_colorButtons.reserve(MarkupColors::presets.size());
-    for (std::size_t i = 0; i < MarkupColors::presets.size(); ++i) {
-        const QRgb preset = MarkupColors::presets[i];
+    m_colorButtons.reserve(markup_colors::presets.size());
+    for (std::size_t i = 0; i < markup_colors::presets.size(); ++i) {
+        const QRgb preset = markup_colors::presets[i];
         const QColor color = QColor::fromRgb(preset);
         FirstMouseButton* button = addButton(colorNames[i], [this, color] {
             m_store.setMarkupColor(color);
@@ -67,9 +68,9 @@ MarkupPalette::MarkupPalette(MarkupStateStore& store,
         button->setSwatch(color);
         m_colorButtons.emplace_back(preset, button);
     }
-    m_strokeButtons.reserve(MarkupColors::strokePresets.size());
-    for (std::size_t i = 0; i < MarkupColors::strokePresets.size(); ++i) {
-        const qreal width = MarkupColors::strokePresets[i];
+    m_strokeButtons.reserve(markup_colors::strokePresets.size());
+    for (std::size_t i = 0; i < markup_colors::strokePresets.size(); ++i) {
+        const qreal width = markup_colors::strokePresets[i];
         FirstMouseButton* button = addButton(strokeNames[i], [this, width] {
             m_store.setMarkupStrokeWidth(width);
             applyToSelection([width](Annotation& annotation) { annotation.strokeWidth = width; });

@@ -16,15 +16,15 @@ const QString imageModeKey = u"ImageMode"_s;
 
 void number(Marker& marker, std::size_t position) {
     marker.index = static_cast<int>(position) + 1;
-    marker.color = MarkerPalette::border(marker.index);
+    marker.color = marker_palette::border(marker.index);
 }
 
 } // namespace
 
 MarkerManager::MarkerManager(SettingsStore& settings)
     : m_settings(settings)
-    , m_markupColor(QColor::fromRgb(MarkupColors::defaultColor))
-    , m_markupStrokeWidth(MarkupColors::strokePresets[1]) {}
+    , m_markupColor(QColor::fromRgb(markup_colors::defaultColor))
+    , m_markupStrokeWidth(markup_colors::strokePresets[1]) {}
 
 Marker MarkerManager::add(const QRectF& rect, const QString& label) {
     Marker marker{.rect = rect, .label = label};

@@ -215,7 +215,7 @@ VisualBounds OverlayBounds::marker(const Marker& marker) const {
         return bounds;
     setPlane(bounds, *region, haloReach + edge, regionInset,
              m_scene.modes.spotlight ? std::nullopt : std::optional(marker.color));
-    add(bounds, OverlayLayout::sizeTag(*region, m_scene.size), edge);
+    add(bounds, overlay_layout::sizeTag(*region, m_scene.size), edge);
     const qreal numberReach = digitWidth / 2 * static_cast<qreal>(QString::number(marker.index).size());
     const qreal badgeReach = badgeRadius + badgeShadowReach;
     const qreal badgeWidth = std::max(badgeReach, numberReach);
@@ -224,10 +224,10 @@ VisualBounds OverlayBounds::marker(const Marker& marker) const {
          2 * badgeReach},
         edge);
     if (!marker.label.isEmpty()) {
-        addText(bounds, OverlayLayout::label(*region, marker.label), labelShadowReach + shadowDrop + edge,
+        addText(bounds, overlay_layout::label(*region, marker.label), labelShadowReach + shadowDrop + edge,
                 marker.label);
     } else if (!m_scene.modes.ocr) {
-        add(bounds, OverlayLayout::hint(*region), edge);
+        add(bounds, overlay_layout::hint(*region), edge);
     }
     return bounds;
 }
@@ -237,7 +237,7 @@ VisualBounds OverlayBounds::currentRect() const {
     if (const auto rect = currentRectInView(m_scene)) {
         constexpr qreal halfOutline = 1;
         setPlane(bounds, *rect, halfOutline + edge, halfOutline + 2 * edge, QColor(Qt::yellow));
-        add(bounds, OverlayLayout::dimensionLabel(*rect, m_scene.size), edge);
+        add(bounds, overlay_layout::dimensionLabel(*rect, m_scene.size), edge);
     }
     return bounds;
 }
@@ -279,7 +279,7 @@ VisualBounds OverlayBounds::annotation(const Annotation& annotation) const {
             break;
         }
         const QRectF fitted =
-            AnnotationRenderer::aspectFit(annotation.image.deviceIndependentSize(), points.rect);
+            annotation_renderer::aspectFit(annotation.image.deviceIndependentSize(), points.rect);
         QTransform turn;
         turn.translate(fitted.center().x(), fitted.center().y());
         if (std::isfinite(annotation.rotation))
@@ -336,8 +336,8 @@ VisualBounds OverlayBounds::crosshair() const {
         constexpr qreal lineWidth = 0.5;
         add(bounds, QRectF(0, pointer->y(), m_view.width(), lineWidth), edge);
         add(bounds, QRectF(pointer->x(), 0, lineWidth, m_view.height()), edge);
-        add(bounds, OverlayLayout::coordinatePlate(*pointer, coordinateText(m_scene, *pointer), m_scene.size),
-            edge);
+        add(bounds,
+            overlay_layout::coordinatePlate(*pointer, coordinateText(m_scene, *pointer), m_scene.size), edge);
     }
     return bounds;
 }
@@ -346,8 +346,8 @@ VisualBounds OverlayBounds::instructions() const {
     VisualBounds bounds;
     if (m_view.isEmpty())
         return bounds;
-    const QRectF text = OverlayLayout::instructionsText(overlayInstructions(m_scene), m_scene.size);
-    add(bounds, OverlayLayout::instructionsPill(text), edge);
+    const QRectF text = overlay_layout::instructionsText(overlayInstructions(m_scene), m_scene.size);
+    add(bounds, overlay_layout::instructionsPill(text), edge);
     return bounds;
 }
 

@@ -38,17 +38,17 @@ qreal beside(qreal pointer, qreal distance, qreal length, qreal viewLength) {
 
 } // namespace
 
-QRectF OverlayLayout::label(const QRectF& region, const QString& label) {
+QRectF overlay_layout::label(const QRectF& region, const QString& label) {
     return {region.bottomLeft() + QPointF(0, labelGap),
             overlayTextSize(OverlayFont::label, label) + labelPadding};
 }
 
-QRectF OverlayLayout::hint(const QRectF& region) {
+QRectF overlay_layout::hint(const QRectF& region) {
     return {region.bottomLeft() + QPointF(0, labelGap),
             plateSize(OverlayFont::hint, labelHintText(), hintPadding)};
 }
 
-QRectF OverlayLayout::sizeTag(const QRectF& region, const QSizeF& view) {
+QRectF overlay_layout::sizeTag(const QRectF& region, const QSizeF& view) {
     const QSizeF size = plateSize(OverlayFont::sizeTag, sizeTagText(region.size()), tagPadding);
     const qreal beyondBadge = region.left() + badgeReach;
     const qreal above = region.top() - tagGap - size.height();
@@ -67,7 +67,7 @@ QRectF OverlayLayout::sizeTag(const QRectF& region, const QSizeF& view) {
     return {{std::max(region.right() + tagGap, beyondBadge), top}, size};
 }
 
-QRectF OverlayLayout::dimensionLabel(const QRectF& region, const QSizeF& view) {
+QRectF overlay_layout::dimensionLabel(const QRectF& region, const QSizeF& view) {
     const QSizeF size = plateSize(OverlayFont::plate, dimensionText(region.size()), platePadding);
     const qreal above = region.top() - plateGap - size.height();
     const qreal top = above >= 0 ? above : std::max(region.top(), 0.0) + plateGap;
@@ -76,19 +76,19 @@ QRectF OverlayLayout::dimensionLabel(const QRectF& region, const QSizeF& view) {
     return {{above >= 0 ? left : std::max(left, region.left() + plateGap), top}, size};
 }
 
-QRectF OverlayLayout::coordinatePlate(const QPointF& pointer, const QString& text, const QSizeF& view) {
+QRectF overlay_layout::coordinatePlate(const QPointF& pointer, const QString& text, const QSizeF& view) {
     const QSizeF size = plateSize(OverlayFont::plate, text, platePadding);
     return {{beside(pointer.x(), fromPointer.x(), size.width(), view.width()),
              beside(pointer.y(), fromPointer.y(), size.height(), view.height())},
             size};
 }
 
-QRectF OverlayLayout::instructionsText(const QString& text, const QSizeF& view) {
+QRectF overlay_layout::instructionsText(const QString& text, const QSizeF& view) {
     const QSizeF size = overlayTextSize(OverlayFont::instructions, text);
     return {{std::round((view.width() - size.width()) / 2), instructionsBottom - size.height()}, size};
 }
 
-QRectF OverlayLayout::instructionsPill(const QRectF& text) {
+QRectF overlay_layout::instructionsPill(const QRectF& text) {
     return text.adjusted(-12, -6, 12, 6);
 }
 

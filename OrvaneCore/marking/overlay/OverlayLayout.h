@@ -10,33 +10,35 @@ namespace orvane {
 /// Where the overlay's texts lie. All rectangles are in points of the view, y down; regions are finite and
 /// normalised. Plates begin and end at whole points where what they belong to does, so that they are crisp.
 /// Needs a QGuiApplication; any thread.
-struct OverlayLayout {
-    /// How far a region's badge keeps others away from the region's left edge.
-    static constexpr qreal badgeReach = 18;
+namespace overlay_layout {
 
-    /// The capsule of a label, without its shadow: just below the region, at its left edge.
-    static QRectF label(const QRectF& region, const QString& label);
+/// How far a region's badge keeps others away from the region's left edge.
+inline constexpr qreal badgeReach = 18;
 
-    /// The plate of the hint: in the label's place, which is empty then.
-    static QRectF hint(const QRectF& region);
+/// The capsule of a label, without its shadow: just below the region, at its left edge.
+QRectF label(const QRectF& region, const QString& label);
 
-    /// The plate of a region's size: above its top right corner. It never gets in the way of the badge, to
-    /// the right of which it stays, nor of the label, which is below the region. Where there is no room
-    /// above it is inside the region's top right corner, and right of regions that are too low for it.
-    static QRectF sizeTag(const QRectF& region, const QSizeF& view);
+/// The plate of the hint: in the label's place, which is empty then.
+QRectF hint(const QRectF& region);
 
-    /// The plate of the size of a region that is being dragged open: above its top left corner, so that it is
-    /// not below the pointer's coordinates, or inside where there is no room above.
-    static QRectF dimensionLabel(const QRectF& region, const QSizeF& view);
+/// The plate of a region's size: above its top right corner. It never gets in the way of the badge, to
+/// the right of which it stays, nor of the label, which is below the region. Where there is no room
+/// above it is inside the region's top right corner, and right of regions that are too low for it.
+QRectF sizeTag(const QRectF& region, const QSizeF& view);
 
-    /// The plate of the pointer's coordinates: to the right of the pointer and below it, on the other side
-    /// where there is no room, and always inside the view.
-    static QRectF coordinatePlate(const QPointF& pointer, const QString& text, const QSizeF& view);
+/// The plate of the size of a region that is being dragged open: above its top left corner, so that it is
+/// not below the pointer's coordinates, or inside where there is no room above.
+QRectF dimensionLabel(const QRectF& region, const QSizeF& view);
 
-    /// The text of the instructions: centred, its lower edge 56 below the top of the view.
-    static QRectF instructionsText(const QString& text, const QSizeF& view);
-    /// The pill around it.
-    static QRectF instructionsPill(const QRectF& text);
-};
+/// The plate of the pointer's coordinates: to the right of the pointer and below it, on the other side
+/// where there is no room, and always inside the view.
+QRectF coordinatePlate(const QPointF& pointer, const QString& text, const QSizeF& view);
+
+/// The text of the instructions: centred, its lower edge 56 below the top of the view.
+QRectF instructionsText(const QString& text, const QSizeF& view);
+/// The pill around it.
+QRectF instructionsPill(const QRectF& text);
+
+} // namespace overlay_layout
 
 } // namespace orvane

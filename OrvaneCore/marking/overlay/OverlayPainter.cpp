@@ -85,14 +85,14 @@ private:
         const PainterState state(m_painter);
         // Whatever is written on the label, it does not leave marks where nobody wipes them off.
         m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
-        MarkerPainter::draw(m_painter, marker, *region, 1, MarkerStyle::onOverlay,
-                            m_scene.modes.spotlight ? MarkerPainter::Spotlight::on
-                                                    : MarkerPainter::Spotlight::off);
-        drawPlate(OverlayLayout::sizeTag(*region, m_scene.size), 3, gray(0.12F, 1), OverlayFont::sizeTag,
+        marker_painter::draw(m_painter, marker, *region, 1, MarkerStyle::onOverlay,
+                             m_scene.modes.spotlight ? marker_painter::Spotlight::on
+                                                     : marker_painter::Spotlight::off);
+        drawPlate(overlay_layout::sizeTag(*region, m_scene.size), 3, gray(0.12F, 1), OverlayFont::sizeTag,
                   sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
         if (marker.label.isEmpty() && !m_scene.modes.ocr) {
             // White alone could not be read on a white window.
-            drawPlate(OverlayLayout::hint(*region), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
+            drawPlate(overlay_layout::hint(*region), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
                       withAlpha(Qt::white, 0.75F));
         }
     }
@@ -108,8 +108,8 @@ private:
         const qreal height = outer.height() - 2 * outlineWidth;
         for (const qreal x : {outer.left(), outer.right() - outlineWidth})
             drawColumn({x, outer.top() + outlineWidth, outlineWidth, height}, outlineDashes, color);
-        drawPlate(OverlayLayout::dimensionLabel(rect, m_scene.size), 4, gray(0.12F, 0.9F), OverlayFont::plate,
-                  dimensionText(rect.size()), Qt::white);
+        drawPlate(overlay_layout::dimensionLabel(rect, m_scene.size), 4, gray(0.12F, 0.9F),
+                  OverlayFont::plate, dimensionText(rect.size()), Qt::white);
     }
 
     void drawAnnotation(const Annotation& annotation) {
@@ -118,19 +118,19 @@ private:
             return;
         const PainterState state(m_painter);
         m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
-        AnnotationRenderer::draw(m_painter, annotation, PointMap{.origin = m_scene.origin}, 1);
+        annotation_renderer::draw(m_painter, annotation, PointMap{.origin = m_scene.origin}, 1);
     }
 
     void drawSelection() {
         const Annotation* annotation = selectedAnnotation(m_scene);
         if (annotation != nullptr && m_bounds.selectedAnnotation().touches(m_exposed)) {
-            AnnotationRenderer::drawSelectionHandles(m_painter, *annotation,
-                                                     PointMap{.origin = m_scene.origin}, 1);
+            annotation_renderer::drawSelectionHandles(m_painter, *annotation,
+                                                      PointMap{.origin = m_scene.origin}, 1);
         }
         const Marker* marker = selectedMarker(m_scene);
         const auto region = marker != nullptr ? regionInView(m_scene, *marker) : std::nullopt;
         if (region && m_bounds.selectedMarker().touches(m_exposed)) {
-            AnnotationRenderer::drawHandleDots(
+            annotation_renderer::drawHandleDots(
                 m_painter,
                 {region->topLeft(), region->topRight(), region->bottomLeft(), region->bottomRight()}, 1);
         }
@@ -143,14 +143,14 @@ private:
         drawRow({0, corner.y(), view.width(), crosshairWidth}, crosshairDashes, color);
         drawColumn({corner.x(), 0, crosshairWidth, view.height()}, crosshairDashes, color);
         const QString text = coordinateText(m_scene, pointer);
-        drawPlate(OverlayLayout::coordinatePlate(pointer, text, view), 4, gray(0.12F, 0.9F),
+        drawPlate(overlay_layout::coordinatePlate(pointer, text, view), 4, gray(0.12F, 0.9F),
                   OverlayFont::plate, text, Qt::white);
     }
 
     void drawInstructions() {
         const QString text = overlayInstructions(m_scene);
-        const QRectF place = OverlayLayout::instructionsText(text, m_scene.size);
-        drawGround(OverlayLayout::instructionsPill(place), 14, withAlpha(Qt::black, 0.75F));
+        const QRectF place = overlay_layout::instructionsText(text, m_scene.size);
+        drawGround(overlay_layout::instructionsPill(place), 14, withAlpha(Qt::black, 0.75F));
         drawOverlayText(m_painter, OverlayFont::instructions, text, place.topLeft(), Qt::white);
     }
 

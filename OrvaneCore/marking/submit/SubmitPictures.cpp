@@ -43,21 +43,21 @@ SubmitPictures::SubmitPictures(QImage capture, const QRectF& boundsPoints)
 
 QImage SubmitPictures::annotatedDisplay(const std::vector<Marker>& markers,
                                         const std::vector<Annotation>& annotations,
-                                        MarkerPainter::Spotlight spotlight) const {
+                                        marker_painter::Spotlight spotlight) const {
     const PointMap map = mapFrom(m_boundsPoints.topLeft());
     std::vector<QRectF> rects;
     rects.reserve(markers.size());
     for (const Marker& marker : markers)
         rects.push_back(map(marker.rect));
 
-    QImage picture = spotlight == MarkerPainter::Spotlight::on
+    QImage picture = spotlight == marker_painter::Spotlight::on
                          ? blurOutside(m_capture, rects, MarkupModes::spotlightSigma)
                          : m_capture;
     QPainter painter(&picture);
     for (std::size_t i = 0; i < markers.size(); ++i)
-        MarkerPainter::draw(painter, markers[i], rects[i], scale(), MarkerStyle::onImage, spotlight);
+        marker_painter::draw(painter, markers[i], rects[i], scale(), MarkerStyle::onImage, spotlight);
     for (const Annotation& annotation : annotations)
-        AnnotationRenderer::draw(painter, annotation, map, scale());
+        annotation_renderer::draw(painter, annotation, map, scale());
     painter.end();
     return picture;
 }
@@ -87,7 +87,7 @@ void SubmitPictures::drawOnCrop(QImage& crop, const QRectF& region,
         return;
     QPainter painter(&crop);
     for (const Annotation& annotation : annotations)
-        AnnotationRenderer::draw(painter, annotation, mapFrom(region.normalized().topLeft()), scale());
+        annotation_renderer::draw(painter, annotation, mapFrom(region.normalized().topLeft()), scale());
 }
 
 PointMap SubmitPictures::mapFrom(const QPointF& origin) const {

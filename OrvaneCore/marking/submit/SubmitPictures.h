@@ -22,7 +22,7 @@ public:
     /// The whole display with the markers and, on top of them, the annotations; under a spotlight all but
     /// the markers' regions is blurred.
     QImage annotatedDisplay(const std::vector<Marker>& markers, const std::vector<Annotation>& annotations,
-                            MarkerPainter::Spotlight spotlight) const;
+                            marker_painter::Spotlight spotlight) const;
 
     /// The region's pixels as they were captured, nothing drawn on them. The corner and the size are rounded
     /// to whole pixels, the size to at least one each way. What lies beyond the capture is transparent; a

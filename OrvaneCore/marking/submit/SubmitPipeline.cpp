@@ -184,7 +184,7 @@ void SubmitPipeline::addCapture(SubmitResult& result, const MarkedDisplay& marke
     const std::vector<Marker> markers = onDisplay(result.allMarkers, displayId);
     const std::vector<Annotation> annotations = onDisplay(result.annotations, displayId);
     const SubmitPictures pictures(marked.picture, bounds);
-    const auto spotlight = modes.spotlight ? MarkerPainter::Spotlight::on : MarkerPainter::Spotlight::off;
+    const auto spotlight = modes.spotlight ? marker_painter::Spotlight::on : marker_painter::Spotlight::off;
     // On a second core where there is one; the regions are done meanwhile.
     std::future<QByteArray> annotated = std::async([&] {
         return m_services.pngWriter.encode(pictures.annotatedDisplay(markers, annotations, spotlight));

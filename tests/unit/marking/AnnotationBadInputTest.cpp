@@ -46,8 +46,8 @@ protected:
         QPainter painter(&picture);
         painter.translate(1, 2);
         const PainterSettings before(painter);
-        AnnotationRenderer::draw(painter, annotation, map, scale);
-        AnnotationRenderer::drawSelectionHandles(painter, annotation, map, scale);
+        annotation_renderer::draw(painter, annotation, map, scale);
+        annotation_renderer::drawSelectionHandles(painter, annotation, map, scale);
         EXPECT_EQ(PainterSettings(painter), before);
         painter.end();
         return picture;
@@ -201,9 +201,9 @@ TEST_P(BadShape, MayHaveAMapThatOverflows) {
 TEST_P(BadShape, MayStandOnAPictureWithoutPixels) {
     QImage picture(1, 1, QImage::Format_RGB32);
     QPainter painter(&picture);
-    AnnotationRenderer::draw(painter, annotation({-30, -40}, {80, 70}), mapAt(0.001), 0.001);
+    annotation_renderer::draw(painter, annotation({-30, -40}, {80, 70}), mapAt(0.001), 0.001);
     const PainterSettings before(painter);
-    AnnotationRenderer::draw(painter, annotation({30, 40}, {80, 70}), mapAt(1), 1);
+    annotation_renderer::draw(painter, annotation({30, 40}, {80, 70}), mapAt(1), 1);
     EXPECT_EQ(PainterSettings(painter), before);
 }
 
@@ -216,11 +216,11 @@ TEST(AnnotationBadInput, HandleDotsAreNotDrawnWhereAPointIsNotFinite) {
     const PainterSettings before(painter);
     const QtMessages messages;
     for (const qreal bad : {notANumber, infinite, -infinite})
-        AnnotationRenderer::drawHandleDots(painter, {{bad, 30}, {30, bad}, {bad, bad}}, 1);
-    AnnotationRenderer::drawHandleDots(painter, {{1e300, 30}, {-1e9, 1e9}}, 1);
+        annotation_renderer::drawHandleDots(painter, {{bad, 30}, {30, bad}, {bad, bad}}, 1);
+    annotation_renderer::drawHandleDots(painter, {{1e300, 30}, {-1e9, 1e9}}, 1);
     EXPECT_EQ(PainterSettings(painter), before);
     EXPECT_TRUE(inkBounds(picture).isEmpty());
-    AnnotationRenderer::drawHandleDots(painter, {{notANumber, 30}, {50, 50}}, 1);
+    annotation_renderer::drawHandleDots(painter, {{notANumber, 30}, {50, 50}}, 1);
     EXPECT_TRUE(isColor(picture, {50, 50}, white));
     EXPECT_FALSE(inkBounds(picture).isEmpty()) << "the others are";
     EXPECT_EQ(QtMessages::count, 0) << "Qt was given something that it cannot draw";
@@ -233,7 +233,7 @@ TEST(AnnotationBadInput, HandlesOfAPictureWithoutARotationAreNotDrawnInTheWrongP
         QImage picture = ground({120, 120});
         QPainter painter(&picture);
         const QtMessages messages;
-        AnnotationRenderer::drawSelectionHandles(painter, image, mapAt(1), 1);
+        annotation_renderer::drawSelectionHandles(painter, image, mapAt(1), 1);
         EXPECT_TRUE(inkBounds(picture).isEmpty());
         EXPECT_EQ(QtMessages::count, 0);
     }
@@ -250,9 +250,9 @@ TEST(AnnotationBadInput, ThousandsOfShapesOnASmallPicture) {
                                       start + QPointF(i % 60, i % 45));
         annotation.text = annotation.label = u"n%1"_s.arg(i % 10);
         annotation.color = QColor::fromHsv(i % 360, 200, 200);
-        AnnotationRenderer::draw(painter, annotation, mapAt(1), 1);
+        annotation_renderer::draw(painter, annotation, mapAt(1), 1);
     }
-    AnnotationRenderer::draw(painter, shape(Kind::box, {90, 70}, {110, 90}, 5), mapAt(1), 1);
+    annotation_renderer::draw(painter, shape(Kind::box, {90, 70}, {110, 90}, 5), mapAt(1), 1);
     EXPECT_EQ(PainterSettings(painter), before);
     painter.end();
     EXPECT_TRUE(isColor(picture, {90, 80}, black));

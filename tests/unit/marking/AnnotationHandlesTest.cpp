@@ -17,7 +17,7 @@ class DrawsHandles : public AtScale {
 protected:
     static QImage handlesOf(const Annotation& annotation, const PointMap& map, QImage picture) {
         QPainter painter(&picture);
-        AnnotationRenderer::drawSelectionHandles(painter, annotation, map, scale());
+        annotation_renderer::drawSelectionHandles(painter, annotation, map, scale());
         painter.end();
         return picture;
     }
@@ -27,7 +27,7 @@ protected:
     }
     static QImage dots(const std::vector<QPointF>& points, QImage picture) {
         QPainter painter(&picture);
-        AnnotationRenderer::drawHandleDots(painter, points, scale());
+        annotation_renderer::drawHandleDots(painter, points, scale());
         painter.end();
         return picture;
     }
@@ -173,7 +173,7 @@ TEST(AnnotationHandles, LeaveThePainterAsItWas) {
     QPainter painter(&picture);
     setUnusual(painter);
     const PainterSettings before(painter);
-    AnnotationRenderer::drawHandleDots(painter, {{30, 30}}, 2);
+    annotation_renderer::drawHandleDots(painter, {{30, 30}}, 2);
     EXPECT_EQ(PainterSettings(painter), before);
     EXPECT_FALSE(inkBounds(picture).isEmpty());
 }

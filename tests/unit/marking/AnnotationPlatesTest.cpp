@@ -63,7 +63,7 @@ QRectF tagOf(const QString& label, const QPointF& corner, qreal scale) {
 TEST_P(DrawsPlates, TextStandsOnARoundedPlateAroundIt) {
     const qreal s = scale();
     const QImage picture = drawn(textShape(blank, {50, 40}, blue), s);
-    const QSizeF size = AnnotationRenderer::textSize(textShape(blank, {}), s);
+    const QSizeF size = annotation_renderer::textSize(textShape(blank, {}), s);
     ASSERT_GT(size.width(), 20 * s);
     const QRectF plate = QRectF(QPointF(50 * s, 40 * s), size).adjusted(-5 * s, -5 * s, 5 * s, 5 * s);
     expectPlate(picture, plate, 5 * s, blue);
@@ -73,7 +73,7 @@ TEST_P(DrawsPlates, TextBeginsAtTheTopLeftOfItself) {
     const qreal s = scale();
     // White on a black plate on black: only the letters can be seen.
     const QImage picture = drawn(textShape(u"HpH"_s, {50, 40}), s, {200, 150}, black);
-    const QRectF text(QPointF(50 * s, 40 * s), AnnotationRenderer::textSize(textShape(u"HpH"_s, {}), s));
+    const QRectF text(QPointF(50 * s, 40 * s), annotation_renderer::textSize(textShape(u"HpH"_s, {}), s));
     const QRect ink = inkBounds(picture, black);
     EXPECT_TRUE(text.toAlignedRect().contains(ink));
     EXPECT_LT(ink.left() - text.left(), 3 * s);
@@ -97,7 +97,7 @@ TEST_P(DrawsPlates, TextIsBlackOrWhiteByItsGround) {
     const qreal s = scale();
     const auto countInPlate = [s](QRgb plate, QRgb color) {
         const QImage picture = drawn(textShape(u"MMMM"_s, {50, 40}, plate), s);
-        const QSizeF size = AnnotationRenderer::textSize(textShape(u"MMMM"_s, {}), s);
+        const QSizeF size = annotation_renderer::textSize(textShape(u"MMMM"_s, {}), s);
         return countOf(picture, pixelsInside(QRectF(QPointF(50 * s, 40 * s), size)), color);
     };
     EXPECT_GT(countInPlate(white, black), 40 * s * s);
@@ -227,17 +227,17 @@ TEST(AnnotationPlates, PlatesHaveTheirOwnAlpha) {
 
 TEST(AnnotationPlates, EmptyTextHasTheSizeOfAPlaceholder) {
     for (const qreal s : {1.0, 1.25, 2.0, 3.0}) {
-        EXPECT_DOUBLE_EQ(AnnotationRenderer::textSize(textShape({}, {}), s).width(), 80 * s);
-        EXPECT_DOUBLE_EQ(AnnotationRenderer::textSize(textShape({}, {}), s).height(), 20 * s);
+        EXPECT_DOUBLE_EQ(annotation_renderer::textSize(textShape({}, {}), s).width(), 80 * s);
+        EXPECT_DOUBLE_EQ(annotation_renderer::textSize(textShape({}, {}), s).height(), 20 * s);
     }
 }
 
 TEST(AnnotationPlates, TextSizeIsInProportionToTheScale) {
     for (const QString& text : {u"Hello"_s, u"two\nlines"_s, u" "_s, u"שלום"_s, u"i"_s}) {
-        const QSizeF one = AnnotationRenderer::textSize(textShape(text, {}), 1);
+        const QSizeF one = annotation_renderer::textSize(textShape(text, {}), 1);
         EXPECT_GT(one.height(), 15);
         for (const qreal s : {0.5, 1.25, 1.5, 2.0, 3.0}) {
-            const QSizeF scaled = AnnotationRenderer::textSize(textShape(text, {}), s);
+            const QSizeF scaled = annotation_renderer::textSize(textShape(text, {}), s);
             EXPECT_DOUBLE_EQ(scaled.width(), s * one.width());
             EXPECT_DOUBLE_EQ(scaled.height(), s * one.height());
         }
@@ -245,7 +245,7 @@ TEST(AnnotationPlates, TextSizeIsInProportionToTheScale) {
 }
 
 TEST(AnnotationPlates, TextSizeIsThatOfTheBoldFont) {
-    const QSizeF size = AnnotationRenderer::textSize(textShape(u"Boldness"_s, {}), 2);
+    const QSizeF size = annotation_renderer::textSize(textShape(u"Boldness"_s, {}), 2);
     EXPECT_EQ(size, DrawnText(u"Boldness"_s, 15, QFont::Bold, 2).size());
     EXPECT_GT(size.width(), DrawnText(u"Boldness"_s, 15, QFont::Normal, 2).size().width() + 5);
 }
@@ -281,7 +281,7 @@ constexpr int darkest = 2;
 TEST_P(PlateFits, ItsText) {
     const QString& text = GetParam().second;
     for (const qreal s : {1.0, 1.25, 1.5, 2.0, 3.0}) {
-        const QSizeF size = AnnotationRenderer::textSize(textShape(text, {}), s);
+        const QSizeF size = annotation_renderer::textSize(textShape(text, {}), s);
         const QPointF start(30 * s, 30 * s);
         QImage picture = ground((size + QSizeF(60 * s, 60 * s)).toSize(), black);
         picture = drawn(textShape(text, {30, 30}), picture, mapAt(s), s);
@@ -316,7 +316,7 @@ TEST(AnnotationPlates, FitTextsLongerThanAScreen) {
     const QString text = u"Never ending "_s.repeated(770) + u"stop. MMMM"_s;
     ASSERT_GT(text.size(), 10000);
     for (const qreal s : {1.0, 3.0}) {
-        const QSizeF size = AnnotationRenderer::textSize(textShape(text, {}), s);
+        const QSizeF size = annotation_renderer::textSize(textShape(text, {}), s);
         EXPECT_GT(size.width(), 10000 * 4 * s);
         // At both ends of it.
         for (const qreal shift : {0.0, size.width() / s - 100}) {

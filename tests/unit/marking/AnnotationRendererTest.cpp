@@ -320,9 +320,9 @@ TEST(AnnotationRenderer, LeavesThePainterAsItWas) {
             QPainter painter(&picture);
             setUnusual(painter);
             const PainterSettings before(painter);
-            AnnotationRenderer::draw(painter, annotation, mapAt(1), 1);
+            annotation_renderer::draw(painter, annotation, mapAt(1), 1);
             EXPECT_EQ(PainterSettings(painter), before) << rawValue(kind).data();
-            AnnotationRenderer::drawSelectionHandles(painter, annotation, mapAt(1), 1);
+            annotation_renderer::drawSelectionHandles(painter, annotation, mapAt(1), 1);
             EXPECT_EQ(PainterSettings(painter), before) << rawValue(kind).data();
             EXPECT_FALSE(inkBounds(picture).isEmpty()) << rawValue(kind).data();
         }
@@ -341,60 +341,60 @@ TEST(AnnotationRenderer, DrawsTheSameWhateverThePainterWasSetTo) {
         // Where and how strongly it paints is the caller's choice.
         painter.resetTransform();
         painter.setOpacity(1);
-        AnnotationRenderer::draw(painter, annotation, mapAt(1), 1);
+        annotation_renderer::draw(painter, annotation, mapAt(1), 1);
         painter.end();
         EXPECT_EQ(picture, expected) << rawValue(kind).data();
     }
 }
 
 TEST(AnnotationRenderer, PrefersDarkTextOnLightColours) {
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(white)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(black)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(amber)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(blue)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(white)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(black)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(amber)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(blue)));
     // The limit is 0.6, 153 of 255, and each channel has a weight of its own.
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(153, 153, 153)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(154, 154, 154)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(11, 255, 0)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(12, 255, 0)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(0, 210, 255)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(0, 212, 255)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor(255, 130, 0)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor(255, 131, 0)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(153, 153, 153)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(154, 154, 154)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(11, 255, 0)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(12, 255, 0)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(0, 210, 255)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(0, 212, 255)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor(255, 130, 0)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor(255, 131, 0)));
 }
 
 TEST(AnnotationRenderer, PrefersDarkTextByTheColourAloneInAnyModel) {
     QColor clear(amber);
     clear.setAlpha(0);
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(clear));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor::fromHsv(40, 40, 250)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor::fromHsl(240, 255, 127)));
-    EXPECT_TRUE(AnnotationRenderer::prefersDarkText(QColor::fromCmykF(0, 0, 0.2F, 0)));
-    EXPECT_FALSE(AnnotationRenderer::prefersDarkText(QColor()));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(clear));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor::fromHsv(40, 40, 250)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor::fromHsl(240, 255, 127)));
+    EXPECT_TRUE(annotation_renderer::prefersDarkText(QColor::fromCmykF(0, 0, 0.2F, 0)));
+    EXPECT_FALSE(annotation_renderer::prefersDarkText(QColor()));
 }
 
 TEST(AnnotationRenderer, FitsAPictureIntoTheMiddleOfARectangle) {
     const QRectF rect(10, 20, 200, 100);
-    EXPECT_EQ(AnnotationRenderer::aspectFit({50, 50}, rect), QRectF(60, 20, 100, 100));
-    EXPECT_EQ(AnnotationRenderer::aspectFit({400, 100}, rect), QRectF(10, 45, 200, 50));
-    EXPECT_EQ(AnnotationRenderer::aspectFit({20, 10}, rect), rect);
-    EXPECT_EQ(AnnotationRenderer::aspectFit({1000, 4000}, rect), QRectF(97.5, 20, 25, 100));
+    EXPECT_EQ(annotation_renderer::aspectFit({50, 50}, rect), QRectF(60, 20, 100, 100));
+    EXPECT_EQ(annotation_renderer::aspectFit({400, 100}, rect), QRectF(10, 45, 200, 50));
+    EXPECT_EQ(annotation_renderer::aspectFit({20, 10}, rect), rect);
+    EXPECT_EQ(annotation_renderer::aspectFit({1000, 4000}, rect), QRectF(97.5, 20, 25, 100));
 }
 
 TEST(AnnotationRenderer, FitsNothingWhereASideIsNotPositive) {
     const QRectF rect(10, 20, 200, 100);
     for (const QSizeF& size : {QSizeF(0, 5), QSizeF(5, 0), QSizeF(0, 0), QSizeF(-4, 5), QSizeF(5, -4)})
-        EXPECT_EQ(AnnotationRenderer::aspectFit(size, rect), rect);
+        EXPECT_EQ(annotation_renderer::aspectFit(size, rect), rect);
     for (const QRectF& degenerate :
          {QRectF(1, 2, 0, 9), QRectF(1, 2, 9, 0), QRectF(1, 2, -9, 9), QRectF(1, 2, 9, -9), QRectF()})
-        EXPECT_EQ(AnnotationRenderer::aspectFit({5, 7}, degenerate), degenerate);
+        EXPECT_EQ(annotation_renderer::aspectFit({5, 7}, degenerate), degenerate);
 }
 
 TEST(AnnotationRenderer, HasNoBoundsWithoutStrokes) {
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({}), std::nullopt);
+    EXPECT_EQ(annotation_renderer::strokesBounds({}), std::nullopt);
     Annotation removed = shape(Kind::box, {1, 2}, {3, 4});
     removed.removed = true;
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({removed, removed}), std::nullopt);
+    EXPECT_EQ(annotation_renderer::strokesBounds({removed, removed}), std::nullopt);
 }
 
 TEST(AnnotationRenderer, BoundsAllStrokesThatAreNotRemoved) {
@@ -402,27 +402,27 @@ TEST(AnnotationRenderer, BoundsAllStrokesThatAreNotRemoved) {
     removed.removed = true;
     const Annotation box = shape(Kind::box, {50, 40}, {30, 60}, 20);
     const Annotation arrow = shape(Kind::arrow, {35, 45}, {70, 20});
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({box}), QRectF(30, 40, 20, 20));
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({removed, box, removed, arrow}), QRectF(30, 20, 40, 40));
+    EXPECT_EQ(annotation_renderer::strokesBounds({box}), QRectF(30, 40, 20, 20));
+    EXPECT_EQ(annotation_renderer::strokesBounds({removed, box, removed, arrow}), QRectF(30, 20, 40, 40));
 }
 
 TEST(AnnotationRenderer, LeavesOutOfTheBoundsWhatIsNotFinite) {
     const Annotation nowhere = shape(Kind::box, {std::nan(""), 40}, {30, 60});
     const Annotation endless = shape(Kind::box, {50, 40}, {std::numeric_limits<qreal>::infinity(), 60});
     const Annotation box = shape(Kind::box, {50, 40}, {30, 60});
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({nowhere, endless}), std::nullopt);
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({nowhere, box, endless}), QRectF(30, 40, 20, 20));
+    EXPECT_EQ(annotation_renderer::strokesBounds({nowhere, endless}), std::nullopt);
+    EXPECT_EQ(annotation_renderer::strokesBounds({nowhere, box, endless}), QRectF(30, 40, 20, 20));
 }
 
 TEST(AnnotationRenderer, BoundsWhatHasNoWidthOrHeight) {
     const Annotation dot = textShape(QStringLiteral("counted by its points"), {100, 7});
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({dot}), QRectF(100, 7, 0, 0));
+    EXPECT_EQ(annotation_renderer::strokesBounds({dot}), QRectF(100, 7, 0, 0));
     const Annotation level = shape(Kind::arrow, {10, 50}, {20, 50});
     const Annotation upright = shape(Kind::arrow, {-5, 60}, {-5, 90});
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({level, dot}), QRectF(10, 7, 90, 43));
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({dot, level, upright}), QRectF(-5, 7, 105, 83));
+    EXPECT_EQ(annotation_renderer::strokesBounds({level, dot}), QRectF(10, 7, 90, 43));
+    EXPECT_EQ(annotation_renderer::strokesBounds({dot, level, upright}), QRectF(-5, 7, 105, 83));
     // That of the origin is one as well.
-    EXPECT_EQ(AnnotationRenderer::strokesBounds({textShape({}, {0, 0}), level}), QRectF(0, 0, 20, 50));
+    EXPECT_EQ(annotation_renderer::strokesBounds({textShape({}, {0, 0}), level}), QRectF(0, 0, 20, 50));
 }
 
 } // namespace orvane::test

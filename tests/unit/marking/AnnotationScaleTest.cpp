@@ -41,7 +41,7 @@ QImage drawnAt(qreal scale) {
     QImage picture = ground((QSizeF(points) * scale).toSize(), qRgb(225, 230, 240));
     QPainter painter(&picture);
     for (const Annotation& annotation : mixedList())
-        AnnotationRenderer::draw(painter, annotation, mapAt(scale), scale);
+        annotation_renderer::draw(painter, annotation, mapAt(scale), scale);
     painter.end();
     return picture;
 }

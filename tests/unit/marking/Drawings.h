@@ -43,7 +43,7 @@ inline PointMap mapAt(qreal scale) {
 /// Draws on a copy of the picture.
 inline QImage drawn(const Annotation& annotation, QImage picture, const PointMap& map, qreal scale) {
     QPainter painter(&picture);
-    AnnotationRenderer::draw(painter, annotation, map, scale);
+    annotation_renderer::draw(painter, annotation, map, scale);
     painter.end();
     return picture;
 }

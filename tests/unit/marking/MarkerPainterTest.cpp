@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Spotlight = MarkerPainter::Spotlight;
+using Spotlight = marker_painter::Spotlight;
 
 constexpr QRectF region(60, 50, 120, 70);
 /// Has a width and no ink.
@@ -33,7 +33,7 @@ Marker markerOf(QRgb color, const QString& label = {}, int index = 1) {
 QImage drawnMarker(const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
                    Spotlight spotlight, QImage picture) {
     QPainter painter(&picture);
-    MarkerPainter::draw(painter, marker, rect, scale, style, spotlight);
+    marker_painter::draw(painter, marker, rect, scale, style, spotlight);
     painter.end();
     return picture;
 }
@@ -93,7 +93,7 @@ protected:
 
 /// What a capsule's fill makes of black.
 QRgb capsuleOnBlack() {
-    return blended(MarkerPalette::labelFill().rgb(), 0.9, black);
+    return blended(marker_palette::labelFill().rgb(), 0.9, black);
 }
 
 } // namespace
@@ -183,17 +183,17 @@ TEST_P(DrawsMarkers, BadgeOnTheTopLeftCorner) {
         const qreal angle = i * std::numbers::pi / 6 + 0.1;
         const QPointF direction(std::cos(angle), std::sin(angle));
         EXPECT_TRUE(isColor(filled, center + (radius - 1.5) * direction, amber)) << i;
-        EXPECT_TRUE(isColor(filled, center + ring * direction, MarkerPalette::badgeRing().rgb(),
+        EXPECT_TRUE(isColor(filled, center + ring * direction, marker_palette::badgeRing().rgb(),
                             scale() > 1 ? 3 : 30))
             << i;
     }
-    EXPECT_EQ(MarkerPalette::badgeRing().rgb(), 0xFF0B1220);
+    EXPECT_EQ(marker_palette::badgeRing().rgb(), 0xFF0B1220);
 }
 
 TEST_P(DrawsMarkers, RingAroundTheBadge) {
     const qreal s = scale();
     const QPointF center = rect().topLeft();
-    const QRgb ink = MarkerPalette::badgeRing().rgb();
+    const QRgb ink = marker_palette::badgeRing().rgb();
     // Black like its ground, the badge does not show, nor does its shadow.
     const QImage picture = drawn(markerOf(black), black, Spotlight::on);
     const qreal begin = badgeRadius();
@@ -282,7 +282,7 @@ TEST_P(DrawsMarkers, DotInTheCapsule) {
     const QRgb under = capsuleOnBlack();
     for (const int index : {1, 2, 8, 9}) {
         const QImage picture = drawn(markerOf(black, blank, index), black, Spotlight::on);
-        const QRgb dot = MarkerPalette::dot(index).rgb();
+        const QRgb dot = marker_palette::dot(index).rgb();
         const QPointF center(capsule.left() + 12.5 * s, capsule.center().y());
         EXPECT_TRUE(isColor(picture, center, dot)) << index;
         EXPECT_TRUE(isSpan(
@@ -346,7 +346,7 @@ TEST_P(DrawsMarkers, NoCapsuleWithoutALabel) {
 
 TEST_P(DrawsMarkers, ColoursRepeatAfterEight) {
     const auto capsuleAndRegion = [](int index) {
-        QImage picture = drawn(markerOf(MarkerPalette::border(index).rgb(), blank, index), white);
+        QImage picture = drawn(markerOf(marker_palette::border(index).rgb(), blank, index), white);
         // The number is another.
         QPainter painter(&picture);
         painter.fillRect(
@@ -365,7 +365,7 @@ TEST_P(DrawsMarkers, TheSameOnAPictureOfMorePixelsToThePoint) {
     QImage picture = ground((QSizeF(240, 190) * 2 * scale()).toSize());
     QPainter painter(&picture);
     painter.scale(2, 2);
-    MarkerPainter::draw(painter, marker, rect(), scale(), GetParam().style, GetParam().spotlight);
+    marker_painter::draw(painter, marker, rect(), scale(), GetParam().style, GetParam().spotlight);
     painter.end();
     QImage fine = ground(picture.size());
     fine.setDevicePixelRatio(2);
@@ -385,7 +385,7 @@ protected:
         QPainter painter(&picture);
         painter.translate(2, 3);
         const PainterSettings before(painter);
-        MarkerPainter::draw(painter, marker, rect, scale, MarkerStyle::onOverlay, GetParam());
+        marker_painter::draw(painter, marker, rect, scale, MarkerStyle::onOverlay, GetParam());
         EXPECT_EQ(PainterSettings(painter), before);
         painter.end();
         return picture;
@@ -432,7 +432,7 @@ TEST_P(AnyMarker, MayBeFarOutsideOrAroundThePicture) {
 TEST_P(AnyMarker, MayHaveAnyNumber) {
     for (const int index : {0, -1, -100, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
         const QImage picture = drawn(markerOf(amber, blank, index), {40, 40, 50, 40});
-        EXPECT_TRUE(isColor(picture, {42 + 12.5, 43 + 40 + 6 + 12}, MarkerPalette::dot(index).rgb(), 2))
+        EXPECT_TRUE(isColor(picture, {42 + 12.5, 43 + 40 + 6 + 12}, marker_palette::dot(index).rgb(), 2))
             << index;
     }
 }
@@ -456,8 +456,8 @@ TEST_P(AnyMarker, LeavesAnyPainterAsItWas) {
     QPainter painter(&picture);
     setUnusual(painter);
     const PainterSettings before(painter);
-    MarkerPainter::draw(painter, markerOf(amber, u"label"_s), {40, 40, 50, 40}, 1, MarkerStyle::onImage,
-                        GetParam());
+    marker_painter::draw(painter, markerOf(amber, u"label"_s), {40, 40, 50, 40}, 1, MarkerStyle::onImage,
+                         GetParam());
     EXPECT_EQ(PainterSettings(painter), before);
     EXPECT_FALSE(inkBounds(picture).isEmpty());
 }

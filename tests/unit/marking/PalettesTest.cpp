@@ -21,7 +21,7 @@ constexpr std::array dotTexts{"#60A5FA", "#A78BFA", "#34D399", "#FBBF24",
 
 TEST(MarkupColors, OffersSixColours) {
     QStringList texts;
-    for (const QRgb color : MarkupColors::presets) {
+    for (const QRgb color : markup_colors::presets) {
         texts << toHexString(QColor(color));
         EXPECT_EQ(qAlpha(color), 255);
     }
@@ -29,27 +29,27 @@ TEST(MarkupColors, OffersSixColours) {
 }
 
 TEST(MarkupColors, DrawsWithTheFirstByDefault) {
-    EXPECT_EQ(toHexString(QColor(MarkupColors::defaultColor)), QLatin1String("#EF4444"));
+    EXPECT_EQ(toHexString(QColor(markup_colors::defaultColor)), QLatin1String("#EF4444"));
 }
 
 TEST(MarkupColors, OffersThreeStrokes) {
-    EXPECT_EQ(MarkupColors::strokePresets, (std::array<qreal, 3>{3, 6, 11}));
+    EXPECT_EQ(markup_colors::strokePresets, (std::array<qreal, 3>{3, 6, 11}));
 }
 
 TEST(MarkerPalette, HasEightColoursForMarkers) {
     for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(toHexString(MarkerPalette::border(i + 1)), QLatin1String(borderTexts.at(i)));
-        EXPECT_EQ(toHexString(MarkerPalette::dot(i + 1)), QLatin1String(dotTexts.at(i)));
-        EXPECT_EQ(MarkerPalette::border(i + 1).alpha(), 255);
-        EXPECT_EQ(MarkerPalette::dot(i + 1).alpha(), 255);
+        EXPECT_EQ(toHexString(marker_palette::border(i + 1)), QLatin1String(borderTexts.at(i)));
+        EXPECT_EQ(toHexString(marker_palette::dot(i + 1)), QLatin1String(dotTexts.at(i)));
+        EXPECT_EQ(marker_palette::border(i + 1).alpha(), 255);
+        EXPECT_EQ(marker_palette::dot(i + 1).alpha(), 255);
     }
 }
 
 TEST(MarkerPalette, TheNinthMarkerHasTheColourOfTheFirst) {
-    EXPECT_EQ(MarkerPalette::border(9), MarkerPalette::border(1));
-    EXPECT_EQ(MarkerPalette::dot(9), MarkerPalette::dot(1));
-    EXPECT_EQ(MarkerPalette::border(16), MarkerPalette::border(8));
-    EXPECT_EQ(MarkerPalette::border(17), MarkerPalette::border(1));
+    EXPECT_EQ(marker_palette::border(9), marker_palette::border(1));
+    EXPECT_EQ(marker_palette::dot(9), marker_palette::dot(1));
+    EXPECT_EQ(marker_palette::border(16), marker_palette::border(8));
+    EXPECT_EQ(marker_palette::border(17), marker_palette::border(1));
 }
 
 TEST(MarkerPalette, RepeatsForAnyNumber) {
@@ -67,17 +67,17 @@ TEST(MarkerPalette, RepeatsForAnyNumber) {
              NumberCase{std::numeric_limits<int>::min(), 7},
              NumberCase{std::numeric_limits<int>::min() + 1, 0},
          }) {
-        EXPECT_EQ(toHexString(MarkerPalette::border(index)), QLatin1String(borderTexts.at(entry))) << index;
-        EXPECT_EQ(toHexString(MarkerPalette::dot(index)), QLatin1String(dotTexts.at(entry))) << index;
+        EXPECT_EQ(toHexString(marker_palette::border(index)), QLatin1String(borderTexts.at(entry))) << index;
+        EXPECT_EQ(toHexString(marker_palette::dot(index)), QLatin1String(dotTexts.at(entry))) << index;
     }
 }
 
 TEST(MarkerPalette, HasABadgeRing) {
-    EXPECT_EQ(MarkerPalette::badgeRing().rgba(), 0xFF0B1220);
+    EXPECT_EQ(marker_palette::badgeRing().rgba(), 0xFF0B1220);
 }
 
 TEST(MarkerPalette, FillsLabelsNearlyOpaque) {
-    const QColor fill = MarkerPalette::labelFill();
+    const QColor fill = marker_palette::labelFill();
     EXPECT_EQ(fill.red(), 18);
     EXPECT_EQ(fill.green(), 20);
     EXPECT_EQ(fill.blue(), 26);

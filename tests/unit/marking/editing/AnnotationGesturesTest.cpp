@@ -322,7 +322,7 @@ TEST_F(AnnotationGesturesTest, AnEmptyTextIsHitAsIfItWereEightyByTwenty) {
 
 TEST_F(AnnotationGesturesTest, ATextIsHitInTheSizeInWhichItIsDrawn) {
     const QUuid id = shape(Kind::text, {100, 200}, {100, 200}, u"a rather long text, wider than eighty"_s);
-    const qreal width = AnnotationRenderer::textSize(annotationNumber(1), 1).width();
+    const qreal width = annotation_renderer::textSize(annotationNumber(1), 1).width();
     ASSERT_GT(width, 150);
     click({100 + width + 7, 195});
     EXPECT_EQ(document.selectedAnnotationId(), id);

@@ -50,7 +50,7 @@ protected:
     FirstMouseButton& tool(std::size_t index) const { return *buttons()[index]; }
     FirstMouseButton& color(std::size_t index) const { return *buttons()[tools.size() + index]; }
     FirstMouseButton& stroke(std::size_t index) const {
-        return *buttons()[tools.size() + MarkupColors::presets.size() + index];
+        return *buttons()[tools.size() + markup_colors::presets.size() + index];
     }
     std::vector<QString> shownAsOn() const {
         std::vector<QString> titles;
@@ -104,23 +104,23 @@ TEST_F(MarkupPaletteTest, DrawsEveryButtonAndNoTwoToolsAlike) {
 
 TEST_F(MarkupPaletteTest, ShowsEachColourAsItIs) {
     const QImage picture = test::pictureOf(palette);
-    for (std::size_t i = 0; i < MarkupColors::presets.size(); ++i) {
+    for (std::size_t i = 0; i < markup_colors::presets.size(); ++i) {
         const QRect middle(color(i).geometry().center() - QPoint(3, 3), QSize(6, 6));
-        EXPECT_TRUE(test::isFilled(picture, middle, MarkupColors::presets[i])) << i;
+        EXPECT_TRUE(test::isFilled(picture, middle, markup_colors::presets[i])) << i;
     }
 }
 
 TEST_F(MarkupPaletteTest, ShowsEachWidthAsItIs) {
     store.setMarkupStrokeWidth(77);
     const QImage picture = test::pictureOf(palette);
-    for (std::size_t i = 0; i < MarkupColors::strokePresets.size(); ++i) {
+    for (std::size_t i = 0; i < markup_colors::strokePresets.size(); ++i) {
         const QRect place = stroke(i).geometry();
         const QRgb under = picture.pixel(place.topLeft());
         const QRgb ink = picture.pixel(place.center());
         ASSERT_GT(test::colorDistance(ink, under), 100);
         const test::Span span =
             test::spanInColumn(picture, place.center().x(), place.top(), place.bottom(), under, ink);
-        EXPECT_NEAR(span.length(), MarkupColors::strokePresets[i], 0.1);
+        EXPECT_NEAR(span.length(), markup_colors::strokePresets[i], 0.1);
     }
 }
 
@@ -135,7 +135,7 @@ TEST_F(MarkupPaletteTest, ChoosesATool) {
 
 TEST_F(MarkupPaletteTest, ChoosesColourAndWidth) {
     test::click(color(3));
-    EXPECT_EQ(store.markupColor(), QColor::fromRgb(MarkupColors::presets[3]));
+    EXPECT_EQ(store.markupColor(), QColor::fromRgb(markup_colors::presets[3]));
     test::click(stroke(2));
     EXPECT_EQ(store.markupStrokeWidth(), 11);
     EXPECT_EQ(changes, 2);
@@ -150,7 +150,7 @@ TEST_F(MarkupPaletteTest, GivesColourAndWidthToTheSelectedAnnotationOnly) {
     test::click(color(1));
     test::click(stroke(0));
     ASSERT_EQ(store.annotations().size(), 3U);
-    EXPECT_EQ(store.annotations()[1].color, QColor::fromRgb(MarkupColors::presets[1]));
+    EXPECT_EQ(store.annotations()[1].color, QColor::fromRgb(markup_colors::presets[1]));
     EXPECT_EQ(store.annotations()[1].strokeWidth, 3);
     EXPECT_EQ(store.annotations()[1].end, QPointF(20, 20));
     for (const std::size_t other : {0U, 2U}) {
@@ -194,7 +194,7 @@ TEST_F(MarkupPaletteTest, ShowsTheStateOfTheStore) {
     store.setCurrentTool(AnnotationTool::region);
     EXPECT_THAT(shownAsOn(), ElementsAre(u"Red"_s, u"Medium"_s)) << "the tool is one that it does not have";
     store.setCurrentTool(AnnotationTool::ellipse);
-    store.setMarkupColor(QColor::fromRgb(MarkupColors::presets[5]));
+    store.setMarkupColor(QColor::fromRgb(markup_colors::presets[5]));
     store.setMarkupStrokeWidth(3);
     EXPECT_THAT(shownAsOn(), ElementsAre(u"Ellipse"_s, u"Black"_s, u"Thin"_s));
     store.setMarkupColor(QColor(1, 2, 3));

@@ -66,13 +66,13 @@ TEST_F(MarkerManagerTest, NumbersAndColoursMarkersByTheirPlace) {
     for (int i = 0; i < 10; ++i)
         manager.add(QRectF(i, 0, 5, 5), QString::number(i));
     EXPECT_EQ(indices(), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
-    EXPECT_EQ(manager.markers()[8].color, MarkerPalette::border(1));
+    EXPECT_EQ(manager.markers()[8].color, marker_palette::border(1));
 
     manager.remove(manager.markers()[1].id);
     EXPECT_EQ(indices(), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
     EXPECT_EQ(manager.markers()[1].label, u"2"_s);
     for (const Marker& marker : manager.markers())
-        EXPECT_EQ(marker.color, MarkerPalette::border(marker.index));
+        EXPECT_EQ(marker.color, marker_palette::border(marker.index));
 }
 
 TEST_F(MarkerManagerTest, GivesTheMarkerThatItAdds) {

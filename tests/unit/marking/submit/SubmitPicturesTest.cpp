@@ -14,7 +14,7 @@
 namespace orvane::test {
 
 using namespace Qt::StringLiterals;
-using Spotlight = MarkerPainter::Spotlight;
+using Spotlight = marker_painter::Spotlight;
 
 namespace {
 
@@ -108,8 +108,8 @@ TEST_P(SubmitPicturesAtScale, TheAnnotatedDisplayIsTheCaptureWithTheMarks) {
 
     QImage expected = picture;
     QPainter painter(&expected);
-    MarkerPainter::draw(painter, marker, {30 * scale, 20 * scale, 60 * scale, 40 * scale}, scale,
-                        MarkerStyle::onImage, Spotlight::off);
+    marker_painter::draw(painter, marker, {30 * scale, 20 * scale, 60 * scale, 40 * scale}, scale,
+                         MarkerStyle::onImage, Spotlight::off);
     painter.end();
     EXPECT_EQ(annotated.size(), picture.size());
     EXPECT_EQ(annotated.format(), QImage::Format_RGB32);

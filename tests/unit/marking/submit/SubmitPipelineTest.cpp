@@ -38,7 +38,7 @@ TEST_F(Submit, OfOneDisplayMakesASession) {
     EXPECT_EQ(picture(u"region-2.png"_s), screen.copy(200, 100, 80, 40));
     const SubmitPictures pictures(screen, {0, 0, 400, 300});
     EXPECT_EQ(picture(u"display-annotated.png"_s),
-              pictures.annotatedDisplay(markers, {}, MarkerPainter::Spotlight::off));
+              pictures.annotatedDisplay(markers, {}, marker_painter::Spotlight::off));
 
     ASSERT_EQ(result->captures.size(), 1U);
     const CaptureWithMarkers& capture = result->captures.front();
@@ -266,7 +266,7 @@ TEST_F(Submit, ASpotlightBlursTheDisplayAndNoCrop) {
     EXPECT_EQ(picture(u"region-1.png"_s), screen.copy(100, 100, 50, 60));
     const SubmitPictures pictures(screen, {0, 0, 400, 300});
     EXPECT_EQ(picture(u"display-annotated.png"_s),
-              pictures.annotatedDisplay(result->allMarkers, {}, MarkerPainter::Spotlight::on));
+              pictures.annotatedDisplay(result->allMarkers, {}, marker_painter::Spotlight::on));
     EXPECT_TRUE(clipboard.text().contains(
         u"\nPrivacy: spotlight on — background blurred; use region crops for detail.\n"_s));
     EXPECT_TRUE(QString::fromUtf8(bytes(u"SESSION.md"_s)).contains(u"\n- **Privacy:** spotlight"_s));

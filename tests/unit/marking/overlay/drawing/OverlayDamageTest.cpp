@@ -152,8 +152,8 @@ TEST(OverlayDamage, OfTheNumberOfMarkersIsTheInstructionsToo) {
     OverlayScene after = before;
     after.markers = {markerAt({200, 1300, 300, 200})};
     const auto pill = [](int count) {
-        return OverlayLayout::instructionsPill(
-                   OverlayLayout::instructionsText(overlayInstructions({}, count), {3840, 2160}))
+        return overlay_layout::instructionsPill(
+                   overlay_layout::instructionsText(overlayInstructions({}, count), {3840, 2160}))
             .toAlignedRect();
     };
     for (const QRegion& region : {damage(before, after), damage(after, before)}) {

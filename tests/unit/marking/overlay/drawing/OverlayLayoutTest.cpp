@@ -38,87 +38,87 @@ QRectF badgeOf(const QRectF& region) {
 
 TEST(OverlayLayout, SizeTagIsClearOfBadgeLabelAndHint) {
     for (const QRectF& region : regions()) {
-        const QRectF tag = OverlayLayout::sizeTag(region, view);
+        const QRectF tag = overlay_layout::sizeTag(region, view);
         const auto where = [&region] {
             return testing::Message()
                    << region.x() << "," << region.y() << " " << region.width() << "x" << region.height();
         };
         EXPECT_FALSE(tag.intersects(badgeOf(region))) << where();
-        EXPECT_FALSE(tag.intersects(OverlayLayout::label(region, u"A label"_s))) << where();
-        EXPECT_FALSE(tag.intersects(OverlayLayout::hint(region))) << where();
+        EXPECT_FALSE(tag.intersects(overlay_layout::label(region, u"A label"_s))) << where();
+        EXPECT_FALSE(tag.intersects(overlay_layout::hint(region))) << where();
         EXPECT_GE(tag.top(), std::min(region.top(), 0.0)) << where();
     }
 }
 
 TEST(OverlayLayout, SizeTagIsAboveTheTopRightCorner) {
     const QRectF region(100, 200, 300, 150);
-    const QRectF tag = OverlayLayout::sizeTag(region, view);
+    const QRectF tag = overlay_layout::sizeTag(region, view);
     EXPECT_EQ(tag.right(), 400);
     EXPECT_EQ(tag.bottom(), 196);
     EXPECT_GE(tag.width(), overlayTextSize(OverlayFont::sizeTag, u" 300x150 "_s).width());
 }
 
 TEST(OverlayLayout, SizeTagIsInsideAtTheTopOfTheView) {
-    const QRectF tag = OverlayLayout::sizeTag({100, 3, 300, 150}, view);
+    const QRectF tag = overlay_layout::sizeTag({100, 3, 300, 150}, view);
     EXPECT_EQ(tag.right(), 396);
     EXPECT_EQ(tag.top(), 7);
-    const QRectF besideLow = OverlayLayout::sizeTag({100, 3, 300, 12}, view);
+    const QRectF besideLow = overlay_layout::sizeTag({100, 3, 300, 12}, view);
     EXPECT_EQ(besideLow.left(), 404);
 }
 
 TEST(OverlayLayout, SizeTagStaysInTheViewWithItsRegionPartlyOutside) {
-    const QRectF tag = OverlayLayout::sizeTag({600, 200, 900, 150}, view);
+    const QRectF tag = overlay_layout::sizeTag({600, 200, 900, 150}, view);
     EXPECT_LE(tag.right(), view.width());
     EXPECT_GE(tag.left(), 618);
 }
 
 TEST(OverlayLayout, LabelAndHintAreBelowTheRegionAtItsLeftEdge) {
     const QRectF region(100, 200, 300, 150);
-    const QRectF label = OverlayLayout::label(region, u"Note"_s);
+    const QRectF label = overlay_layout::label(region, u"Note"_s);
     EXPECT_EQ(label.topLeft(), QPointF(100, 356));
     const QSizeF text = overlayTextSize(OverlayFont::label, u"Note"_s);
     EXPECT_DOUBLE_EQ(label.width(), text.width() + 31);
     EXPECT_DOUBLE_EQ(label.height(), text.height() + 8);
-    EXPECT_EQ(OverlayLayout::hint(region).topLeft(), QPointF(100, 356));
+    EXPECT_EQ(overlay_layout::hint(region).topLeft(), QPointF(100, 356));
 }
 
 TEST(OverlayLayout, CoordinatePlateIsBesideThePointerAndInsideTheView) {
     const QString text = u"-1920, 1080"_s;
     for (qreal x = -40; x <= 840; x += 20) {
         for (qreal y = -40; y <= 640; y += 20) {
-            const QRectF plate = OverlayLayout::coordinatePlate({x, y}, text, view);
+            const QRectF plate = overlay_layout::coordinatePlate({x, y}, text, view);
             EXPECT_TRUE(QRectF({0, 0}, view).contains(plate)) << x << "," << y;
             EXPECT_FALSE(plate.contains(QPointF(x, y))) << x << "," << y;
         }
     }
-    EXPECT_EQ(OverlayLayout::coordinatePlate({100, 100}, text, view).topLeft(), QPointF(114, 114));
+    EXPECT_EQ(overlay_layout::coordinatePlate({100, 100}, text, view).topLeft(), QPointF(114, 114));
     // On the other side.
-    const QRectF atTheCorner = OverlayLayout::coordinatePlate({795, 595}, text, view);
+    const QRectF atTheCorner = overlay_layout::coordinatePlate({795, 595}, text, view);
     EXPECT_EQ(atTheCorner.right(), 781);
     EXPECT_EQ(atTheCorner.bottom(), 581);
 }
 
 TEST(OverlayLayout, CoordinatePlateInATinyView) {
-    const QRectF plate = OverlayLayout::coordinatePlate({5, 5}, u"5, 5"_s, {10, 10});
+    const QRectF plate = overlay_layout::coordinatePlate({5, 5}, u"5, 5"_s, {10, 10});
     EXPECT_EQ(plate.topLeft(), QPointF(0, 0));
 }
 
 TEST(OverlayLayout, DimensionLabelIsAboveTheRegionOrInside) {
-    const QRectF above = OverlayLayout::dimensionLabel({100, 200, 300, 150}, view);
+    const QRectF above = overlay_layout::dimensionLabel({100, 200, 300, 150}, view);
     EXPECT_EQ(above.left(), 100);
     EXPECT_EQ(above.bottom(), 194);
-    const QRectF inside = OverlayLayout::dimensionLabel({100, 5, 300, 150}, view);
+    const QRectF inside = overlay_layout::dimensionLabel({100, 5, 300, 150}, view);
     EXPECT_EQ(inside.topLeft(), QPointF(106, 11));
-    EXPECT_LE(OverlayLayout::dimensionLabel({790, 200, 8, 8}, view).right(), view.width());
+    EXPECT_LE(overlay_layout::dimensionLabel({790, 200, 8, 8}, view).right(), view.width());
 }
 
 TEST(OverlayLayout, InstructionsAreCentredAboveALineNearTheTop) {
     const QString text = overlayInstructions({}, 0);
-    const QRectF place = OverlayLayout::instructionsText(text, view);
+    const QRectF place = overlay_layout::instructionsText(text, view);
     EXPECT_EQ(place.size(), overlayTextSize(OverlayFont::instructions, text));
     EXPECT_DOUBLE_EQ(place.bottom(), 56);
     EXPECT_NEAR(place.center().x(), 400, 0.5);
-    EXPECT_EQ(OverlayLayout::instructionsPill(place), place.adjusted(-12, -6, 12, 6));
+    EXPECT_EQ(overlay_layout::instructionsPill(place), place.adjusted(-12, -6, 12, 6));
 }
 
 TEST(OverlayLayout, SpacesCountAtBothEnds) {

@@ -79,7 +79,7 @@ TEST_P(PaintsOverlay, MarkersWhereTheirGlobalRegionsAre) {
 TEST_P(PaintsOverlay, SizeTagAtTheTopRightOfTheRegion) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
-    const QRectF tag = OverlayLayout::sizeTag(region, scene.size);
+    const QRectF tag = overlay_layout::sizeTag(region, scene.size);
     const QImage shown = picture(scene);
     EXPECT_TRUE(isFilled(shown, pixels({tag.left() + 1, tag.top() + 4, 3, tag.height() - 8}), plateGround));
     EXPECT_TRUE(isWritten(shown, tag.adjusted(1, 1, -1, -1), plateGround));
@@ -90,7 +90,7 @@ TEST_P(PaintsOverlay, SizeTagAtTheTopRightOfTheRegion) {
 TEST_P(PaintsOverlay, HintWhereALabelWouldBe) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
-    const QRectF hint = OverlayLayout::hint(region);
+    const QRectF hint = overlay_layout::hint(region);
     const QRgb plate = blended(plateGround, 0.6, white);
     EXPECT_TRUE(isWritten(picture(scene), hint.adjusted(1, 1, -1, -1), plate));
     scene.modes.ocr = true;
@@ -118,7 +118,7 @@ TEST_P(PaintsOverlay, RegionThatIsDraggedOpen) {
     EXPECT_TRUE(isFilled(shown, pixels({59, 200, 6, 1}), dash));
     EXPECT_TRUE(isFilled(shown, pixels({220, 70, 170, 230}), white));
 
-    const QRectF label = OverlayLayout::dimensionLabel(region, scene.size);
+    const QRectF label = overlay_layout::dimensionLabel(region, scene.size);
     EXPECT_TRUE(isWritten(shown, label.adjusted(1, 1, -1, -1), blended(plateGround, 0.9, white)));
 }
 
@@ -149,7 +149,7 @@ TEST_P(PaintsOverlay, CoordinatePlateSaysWhereThePointerIsGlobally) {
     OverlayScene scene = emptyScene();
     scene.origin = {1000, -200};
     scene.mousePosition = QPointF(120, 150);
-    const QRectF plate = OverlayLayout::coordinatePlate({120, 150}, u"1120, -50"_s, scene.size);
+    const QRectF plate = overlay_layout::coordinatePlate({120, 150}, u"1120, -50"_s, scene.size);
     const QRgb ground = blended(plateGround, 0.9, white);
     const QImage shown = picture(scene);
     EXPECT_TRUE(isWritten(shown, plate.adjusted(2, 2, -2, -2), ground));
@@ -162,8 +162,8 @@ TEST_P(PaintsOverlay, CoordinatePlateSaysWhereThePointerIsGlobally) {
 TEST_P(PaintsOverlay, InstructionsInAPill) {
     const OverlayScene scene = emptyScene();
     const QImage shown = picture(scene);
-    const QRectF text = OverlayLayout::instructionsText(overlayInstructions({}, 0), scene.size);
-    const QRectF pill = OverlayLayout::instructionsPill(text);
+    const QRectF text = overlay_layout::instructionsText(overlayInstructions({}, 0), scene.size);
+    const QRectF pill = overlay_layout::instructionsPill(text);
     const QRgb ground = blended(black, 0.75, white);
     EXPECT_TRUE(isFilled(shown, pixels({pill.left() + 14, pill.top() + 1, pill.width() - 28, 4}), ground));
     EXPECT_TRUE(isWritten(shown, pill.adjusted(2, 7, -2, -7), ground));
@@ -231,7 +231,7 @@ TEST_P(PaintsOverlay, InstructionsAreAboveAll) {
     scene.markers = {markerAt({20, 10, 360, 120})};
     scene.annotations = {shapeAt(Annotation::Kind::highlight, {0, 0}, {400, 100}, white)};
     const QString text = overlayInstructions({}, 1);
-    const QRectF pill = OverlayLayout::instructionsPill(OverlayLayout::instructionsText(text, scene.size));
+    const QRectF pill = overlay_layout::instructionsPill(overlay_layout::instructionsText(text, scene.size));
     const QRgb under = blended(white, 0.35, blended(blue, 0.09, white));
     EXPECT_TRUE(
         isFilled(picture(scene), pixels({200, pill.top() + 1, 60, 4}), blended(black, 0.75, under), 2));

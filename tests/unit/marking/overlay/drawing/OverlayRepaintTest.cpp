@@ -129,7 +129,7 @@ private:
         return m_random.bounded(2) == 0 ? QPointF(place.toPoint()) : place;
     }
     qreal offset(int most) { return m_random.bounded(8 * most) / 4.0 - most; }
-    QColor color() { return QColor(MarkupColors::presets[size_t(m_random.bounded(6))]); }
+    QColor color() { return QColor(markup_colors::presets[size_t(m_random.bounded(6))]); }
     QString label() {
         const std::array labels{QString(),       u"Note"_s, u"A longer label, with gj"_s,
                                 u"Two\nlines"_s, stacked,   u"يا 日本 ไทย"_s};
@@ -165,7 +165,7 @@ private:
         int index = 0;
         for (Marker& marker : scene.markers) {
             marker.index = ++index;
-            marker.color = MarkerPalette::border(index);
+            marker.color = marker_palette::border(index);
         }
     }
 
