@@ -1,10 +1,13 @@
 #include "OrvaneCore/drawing/DrawnText.h"
 
+#include <QCache>
 #include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <utility>
 
 namespace orvane {
 
@@ -76,6 +79,24 @@ void DrawnText::draw(QPainter& painter, const QPointF& topLeft, const QColor& co
 
 void DrawnText::drawCentered(QPainter& painter, const QPointF& center, const QColor& color) const {
     draw(painter, center - QPointF(size().width() / 2, size().height() / 2), color);
+}
+
+QSizeF drawnTextSize(const QString& text, const QFont& font) {
+    // Every move of a pointer asks where all texts are. Counted in characters, with something for a text.
+    constexpr int mostCharacters = 4'000'000;
+    constexpr qsizetype perText = 64;
+    // Not the fonts themselves, which must not outlive the application.
+    using Key = std::pair<QString, QString>;
+    thread_local QCache<Key, QSizeF> sizes(mostCharacters);
+
+    const Key key(font.key(), text);
+    if (const QSizeF* known = sizes.object(key))
+        return *known;
+    const QSizeF size = DrawnText(text, font, 1).size();
+    // The cache owns what it is given, and takes it at once out again when it is too large.
+    auto kept = std::make_unique<QSizeF>(size);
+    sizes.insert(key, kept.release(), perText + text.size());
+    return size;
 }
 
 } // namespace orvane

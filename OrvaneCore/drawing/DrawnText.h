@@ -43,4 +43,8 @@ private:
     QSizeF m_size;
 };
 
+/// The size of a text that is drawn in this font at scale 1. It is remembered, so that asking for the same
+/// text again costs no layout. Needs a QGuiApplication; any thread.
+QSizeF drawnTextSize(const QString& text, const QFont& font);
+
 } // namespace orvane

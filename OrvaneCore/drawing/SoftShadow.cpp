@@ -9,13 +9,23 @@
 
 namespace orvane {
 
+namespace {
+
+// Three deviations hold all of a Gaussian that eight bits can show.
+constexpr qreal shownDeviations = 3;
+
+qreal deviation(qreal blur) {
+    return blur / 2;
+}
+
+} // namespace
+
 void drawSoftShadow(QPainter& painter, const QPainterPath& path, const QColor& color, qreal blur,
                     const QPointF& offset) {
     const QTransform toDevice = painter.deviceTransform();
     const qreal pixelsPerUnit = std::hypot(toDevice.m11(), toDevice.m12());
-    const qreal sigma = blur / 2 * pixelsPerUnit;
-    // Three deviations hold all of a Gaussian that eight bits can show.
-    const int reach = static_cast<int>(std::ceil(3 * sigma)) + 1;
+    const qreal sigma = deviation(blur) * pixelsPerUnit;
+    const int reach = static_cast<int>(std::ceil(shownDeviations * sigma)) + 1;
 
     const QPainterPath devicePath = toDevice.map(path.translated(offset));
     // A painter adds to what its user set: several pixels to a point, and the place of a widget in its
@@ -48,6 +58,12 @@ void drawSoftShadow(QPainter& painter, const QPainterPath& path, const QColor& c
     painter.setWorldTransform(added.inverted());
     painter.drawImage(area.topLeft(), shadow);
     painter.restore();
+}
+
+qreal softShadowReach(qreal blur) {
+    // The reach is rounded up, by a pixel to spare, and its area grows to whole pixels.
+    constexpr qreal rounding = 3;
+    return shownDeviations * deviation(blur) + rounding;
 }
 
 } // namespace orvane

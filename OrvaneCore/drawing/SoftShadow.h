@@ -13,4 +13,8 @@ namespace orvane {
 void drawSoftShadow(QPainter& painter, const QPainterPath& path, const QColor& color, qreal blur,
                     const QPointF& offset);
 
+/// How far the shadow of a path shows around it, before it is offset: in the painter's units, none of which
+/// is smaller than a pixel.
+qreal softShadowReach(qreal blur);
+
 } // namespace orvane

@@ -213,6 +213,18 @@ TEST(DrawnText, IsDrawnOnAnyThread) {
     EXPECT_EQ(fromWorker, expected);
 }
 
+TEST(DrawnText, IsAsLargeAsItIsSaidToBeInEveryFont) {
+    for (const QFont& font :
+         {systemFont(12), systemFont(20), systemFont(12, QFont::Bold), monospacedFont(12)}) {
+        for (const QString& text : {u"Note"_s, u"two\nlines"_s, u" "_s, u""_s}) {
+            // The second time it is remembered.
+            for (int i = 0; i < 2; ++i)
+                EXPECT_EQ(drawnTextSize(text, font), DrawnText(text, font, 1).size());
+        }
+    }
+    EXPECT_EQ(drawnTextSize(u"Note"_s, systemFont(12)) * 2, DrawnText(u"Note"_s, systemFont(12), 2).size());
+}
+
 TEST(DrawnText, MayBeVeryLong) {
     const QString text = u"x"_s.repeated(100000);
     EXPECT_DOUBLE_EQ(sizeOf(text).width(), 100000 * sizeOf(u"x"_s).width());

@@ -232,6 +232,22 @@ TEST(SoftShadow, IsAPlainAreaWithoutBlur) {
     EXPECT_TRUE(isFilled(picture, QRect(30, 20, 40, 30), blended(black, 0.5, white)));
 }
 
+TEST(SoftShadow, ReachesAsFarAsItSays) {
+    for (const qreal blur : {0.0, 1.0, 3.0, 4.0, 10.0}) {
+        const qreal reach = softShadowReach(blur);
+        for (const qreal part : {0.0, 0.3, 0.9}) {
+            const QRectF rect(35 + part, 30 + part, 20, 12);
+            const QRectF area = rect.adjusted(-reach, -reach, reach, reach).translated(2, 3);
+            const QRectF ink(inkBounds(shadowOf(rectPath(rect), blur, {2, 3})));
+            EXPECT_TRUE(area.contains(ink)) << blur << " at " << part;
+            // Its faintest part does not show.
+            EXPECT_LE(ink.left() - area.left(), 0.3 * blur + 4) << blur << " at " << part;
+        }
+    }
+    EXPECT_EQ(softShadowReach(3), 7.5);
+    EXPECT_EQ(softShadowReach(4), 9);
+}
+
 TEST(SoftShadow, StaysInsideTheClip) {
     QImage picture = ground({100, 80});
     QPainter painter(&picture);
