@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/drawing/Extent.h"
 #include "OrvaneCore/drawing/PointMap.h"
 #include "OrvaneCore/marking/Annotation.h"
 
@@ -15,15 +16,16 @@ class QPainter;
 
 namespace orvane {
 
-/// How an annotation looks, on every surface that shows one: views, annotated pictures, crops, snapshots.
+/// How an annotation looks and how far it reaches, on every surface that shows one: views, annotated
+/// pictures, crops, snapshots.
 ///
 /// `mapPoint` takes the annotation's global points to the painter's space, y down. `scale` multiplies all
 /// sizes that its two points do not give, such as widths of strokes and fonts: 1 where the painter counts in
 /// points, the pixels of a point where it counts in pixels. Both are finite and positive.
 ///
-/// Shapes whose points are not finite are not drawn, and no other number harms: a stroke is at least 1 wide,
-/// an angle that is not finite is upright. The painter is left as it was. Needs a QGuiApplication; any
-/// thread.
+/// Shapes whose points are not finite are not drawn and have no extent, and no other number harms: a stroke
+/// is at least 1 wide, an angle that is not finite is upright. The painter is left as it was. Needs a
+/// QGuiApplication; any thread.
 namespace annotation_renderer {
 
 /// The shape with its label, whether or not it is `removed`.
@@ -35,6 +37,17 @@ void drawSelectionHandles(QPainter& painter, const Annotation& annotation, const
 
 /// Round dots at points that are in the painter's space already.
 void drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal scale);
+
+// Where each of these shows, in the painter's space. Their parts are the finer the less of the rectangle
+// around a shape shows it.
+
+/// Of an arrow only what is in `visible` or near it, which is finite. The plane is that of a highlight.
+Extent extent(const Annotation& annotation, const PointMap& mapPoint, qreal scale, const QRectF& visible);
+Extent selectionExtent(const Annotation& annotation, const PointMap& mapPoint, qreal scale);
+Extent handleDotsExtent(const std::vector<QPointF>& points, qreal scale);
+
+/// True when both look the same wherever they are shown alike.
+bool looksSame(const Annotation& left, const Annotation& right);
 
 /// The size of a text annotation's text; that of a placeholder where it is empty.
 QSizeF textSize(const Annotation& annotation, qreal scale);

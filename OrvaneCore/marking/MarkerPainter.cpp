@@ -3,12 +3,15 @@
 #include "OrvaneCore/drawing/DrawingColors.h"
 #include "OrvaneCore/drawing/DrawingLimits.h"
 #include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/Identical.h"
 #include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/drawing/SoftShadow.h"
 #include "OrvaneCore/marking/Palettes.h"
 
 #include <QPainter>
 #include <QPainterPath>
+
+#include <numbers>
 
 namespace orvane {
 
@@ -48,98 +51,175 @@ constexpr qreal dotGap = 6;
 constexpr qreal labelEnd = 9;
 constexpr QPointF shadowOffset(0, 1);
 
+QFont numberFont(const MarkerStyle& style) {
+    return systemFont(style.numberPixelSize, QFont::Bold);
+}
+
+QFont labelFont(const MarkerStyle& style) {
+    return systemFont(style.labelPixelSize, style.labelWeight);
+}
+
+QString numberText(const Marker& marker) {
+    return QString::number(marker.index);
+}
+
+QRectF circle(const QPointF& center, qreal radius) {
+    return {center.x() - radius, center.y() - radius, 2 * radius, 2 * radius};
+}
+
+QRectF grown(const QRectF& rect, qreal margin) {
+    return rect.adjusted(-margin, -margin, margin, margin);
+}
+
+QRectF shadowArea(const QRectF& rect, qreal blur, qreal scale) {
+    return grown(rect, softShadowReach(blur * scale)).translated(shadowOffset * scale);
+}
+
+/// In a capsule below the region.
+MarkerLayout::Label labelLayout(const QString& label, const QPointF& place, qreal scale,
+                                const MarkerStyle& style) {
+    const QSizeF text = drawnTextSize(label, labelFont(style)) * scale;
+    const qreal textInset = (dotInset + dotDiameter + dotGap) * scale;
+    const QRectF capsule(place, text + QSizeF(textInset + labelEnd * scale, 2 * labelPaddingY * scale));
+    const qreal dotRadius = dotDiameter / 2 * scale;
+    return {
+        .capsule = capsule,
+        .shadow = shadowArea(capsule, labelShadowBlur, scale),
+        .dot = circle({capsule.left() + dotInset * scale + dotRadius, capsule.center().y()}, dotRadius),
+        .text = {capsule.topLeft() + QPointF(textInset, labelPaddingY * scale), text},
+    };
+}
+
 /// One marker on its way to one painter.
 class MarkerDrawing {
 public:
-    MarkerDrawing(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
+    MarkerDrawing(QPainter& painter, const Marker& marker, const MarkerLayout& layout, qreal scale,
                   const MarkerStyle& style)
         : m_painter(painter)
         , m_marker(marker)
-        , m_rect(drawable(rect))
+        , m_layout(layout)
         , m_scale(scale)
         , m_style(style) {}
 
-    void drawHalo() {
-        const qreal grown = haloGrowth * m_scale;
-        strokeRounded(m_rect.adjusted(-grown, -grown, grown, grown), withAlpha(Qt::black, 0.18F), haloWidth);
-    }
+    void drawHalo() { stroke(m_layout.halo, withAlpha(Qt::black, 0.18F)); }
 
     void drawTint() {
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(withAlpha(m_marker.color, 0.09F));
-        m_painter.drawRoundedRect(m_rect, cornerRadius * m_scale, cornerRadius * m_scale);
+        m_painter.drawRoundedRect(m_layout.region, m_layout.cornerRadius, m_layout.cornerRadius);
     }
 
-    void drawOutline(qreal width) { strokeRounded(m_rect, m_marker.color, width); }
+    void drawOutline() { stroke(m_layout.outline, m_marker.color); }
 
     /// On the region's top-left corner.
     void drawBadge() {
-        const QPointF center = m_rect.topLeft();
-        const qreal radius = m_style.badgeDiameter / 2 * m_scale;
-        QPainterPath circle;
-        circle.addEllipse(center, radius, radius);
-        drawSoftShadow(m_painter, circle, withAlpha(Qt::black, 0.45F), badgeShadowBlur * m_scale,
+        QPainterPath badge;
+        badge.addEllipse(m_layout.badge);
+        drawSoftShadow(m_painter, badge, withAlpha(Qt::black, 0.45F), badgeShadowBlur * m_scale,
                        shadowOffset * m_scale);
-        m_painter.fillPath(circle, m_marker.color);
-        m_painter.setPen(QPen(marker_palette::badgeRing(), badgeRingWidth * m_scale));
+        m_painter.fillPath(badge, m_marker.color);
+        m_painter.setPen(QPen(marker_palette::badgeRing(), m_layout.badgeRing.width));
         m_painter.setBrush(Qt::NoBrush);
-        m_painter.drawEllipse(center, radius + badgeRingGrowth * m_scale, radius + badgeRingGrowth * m_scale);
+        m_painter.drawEllipse(m_layout.badgeRing.rect);
 
-        const DrawnText number(QString::number(m_marker.index), m_style.numberPixelSize, QFont::Bold,
-                               m_scale);
-        number.drawCentered(m_painter, center, Qt::white);
+        const DrawnText number(numberText(m_marker), numberFont(m_style), m_scale);
+        number.draw(m_painter, m_layout.number.topLeft(), Qt::white);
     }
 
-    /// In a capsule below the region.
-    void drawLabel() {
-        const DrawnText text(m_marker.label, m_style.labelPixelSize, m_style.labelWeight, m_scale);
-        const qreal textInset = (dotInset + dotDiameter + dotGap) * m_scale;
-        const QRectF capsule(m_rect.bottomLeft() + QPointF(0, labelGap * m_scale),
-                             text.size() +
-                                 QSizeF(textInset + labelEnd * m_scale, 2 * labelPaddingY * m_scale));
+    void drawLabel(const MarkerLayout::Label& label) {
         QPainterPath outline;
-        outline.addRoundedRect(capsule, cornerRadius * m_scale, cornerRadius * m_scale);
+        outline.addRoundedRect(label.capsule, m_layout.cornerRadius, m_layout.cornerRadius);
         drawSoftShadow(m_painter, outline, withAlpha(Qt::black, 0.3F), labelShadowBlur * m_scale,
                        shadowOffset * m_scale);
         m_painter.fillPath(outline, marker_palette::labelFill());
 
-        const qreal dotRadius = dotDiameter / 2 * m_scale;
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(marker_palette::dot(m_marker.index));
-        m_painter.drawEllipse(QPointF(capsule.left() + dotInset * m_scale + dotRadius, capsule.center().y()),
-                              dotRadius, dotRadius);
-        text.draw(m_painter, capsule.topLeft() + QPointF(textInset, labelPaddingY * m_scale), Qt::white);
+        m_painter.drawEllipse(label.dot);
+        const DrawnText text(m_marker.label, labelFont(m_style), m_scale);
+        text.draw(m_painter, label.text.topLeft(), Qt::white);
     }
 
 private:
-    void strokeRounded(const QRectF& rect, const QColor& color, qreal width) {
-        m_painter.setPen(QPen(color, width * m_scale));
+    void stroke(const MarkerLayout::Line& line, const QColor& color) {
+        m_painter.setPen(QPen(color, line.width));
         m_painter.setBrush(Qt::NoBrush);
-        m_painter.drawRoundedRect(rect, cornerRadius * m_scale, cornerRadius * m_scale);
+        m_painter.drawRoundedRect(line.rect, m_layout.cornerRadius, m_layout.cornerRadius);
     }
 
     QPainter& m_painter;
     const Marker& m_marker;
-    QRectF m_rect;
+    const MarkerLayout& m_layout;
     qreal m_scale;
     const MarkerStyle& m_style;
 };
 
 } // namespace
 
+MarkerLayout marker_painter::layout(const Marker& marker, const QRectF& rect, qreal scale,
+                                    const MarkerStyle& style, Spotlight spotlight) {
+    const QRectF region = drawable(rect);
+    const qreal outlineWidth = spotlight == Spotlight::on ? style.spotlightOutlineWidth : style.outlineWidth;
+    const QPointF center = region.topLeft();
+    const qreal radius = style.badgeDiameter / 2 * scale;
+    const QRectF badge = circle(center, radius);
+    const QSizeF number = drawnTextSize(numberText(marker), numberFont(style)) * scale;
+    const QPointF labelPlace = region.bottomLeft() + QPointF(0, labelGap * scale);
+    return {
+        .region = region,
+        .cornerRadius = cornerRadius * scale,
+        .halo = {.rect = grown(region, haloGrowth * scale), .width = haloWidth * scale},
+        .outline = {.rect = region, .width = outlineWidth * scale},
+        .badge = badge,
+        .badgeShadow = shadowArea(badge, badgeShadowBlur, scale),
+        .badgeRing = {.rect = circle(center, radius + badgeRingGrowth * scale),
+                      .width = badgeRingWidth * scale},
+        .number = {center - QPointF(number.width() / 2, number.height() / 2), number},
+        .labelPlace = labelPlace,
+        .label = marker.label.isEmpty() ? std::nullopt
+                                        : std::optional(labelLayout(marker.label, labelPlace, scale, style)),
+    };
+}
+
+Extent marker_painter::extent(const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
+                              Spotlight spotlight) {
+    Extent extent;
+    if (!isFinite(rect))
+        return extent;
+    const MarkerLayout place = layout(marker, rect, scale, style, spotlight);
+    // As far inside as the outline reaches at the round corners.
+    const qreal innerRadius = place.cornerRadius - place.outline.width / 2;
+    const qreal inset = place.cornerRadius - innerRadius / std::numbers::sqrt2;
+    extent.plane = {.outer = place.halo.outer() | place.outline.outer(),
+                    .inner = grown(place.region, -inset),
+                    .paint = spotlight == Spotlight::on ? std::nullopt : std::optional(marker.color)};
+    extent.add(place.badgeShadow | place.badgeRing.outer() | place.number);
+    if (place.label) {
+        extent.add(place.label->shadow);
+        extent.addTypedText(place.label->capsule, marker.label, scale);
+    }
+    return extent;
+}
+
 void marker_painter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
                           const MarkerStyle& style, Spotlight spotlight) {
     if (!isFinite(rect))
         return;
     const PainterState state(painter);
-    MarkerDrawing drawing(painter, marker, rect, scale, style);
+    const MarkerLayout place = layout(marker, rect, scale, style, spotlight);
+    MarkerDrawing drawing(painter, marker, place, scale, style);
     drawing.drawHalo();
     if (spotlight == Spotlight::off)
         drawing.drawTint();
-    drawing.drawOutline(spotlight == Spotlight::on ? style.spotlightOutlineWidth : style.outlineWidth);
+    drawing.drawOutline();
     drawing.drawBadge();
-    if (!marker.label.isEmpty())
-        drawing.drawLabel();
+    if (place.label)
+        drawing.drawLabel(*place.label);
+}
+
+bool marker_painter::looksSame(const Marker& left, const Marker& right) {
+    return identical(left.rect, right.rect) && left.label == right.label && left.color == right.color &&
+           left.index == right.index;
 }
 
 } // namespace orvane

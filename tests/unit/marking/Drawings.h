@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/marking/AnnotationRenderer.h"
 #include "tests/support/DrawnPixels.h"
+#include "tests/unit/marking/ExactGeometry.h"
 
 #include <QImage>
 #include <QPainter>
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <limits>
 #include <string>
 
 /// Shapes on pictures, as all tests of the drawing make them.
@@ -19,9 +19,6 @@ using Kind = Annotation::Kind;
 
 inline constexpr std::array allKinds{Kind::arrow,     Kind::box,  Kind::ellipse,
                                      Kind::highlight, Kind::text, Kind::image};
-
-inline constexpr qreal notANumber = std::numeric_limits<qreal>::quiet_NaN();
-inline constexpr qreal infinite = std::numeric_limits<qreal>::infinity();
 
 inline constexpr QRgb blue = 0xFF3B82F6;
 inline constexpr QRgb amber = 0xFFF59E0B;

@@ -14,8 +14,8 @@
 /// Qt's own comparisons of points and rectangles let small differences pass, so the tests bring theirs.
 namespace orvane::test {
 
-constexpr qreal notANumber = std::numeric_limits<qreal>::quiet_NaN();
-constexpr qreal infinite = std::numeric_limits<qreal>::infinity();
+inline constexpr qreal notANumber = std::numeric_limits<qreal>::quiet_NaN();
+inline constexpr qreal infinite = std::numeric_limits<qreal>::infinity();
 
 inline ::testing::AssertionResult isPoint(const QPointF& actual, const QPointF& expected, qreal margin = 0) {
     if (std::abs(actual.x() - expected.x()) <= margin && std::abs(actual.y() - expected.y()) <= margin)
