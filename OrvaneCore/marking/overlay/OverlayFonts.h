@@ -9,8 +9,8 @@ class QPainter;
 
 namespace orvane {
 
-/// The kinds of text on the overlay, by what they are set in.
-enum class OverlayFont { label, hint, instructions, shapeText, shapeLabel, sizeTag, plate };
+/// The kinds of the overlay's own texts, by what they are set in.
+enum class OverlayFont { hint, instructions, sizeTag, plate };
 
 /// How large a text is drawn, in points, with all of its spaces. Sizes are remembered, so that asking for
 /// the same text again costs no layout. Needs a QGuiApplication; any thread.

@@ -10,8 +10,6 @@ namespace orvane {
 
 namespace {
 
-constexpr qreal labelGap = 6;
-constexpr QSizeF labelPadding(31, 8);
 constexpr QSizeF hintPadding(2, 6);
 constexpr QSizeF tagPadding(0, 2);
 constexpr qreal tagGap = 4;
@@ -38,19 +36,14 @@ qreal beside(qreal pointer, qreal distance, qreal length, qreal viewLength) {
 
 } // namespace
 
-QRectF overlay_layout::label(const QRectF& region, const QString& label) {
-    return {region.bottomLeft() + QPointF(0, labelGap),
-            overlayTextSize(OverlayFont::label, label) + labelPadding};
+QRectF overlay_layout::hint(const MarkerLayout& marker) {
+    return {marker.labelPlace, plateSize(OverlayFont::hint, labelHintText(), hintPadding)};
 }
 
-QRectF overlay_layout::hint(const QRectF& region) {
-    return {region.bottomLeft() + QPointF(0, labelGap),
-            plateSize(OverlayFont::hint, labelHintText(), hintPadding)};
-}
-
-QRectF overlay_layout::sizeTag(const QRectF& region, const QSizeF& view) {
+QRectF overlay_layout::sizeTag(const MarkerLayout& marker, const QSizeF& view) {
+    const QRectF& region = marker.region;
     const QSizeF size = plateSize(OverlayFont::sizeTag, sizeTagText(region.size()), tagPadding);
-    const qreal beyondBadge = region.left() + badgeReach;
+    const qreal beyondBadge = region.left() + (marker.badgeRing.outer().width() / 2 + tagGap);
     const qreal above = region.top() - tagGap - size.height();
     if (above >= 0) {
         const qreal right = std::min(region.right(), view.width() - viewMargin);
@@ -62,7 +55,7 @@ QRectF overlay_layout::sizeTag(const QRectF& region, const QSizeF& view) {
         inside + size.height() + tagGap <= region.bottom() && right - size.width() >= beyondBadge;
     if (fits)
         return {{right - size.width(), inside}, size};
-    const qreal aboveLabel = region.bottom() + labelGap - tagPadding.height() - size.height();
+    const qreal aboveLabel = marker.labelPlace.y() - tagPadding.height() - size.height();
     const qreal top = std::min(std::max(region.top(), 0.0), aboveLabel);
     return {{std::max(region.right() + tagGap, beyondBadge), top}, size};
 }

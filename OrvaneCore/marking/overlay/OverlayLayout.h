@@ -1,7 +1,10 @@
 #pragma once
 
+#include "OrvaneCore/marking/MarkerPainter.h"
+
 #include <QPointF>
 #include <QRectF>
+#include <QRgb>
 #include <QSizeF>
 #include <QString>
 
@@ -12,19 +15,19 @@ namespace orvane {
 /// Needs a QGuiApplication; any thread.
 namespace overlay_layout {
 
-/// How far a region's badge keeps others away from the region's left edge.
-inline constexpr qreal badgeReach = 18;
-
-/// The capsule of a label, without its shadow: just below the region, at its left edge.
-QRectF label(const QRectF& region, const QString& label);
+/// Of a region that is being dragged open.
+inline constexpr QRgb currentRectColor = 0xFFFFCC00;
+/// The width of the outline around it; half of it is outside.
+inline constexpr qreal currentRectOutline = 2;
+inline constexpr qreal crosshairWidth = 0.5;
 
 /// The plate of the hint: in the label's place, which is empty then.
-QRectF hint(const QRectF& region);
+QRectF hint(const MarkerLayout& marker);
 
 /// The plate of a region's size: above its top right corner. It never gets in the way of the badge, to
 /// the right of which it stays, nor of the label, which is below the region. Where there is no room
 /// above it is inside the region's top right corner, and right of regions that are too low for it.
-QRectF sizeTag(const QRectF& region, const QSizeF& view);
+QRectF sizeTag(const MarkerLayout& marker, const QSizeF& view);
 
 /// The plate of the size of a region that is being dragged open: above its top left corner, so that it is
 /// not below the pointer's coordinates, or inside where there is no room above.

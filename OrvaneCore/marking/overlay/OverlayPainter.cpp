@@ -4,6 +4,7 @@
 #include "OrvaneCore/drawing/PainterState.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
+#include "OrvaneCore/marking/editing/AnnotationScenePainter.h"
 #include "OrvaneCore/marking/overlay/OverlayBounds.h"
 #include "OrvaneCore/marking/overlay/OverlayFonts.h"
 #include "OrvaneCore/marking/overlay/OverlayLayout.h"
@@ -20,10 +21,6 @@
 namespace orvane {
 
 namespace {
-
-constexpr QRgb yellow = 0xFFFFCC00;
-constexpr qreal crosshairWidth = 0.5;
-constexpr qreal outlineWidth = 2;
 
 struct Dashes {
     qreal length;
@@ -50,11 +47,9 @@ public:
             drawMarker(marker);
         if (const auto rect = currentRectInView(m_scene); rect && m_bounds.currentRect().touches(m_exposed))
             drawCurrentRect(*rect);
-        for (const Annotation& annotation : m_scene.annotations)
-            drawAnnotation(annotation);
-        if (m_scene.draft)
-            drawAnnotation(*m_scene.draft);
-        drawSelection();
+        paintAnnotations(m_painter, m_scene.shapes, m_exposed);
+        if (m_bounds.selectedMarker().touches(m_exposed))
+            annotation_renderer::drawHandleDots(m_painter, selectedCornersInView(m_scene), 1);
         if (const auto pointer = pointerInView(m_scene); pointer && m_bounds.crosshair().touches(m_exposed))
             drawCrosshair(*pointer);
         if (m_bounds.instructions().touches(m_exposed))
@@ -64,7 +59,7 @@ public:
 private:
     /// All but the regions. Where two of them overlap it is dark again.
     void darken() {
-        const QRectF view({0, 0}, m_scene.size);
+        const QRectF view({0, 0}, m_scene.shapes.size);
         QPainterPath path;
         path.setFillRule(Qt::OddEvenFill);
         path.addRect(QRectF(m_exposed.boundingRect().adjusted(-1, -1, 1, 1)) & view);
@@ -85,22 +80,23 @@ private:
         const PainterState state(m_painter);
         // Whatever is written on the label, it does not leave marks where nobody wipes them off.
         m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
-        marker_painter::draw(m_painter, marker, *region, 1, MarkerStyle::onOverlay,
-                             m_scene.modes.spotlight ? marker_painter::Spotlight::on
-                                                     : marker_painter::Spotlight::off);
-        drawPlate(overlay_layout::sizeTag(*region, m_scene.size), 3, gray(0.12F, 1), OverlayFont::sizeTag,
-                  sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
-        if (marker.label.isEmpty() && !m_scene.modes.ocr) {
+        const MarkerStyle& style = MarkerStyle::onOverlay;
+        const MarkerLayout layout = marker_painter::layout(marker, *region, 1, style, spotlight(m_scene));
+        marker_painter::draw(m_painter, marker, *region, 1, style, spotlight(m_scene));
+        drawPlate(overlay_layout::sizeTag(layout, m_scene.shapes.size), 3, gray(0.12F, 1),
+                  OverlayFont::sizeTag, sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
+        if (hasHint(m_scene, marker)) {
             // White alone could not be read on a white window.
-            drawPlate(overlay_layout::hint(*region), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
+            drawPlate(overlay_layout::hint(layout), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
                       withAlpha(Qt::white, 0.75F));
         }
     }
 
     void drawCurrentRect(const QRectF& rect) {
-        m_painter.fillRect(rect, withAlpha(QColor(yellow), 0.2F));
-        const QColor color = withAlpha(QColor(yellow), 0.8F);
-        const qreal half = outlineWidth / 2;
+        m_painter.fillRect(rect, withAlpha(QColor(overlay_layout::currentRectColor), 0.2F));
+        const QColor color = withAlpha(QColor(overlay_layout::currentRectColor), 0.8F);
+        constexpr qreal outlineWidth = overlay_layout::currentRectOutline;
+        constexpr qreal half = outlineWidth / 2;
         const QRectF outer = rect.adjusted(-half, -half, half, half);
         for (const qreal y : {outer.top(), outer.bottom() - outlineWidth})
             drawRow({outer.left(), y, outer.width(), outlineWidth}, outlineDashes, color);
@@ -108,36 +104,13 @@ private:
         const qreal height = outer.height() - 2 * outlineWidth;
         for (const qreal x : {outer.left(), outer.right() - outlineWidth})
             drawColumn({x, outer.top() + outlineWidth, outlineWidth, height}, outlineDashes, color);
-        drawPlate(overlay_layout::dimensionLabel(rect, m_scene.size), 4, gray(0.12F, 0.9F),
+        drawPlate(overlay_layout::dimensionLabel(rect, m_scene.shapes.size), 4, gray(0.12F, 0.9F),
                   OverlayFont::plate, dimensionText(rect.size()), Qt::white);
     }
 
-    void drawAnnotation(const Annotation& annotation) {
-        const VisualBounds bounds = m_bounds.annotation(annotation);
-        if (!bounds.touches(m_exposed))
-            return;
-        const PainterState state(m_painter);
-        m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
-        annotation_renderer::draw(m_painter, annotation, PointMap{.origin = m_scene.origin}, 1);
-    }
-
-    void drawSelection() {
-        const Annotation* annotation = selectedAnnotation(m_scene);
-        if (annotation != nullptr && m_bounds.selectedAnnotation().touches(m_exposed)) {
-            annotation_renderer::drawSelectionHandles(m_painter, *annotation,
-                                                      PointMap{.origin = m_scene.origin}, 1);
-        }
-        const Marker* marker = selectedMarker(m_scene);
-        const auto region = marker != nullptr ? regionInView(m_scene, *marker) : std::nullopt;
-        if (region && m_bounds.selectedMarker().touches(m_exposed)) {
-            annotation_renderer::drawHandleDots(
-                m_painter,
-                {region->topLeft(), region->topRight(), region->bottomLeft(), region->bottomRight()}, 1);
-        }
-    }
-
     void drawCrosshair(const QPointF& pointer) {
-        const QSizeF view = m_scene.size;
+        constexpr qreal crosshairWidth = overlay_layout::crosshairWidth;
+        const QSizeF view = m_scene.shapes.size;
         const QPointF corner = onPixel(pointer);
         const QColor color = withAlpha(Qt::white, 0.4F);
         drawRow({0, corner.y(), view.width(), crosshairWidth}, crosshairDashes, color);
@@ -149,7 +122,7 @@ private:
 
     void drawInstructions() {
         const QString text = overlayInstructions(m_scene);
-        const QRectF place = overlay_layout::instructionsText(text, m_scene.size);
+        const QRectF place = overlay_layout::instructionsText(text, m_scene.shapes.size);
         drawGround(overlay_layout::instructionsPill(place), 14, withAlpha(Qt::black, 0.75F));
         drawOverlayText(m_painter, OverlayFont::instructions, text, place.topLeft(), Qt::white);
     }

@@ -222,16 +222,16 @@ void OverlayView::refresh() {
 
 OverlayScene OverlayView::scene() const {
     const MarkerManager& manager = m_document.manager;
-    return {.size = size(),
-            .origin = m_frame.topLeft(),
+    return {.shapes = {.size = size(),
+                       .origin = m_frame.topLeft(),
+                       .annotations = manager.annotations(),
+                       .selectedId = manager.selectedAnnotationId(),
+                       .draft = m_gestures.draft()},
             .modes = manager.modes(),
             .markers = manager.markers(),
-            .annotations = manager.annotations(),
             .selectedMarkerId = manager.selectedMarkerId(),
-            .selectedAnnotationId = manager.selectedAnnotationId(),
             .currentRect = m_gestures.currentRect(),
-            .mousePosition = m_gestures.mousePosition(),
-            .draft = m_gestures.draft()};
+            .mousePosition = m_gestures.mousePosition()};
 }
 
 } // namespace orvane

@@ -18,19 +18,19 @@ constexpr std::array badNumbers{notANumber, infinite, -infinite, 1e300, -1e300, 
 OverlayScene scene() {
     OverlayScene result = emptyScene({200, 150});
     result.markers = {markerAt({40, 80, 60, 40}, u"Note"_s), markerAt({120, 80, 60, 40}, {}, 2)};
-    result.annotations.reserve(6);
+    result.shapes.annotations.reserve(6);
     for (const Annotation::Kind kind :
          {Annotation::Kind::arrow, Annotation::Kind::box, Annotation::Kind::ellipse,
           Annotation::Kind::highlight, Annotation::Kind::text, Annotation::Kind::image}) {
-        result.annotations.push_back(shapeAt(kind, {30, 70}, {150, 120}));
-        result.annotations.back().text = u"Text"_s;
-        result.annotations.back().label = u"Label"_s;
+        result.shapes.annotations.push_back(shapeAt(kind, {30, 70}, {150, 120}));
+        result.shapes.annotations.back().text = u"Text"_s;
+        result.shapes.annotations.back().label = u"Label"_s;
     }
     result.selectedMarkerId = result.markers[0].id;
-    result.selectedAnnotationId = result.annotations[5].id;
+    result.shapes.selectedId = result.shapes.annotations[5].id;
     result.currentRect = QRectF(20, 70, 50, 50);
     result.mousePosition = QPointF(70, 120);
-    result.draft = result.annotations[0];
+    result.shapes.draft = result.shapes.annotations[0];
     return result;
 }
 
@@ -40,7 +40,7 @@ void expectHarmless(const OverlayScene& bad) {
     const QImage expected = pictureOf(good);
     QImage picture = expected;
     repaint(picture, bad, damage(good, bad));
-    if (bad.size == good.size) {
+    if (bad.shapes.size == good.shapes.size) {
         EXPECT_EQ(picture, pictureOf(bad));
     }
     repaint(picture, good, damage(bad, good));
@@ -66,20 +66,20 @@ TEST(OverlayBadInput, Markers) {
 
 TEST(OverlayBadInput, Annotations) {
     for (const qreal number : badNumbers) {
-        for (std::size_t i = 0; i < scene().annotations.size(); ++i) {
+        for (std::size_t i = 0; i < scene().shapes.annotations.size(); ++i) {
             OverlayScene bad = scene();
-            bad.annotations[i].start.setX(number);
+            bad.shapes.annotations[i].start.setX(number);
             expectHarmless(bad);
-            bad.annotations[i].end = {number, number};
-            expectHarmless(bad);
-            bad = scene();
-            bad.annotations[i].strokeWidth = number;
-            bad.annotations[i].rotation = number;
-            bad.selectedAnnotationId = bad.annotations[i].id;
+            bad.shapes.annotations[i].end = {number, number};
             expectHarmless(bad);
             bad = scene();
-            bad.draft = bad.annotations[i];
-            bad.draft->end.setY(number);
+            bad.shapes.annotations[i].strokeWidth = number;
+            bad.shapes.annotations[i].rotation = number;
+            bad.shapes.selectedId = bad.shapes.annotations[i].id;
+            expectHarmless(bad);
+            bad = scene();
+            bad.shapes.draft = bad.shapes.annotations[i];
+            bad.shapes.draft->end.setY(number);
             expectHarmless(bad);
         }
     }
@@ -110,13 +110,13 @@ TEST(OverlayBadInput, PointerAndDraggedRegion) {
 TEST(OverlayBadInput, PlaceAndSizeOfTheView) {
     for (const qreal number : badNumbers) {
         OverlayScene bad = scene();
-        bad.origin = {number, 0};
+        bad.shapes.origin = {number, 0};
         expectHarmless(bad);
     }
     for (const QSizeF& size : {QSizeF(notANumber, 100), QSizeF(100, infinite), QSizeF(0, 100), QSizeF(-5, -5),
                                QSizeF(0.5, 0.5), QSizeF(1e300, 1e300)}) {
         OverlayScene bad = scene();
-        bad.size = size;
+        bad.shapes.size = size;
         expectHarmless(bad);
     }
 }
@@ -126,8 +126,8 @@ TEST(OverlayBadInput, LabelsAndTextsOfManyCharacters) {
                                 QString(10000, u' ')}) {
         OverlayScene bad = scene();
         bad.markers[0].label = text;
-        bad.annotations[0].label = text;
-        bad.annotations[4].text = text;
+        bad.shapes.annotations[0].label = text;
+        bad.shapes.annotations[4].text = text;
         expectHarmless(bad);
     }
 }

@@ -38,48 +38,44 @@ QRectF badgeOf(const QRectF& region) {
 
 TEST(OverlayLayout, SizeTagIsClearOfBadgeLabelAndHint) {
     for (const QRectF& region : regions()) {
-        const QRectF tag = overlay_layout::sizeTag(region, view);
+        const QRectF tag = overlay_layout::sizeTag(placed(region), view);
         const auto where = [&region] {
             return testing::Message()
                    << region.x() << "," << region.y() << " " << region.width() << "x" << region.height();
         };
         EXPECT_FALSE(tag.intersects(badgeOf(region))) << where();
-        EXPECT_FALSE(tag.intersects(overlay_layout::label(region, u"A label"_s))) << where();
-        EXPECT_FALSE(tag.intersects(overlay_layout::hint(region))) << where();
+        EXPECT_FALSE(tag.intersects(placed(region, u"A label"_s).label->capsule)) << where();
+        EXPECT_FALSE(tag.intersects(overlay_layout::hint(placed(region)))) << where();
         EXPECT_GE(tag.top(), std::min(region.top(), 0.0)) << where();
     }
 }
 
 TEST(OverlayLayout, SizeTagIsAboveTheTopRightCorner) {
     const QRectF region(100, 200, 300, 150);
-    const QRectF tag = overlay_layout::sizeTag(region, view);
+    const QRectF tag = overlay_layout::sizeTag(placed(region), view);
     EXPECT_EQ(tag.right(), 400);
     EXPECT_EQ(tag.bottom(), 196);
     EXPECT_GE(tag.width(), overlayTextSize(OverlayFont::sizeTag, u" 300x150 "_s).width());
 }
 
 TEST(OverlayLayout, SizeTagIsInsideAtTheTopOfTheView) {
-    const QRectF tag = overlay_layout::sizeTag({100, 3, 300, 150}, view);
+    const QRectF tag = overlay_layout::sizeTag(placed({100, 3, 300, 150}), view);
     EXPECT_EQ(tag.right(), 396);
     EXPECT_EQ(tag.top(), 7);
-    const QRectF besideLow = overlay_layout::sizeTag({100, 3, 300, 12}, view);
+    const QRectF besideLow = overlay_layout::sizeTag(placed({100, 3, 300, 12}), view);
     EXPECT_EQ(besideLow.left(), 404);
 }
 
 TEST(OverlayLayout, SizeTagStaysInTheViewWithItsRegionPartlyOutside) {
-    const QRectF tag = overlay_layout::sizeTag({600, 200, 900, 150}, view);
+    const QRectF tag = overlay_layout::sizeTag(placed({600, 200, 900, 150}), view);
     EXPECT_LE(tag.right(), view.width());
     EXPECT_GE(tag.left(), 618);
 }
 
-TEST(OverlayLayout, LabelAndHintAreBelowTheRegionAtItsLeftEdge) {
+TEST(OverlayLayout, HintIsWhereALabelWouldBe) {
     const QRectF region(100, 200, 300, 150);
-    const QRectF label = overlay_layout::label(region, u"Note"_s);
-    EXPECT_EQ(label.topLeft(), QPointF(100, 356));
-    const QSizeF text = overlayTextSize(OverlayFont::label, u"Note"_s);
-    EXPECT_DOUBLE_EQ(label.width(), text.width() + 31);
-    EXPECT_DOUBLE_EQ(label.height(), text.height() + 8);
-    EXPECT_EQ(overlay_layout::hint(region).topLeft(), QPointF(100, 356));
+    EXPECT_EQ(placed(region, u"Note"_s).label->capsule.topLeft(), QPointF(100, 356));
+    EXPECT_EQ(overlay_layout::hint(placed(region)).topLeft(), QPointF(100, 356));
 }
 
 TEST(OverlayLayout, CoordinatePlateIsBesideThePointerAndInsideTheView) {

@@ -67,8 +67,8 @@ TEST_P(PaintsOverlay, SpotlightWithoutRegionsDarkensAll) {
 
 TEST_P(PaintsOverlay, MarkersWhereTheirGlobalRegionsAre) {
     OverlayScene scene = emptyScene();
-    scene.origin = {-1000, 500};
-    scene.markers = {markerAt(region.translated(scene.origin))};
+    scene.shapes.origin = {-1000, 500};
+    scene.markers = {markerAt(region.translated(scene.shapes.origin))};
     const QImage shown = picture(scene, black);
     EXPECT_TRUE(isFilled(shown, pixels({80, 130, 120, 60}), blended(blue, 0.09, black)));
     // The badge, left of its number.
@@ -79,7 +79,7 @@ TEST_P(PaintsOverlay, MarkersWhereTheirGlobalRegionsAre) {
 TEST_P(PaintsOverlay, SizeTagAtTheTopRightOfTheRegion) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
-    const QRectF tag = overlay_layout::sizeTag(region, scene.size);
+    const QRectF tag = overlay_layout::sizeTag(placed(region), scene.shapes.size);
     const QImage shown = picture(scene);
     EXPECT_TRUE(isFilled(shown, pixels({tag.left() + 1, tag.top() + 4, 3, tag.height() - 8}), plateGround));
     EXPECT_TRUE(isWritten(shown, tag.adjusted(1, 1, -1, -1), plateGround));
@@ -90,7 +90,7 @@ TEST_P(PaintsOverlay, SizeTagAtTheTopRightOfTheRegion) {
 TEST_P(PaintsOverlay, HintWhereALabelWouldBe) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
-    const QRectF hint = overlay_layout::hint(region);
+    const QRectF hint = overlay_layout::hint(placed(region));
     const QRgb plate = blended(plateGround, 0.6, white);
     EXPECT_TRUE(isWritten(picture(scene), hint.adjusted(1, 1, -1, -1), plate));
     scene.modes.ocr = true;
@@ -118,7 +118,7 @@ TEST_P(PaintsOverlay, RegionThatIsDraggedOpen) {
     EXPECT_TRUE(isFilled(shown, pixels({59, 200, 6, 1}), dash));
     EXPECT_TRUE(isFilled(shown, pixels({220, 70, 170, 230}), white));
 
-    const QRectF label = overlay_layout::dimensionLabel(region, scene.size);
+    const QRectF label = overlay_layout::dimensionLabel(region, scene.shapes.size);
     EXPECT_TRUE(isWritten(shown, label.adjusted(1, 1, -1, -1), blended(plateGround, 0.9, white)));
 }
 
@@ -147,22 +147,22 @@ TEST_P(PaintsOverlay, CrosshairOverTheWholeView) {
 
 TEST_P(PaintsOverlay, CoordinatePlateSaysWhereThePointerIsGlobally) {
     OverlayScene scene = emptyScene();
-    scene.origin = {1000, -200};
+    scene.shapes.origin = {1000, -200};
     scene.mousePosition = QPointF(120, 150);
-    const QRectF plate = overlay_layout::coordinatePlate({120, 150}, u"1120, -50"_s, scene.size);
+    const QRectF plate = overlay_layout::coordinatePlate({120, 150}, u"1120, -50"_s, scene.shapes.size);
     const QRgb ground = blended(plateGround, 0.9, white);
     const QImage shown = picture(scene);
     EXPECT_TRUE(isWritten(shown, plate.adjusted(2, 2, -2, -2), ground));
     EXPECT_TRUE(isFilled(shown, pixels({plate.left() + 1, plate.top() + 5, 3, 8}), ground));
     EXPECT_TRUE(isFilled(shown, pixels({plate.right() + 1, plate.top(), 60, plate.height()}), white));
-    scene.origin = {2000, -200};
+    scene.shapes.origin = {2000, -200};
     EXPECT_NE(picture(scene), shown);
 }
 
 TEST_P(PaintsOverlay, InstructionsInAPill) {
     const OverlayScene scene = emptyScene();
     const QImage shown = picture(scene);
-    const QRectF text = overlay_layout::instructionsText(overlayInstructions({}, 0), scene.size);
+    const QRectF text = overlay_layout::instructionsText(overlayInstructions({}, 0), scene.shapes.size);
     const QRectF pill = overlay_layout::instructionsPill(text);
     const QRgb ground = blended(black, 0.75, white);
     EXPECT_TRUE(isFilled(shown, pixels({pill.left() + 14, pill.top() + 1, pill.width() - 28, 4}), ground));
@@ -179,22 +179,22 @@ TEST_P(PaintsOverlay, InstructionsInAPill) {
 TEST_P(PaintsOverlay, SelectionHandles) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
-    scene.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
+    scene.shapes.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
     scene.selectedMarkerId = scene.markers[0].id;
     const QImage onMarker = picture(scene, black);
     for (const QPointF& corner : {QPointF(60, 110), QPointF(210, 110), QPointF(60, 200), QPointF(210, 200)})
         EXPECT_TRUE(isAt(onMarker, corner + QPointF(1, 1), white));
     EXPECT_FALSE(isAt(onMarker, {250, 120}, white, 40));
     scene.selectedMarkerId.reset();
-    scene.selectedAnnotationId = scene.annotations[0].id;
+    scene.shapes.selectedId = scene.shapes.annotations[0].id;
     const QImage onShape = picture(scene, black);
     EXPECT_TRUE(isAt(onShape, {250, 120}, white));
     EXPECT_TRUE(isAt(onShape, {330, 240}, white));
     EXPECT_FALSE(isAt(onShape, {211, 201}, white, 40));
-    scene.selectedAnnotationId = QUuid::createUuid();
+    scene.shapes.selectedId = QUuid::createUuid();
     scene.selectedMarkerId = QUuid::createUuid();
     const QImage unknown = picture(scene, black);
-    scene.selectedAnnotationId.reset();
+    scene.shapes.selectedId.reset();
     scene.selectedMarkerId.reset();
     EXPECT_EQ(unknown, picture(scene, black));
 }
@@ -209,18 +209,18 @@ TEST_P(PaintsOverlay, LayersLieInTheirOrder) {
     scene.currentRect = QRectF(100, 120, 90, 60);
     expected = blended(yellow, 0.2, expected);
     EXPECT_LE(colorDistance(at(), expected), 2);
-    scene.annotations = {shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, red)};
+    scene.shapes.annotations = {shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, red)};
     expected = blended(red, 0.35, expected);
     EXPECT_LE(colorDistance(at(), expected), 2);
-    scene.annotations.push_back(shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, blue));
+    scene.shapes.annotations.push_back(shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, blue));
     expected = blended(blue, 0.35, expected);
     EXPECT_LE(colorDistance(at(), expected), 3);
-    scene.draft = shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, black);
+    scene.shapes.draft = shapeAt(Annotation::Kind::highlight, {110, 130}, {180, 170}, black);
     expected = blended(black, 0.35, expected);
     EXPECT_LE(colorDistance(at(), expected), 3);
     // The handles of what is selected are above all shapes, and the plate of the pointer above them.
-    scene.annotations.push_back(shapeAt(Annotation::Kind::box, place, {250, 250}));
-    scene.selectedAnnotationId = scene.annotations.back().id;
+    scene.shapes.annotations.push_back(shapeAt(Annotation::Kind::box, place, {250, 250}));
+    scene.shapes.selectedId = scene.shapes.annotations.back().id;
     EXPECT_EQ(at(), white);
     scene.mousePosition = place - QPointF(17, 16);
     EXPECT_LE(colorDistance(at(), blended(plateGround, 0.9, white)), 1);
@@ -229,9 +229,10 @@ TEST_P(PaintsOverlay, LayersLieInTheirOrder) {
 TEST_P(PaintsOverlay, InstructionsAreAboveAll) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt({20, 10, 360, 120})};
-    scene.annotations = {shapeAt(Annotation::Kind::highlight, {0, 0}, {400, 100}, white)};
+    scene.shapes.annotations = {shapeAt(Annotation::Kind::highlight, {0, 0}, {400, 100}, white)};
     const QString text = overlayInstructions({}, 1);
-    const QRectF pill = overlay_layout::instructionsPill(overlay_layout::instructionsText(text, scene.size));
+    const QRectF pill =
+        overlay_layout::instructionsPill(overlay_layout::instructionsText(text, scene.shapes.size));
     const QRgb under = blended(white, 0.35, blended(blue, 0.09, white));
     EXPECT_TRUE(
         isFilled(picture(scene), pixels({200, pill.top() + 1, 60, 4}), blended(black, 0.75, under), 2));
@@ -240,8 +241,8 @@ TEST_P(PaintsOverlay, InstructionsAreAboveAll) {
 TEST_P(PaintsOverlay, OnlyWhatIsExposed) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region, u"Note"_s)};
-    scene.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
-    QImage shown = viewGround(scene.size, ratio(), white);
+    scene.shapes.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
+    QImage shown = viewGround(scene.shapes.size, ratio(), white);
     QPainter painter(&shown);
     paintOverlay(painter, scene, QRect(0, 260, 400, 40));
     EXPECT_TRUE(inkBounds(shown).isEmpty());
@@ -256,12 +257,12 @@ TEST_P(PaintsOverlay, ThePainterIsLeftAsItWas) {
     OverlayScene scene = emptyScene();
     scene.modes.spotlight = true;
     scene.markers = {markerAt(region), markerAt({250, 150, 80, 60}, u"Note"_s, 2)};
-    scene.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
+    scene.shapes.annotations = {shapeAt(Annotation::Kind::arrow, {250, 120}, {330, 240})};
     scene.selectedMarkerId = scene.markers[0].id;
-    scene.selectedAnnotationId = scene.annotations[0].id;
+    scene.shapes.selectedId = scene.shapes.annotations[0].id;
     scene.currentRect = QRectF(100, 100, 100, 100);
     scene.mousePosition = QPointF(200, 200);
-    QImage shown = viewGround(scene.size, ratio(), white);
+    QImage shown = viewGround(scene.shapes.size, ratio(), white);
     QPainter painter(&shown);
     setUnusual(painter);
     const PainterSettings before(painter);

@@ -28,11 +28,11 @@ public:
         : m_random(seed)
         , m_drawsPictures(drawsPictures) {
         scene = emptyScene({371, 263});
-        scene.origin = {-1500.5, 120};
+        scene.shapes.origin = {-1500.5, 120};
         scene.modes.spotlight = spotlight;
         for (int i = 0; i < 3; ++i) {
             addMarker();
-            scene.annotations.push_back(annotation());
+            scene.shapes.annotations.push_back(annotation());
         }
     }
 
@@ -60,7 +60,7 @@ public:
             return onMarker("marker selected",
                             [this](const Marker& marker) { scene.selectedMarkerId = marker.id; });
         case 6:
-            scene.annotations.push_back(annotation());
+            scene.shapes.annotations.push_back(annotation());
             return "annotation added";
         case 7:
             return onAnnotation("annotation moved", [this](Annotation& annotation) {
@@ -76,19 +76,19 @@ public:
                 annotation.label = label();
             });
         case 10:
-            scene.selectedAnnotationId.reset();
+            scene.shapes.selectedId.reset();
             return onAnnotation("annotation selected", [this](const Annotation& annotation) {
-                scene.selectedAnnotationId = annotation.id;
+                scene.shapes.selectedId = annotation.id;
             });
         case 11:
-            if (!scene.annotations.empty())
-                scene.annotations.erase(scene.annotations.begin() +
-                                        m_random.bounded(int(scene.annotations.size())));
+            if (!scene.shapes.annotations.empty())
+                scene.shapes.annotations.erase(scene.shapes.annotations.begin() +
+                                               m_random.bounded(int(scene.shapes.annotations.size())));
             return "annotation removed";
         case 12:
-            scene.draft.reset();
+            scene.shapes.draft.reset();
             if (m_random.bounded(3) != 0)
-                scene.draft = annotation();
+                scene.shapes.draft = annotation();
             return "draft";
         case 13:
             scene.mousePosition.reset();
@@ -113,8 +113,8 @@ public:
         }
         if (scene.markers.size() > 6)
             scene.markers.clear();
-        if (scene.annotations.size() > 6)
-            scene.annotations.clear();
+        if (scene.shapes.annotations.size() > 6)
+            scene.shapes.annotations.clear();
         return "cleared";
     }
 
@@ -143,7 +143,8 @@ private:
             return picture;
         }();
         const auto kind = Annotation::Kind(m_random.bounded(m_drawsPictures ? 6 : 5));
-        Annotation shape = shapeAt(kind, scene.origin + point(), scene.origin + point(), color().rgb());
+        Annotation shape =
+            shapeAt(kind, scene.shapes.origin + point(), scene.shapes.origin + point(), color().rgb());
         shape.text = kind == Annotation::Kind::text ? label() : QString();
         shape.strokeWidth = 3 * (1 + m_random.bounded(4));
         shape.label = m_random.bounded(3) == 0 ? label() : QString();
@@ -153,7 +154,7 @@ private:
     }
 
     void addMarker() {
-        const QRectF rect = QRectF(scene.origin + point(), scene.origin + point()).normalized();
+        const QRectF rect = QRectF(scene.shapes.origin + point(), scene.shapes.origin + point()).normalized();
         scene.markers.push_back(markerAt(rect, label()));
         renumber();
     }
@@ -177,8 +178,8 @@ private:
     }
     template <typename Change>
     std::string onAnnotation(const char* name, Change change) {
-        if (!scene.annotations.empty())
-            change(scene.annotations[size_t(m_random.bounded(int(scene.annotations.size())))]);
+        if (!scene.shapes.annotations.empty())
+            change(scene.shapes.annotations[size_t(m_random.bounded(int(scene.shapes.annotations.size())))]);
         return name;
     }
 
@@ -194,8 +195,8 @@ bool showsPictures(const OverlayScene& scene) {
     const auto isPicture = [](const Annotation& annotation) {
         return annotation.kind == Annotation::Kind::image;
     };
-    return std::any_of(scene.annotations.begin(), scene.annotations.end(), isPicture) ||
-           (scene.draft && isPicture(*scene.draft));
+    return std::any_of(scene.shapes.annotations.begin(), scene.shapes.annotations.end(), isPicture) ||
+           (scene.shapes.draft && isPicture(*scene.shapes.draft));
 }
 
 struct Case {

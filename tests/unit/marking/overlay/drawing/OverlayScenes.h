@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/marking/MarkerPainter.h"
 #include "OrvaneCore/marking/overlay/OverlayPainter.h"
 #include "tests/support/DrawnPixels.h"
 
@@ -35,12 +36,18 @@ inline std::string nameOfScale(qreal scale) {
 
 inline OverlayScene emptyScene(const QSizeF& size = {400, 300}) {
     OverlayScene scene;
-    scene.size = size;
+    scene.shapes.size = size;
     return scene;
 }
 
 inline Marker markerAt(const QRectF& rect, const QString& label = {}, int index = 1, QRgb color = blue) {
     return {.rect = rect, .label = label, .color = QColor(color), .index = index};
+}
+
+/// Where the layers of a marker with that region in the view lie.
+inline MarkerLayout placed(const QRectF& region, const QString& label = {}) {
+    return marker_painter::layout(markerAt({}, label), region, 1, MarkerStyle::onOverlay,
+                                  marker_painter::Spotlight::off);
 }
 
 inline Annotation shapeAt(Annotation::Kind kind, const QPointF& start, const QPointF& end, QRgb color = red) {
@@ -57,12 +64,12 @@ inline QImage viewGround(const QSizeF& size, qreal ratio, QRgb under) {
 }
 
 inline QRegion wholeOf(const OverlayScene& scene) {
-    return QRectF({0, 0}, scene.size).toAlignedRect();
+    return QRectF({0, 0}, scene.shapes.size).toAlignedRect();
 }
 
 /// Of a whole scene.
 inline QImage pictureOf(const OverlayScene& scene, qreal ratio = 1, QRgb under = white) {
-    QImage picture = viewGround(scene.size, ratio, under);
+    QImage picture = viewGround(scene.shapes.size, ratio, under);
     QPainter painter(&picture);
     paintOverlay(painter, scene, wholeOf(scene));
     painter.end();
