@@ -59,8 +59,8 @@ private:
 
     Observers m_observers;
     AnnotationTool m_tool = AnnotationTool::select;
-    QColor m_color = QColor::fromRgb(MarkupColors::defaultColor);
-    qreal m_strokeWidth = MarkupColors::strokePresets[1];
+    QColor m_color = QColor::fromRgb(markup_colors::defaultColor);
+    qreal m_strokeWidth = markup_colors::strokePresets[1];
     std::optional<QUuid> m_selectedId;
     std::vector<Annotation> m_annotations;
 };

@@ -178,7 +178,7 @@ TEST_F(MarkupPaletteTest, GivesNothingToASelectionThatCannotBeChanged) {
     test::click(stroke(0));
     EXPECT_EQ(store.annotations()[0].color, QColor(Qt::cyan));
     EXPECT_EQ(store.annotations()[0].strokeWidth, 1);
-    EXPECT_EQ(store.markupColor(), QColor::fromRgb(MarkupColors::presets[1]));
+    EXPECT_EQ(store.markupColor(), QColor::fromRgb(markup_colors::presets[1]));
     EXPECT_EQ(store.markupStrokeWidth(), 3);
     EXPECT_EQ(changes, 2);
 }
