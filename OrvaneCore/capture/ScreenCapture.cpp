@@ -30,17 +30,15 @@ QSize truncated(const QSizeF& size) {
 } // namespace
 
 WindowCapture ScreenCapture::captureWindow(qint64 windowId, bool showsCursor) {
-    const ShareableContent content = listContent();
-    const auto window =
-        std::find_if(content.windows.begin(), content.windows.end(),
-                     [windowId](const ShareableWindow& candidate) { return candidate.windowId == windowId; });
-    if (window == content.windows.end())
+    const ShareableContent content = listContent({windowId});
+    if (content.windows.empty())
         throw OrvaneError::windowNotFound(windowId);
+    const ShareableWindow& window = content.windows.front();
 
-    const QSizeF frame = window->framePoints.size();
-    const int scale = scaleFactorAt(content.displays, window->framePoints);
+    const QSizeF frame = window.framePoints.size();
+    const int scale = scaleFactorAt(content.displays, window.framePoints);
     const QSize target = truncated(frame * scale);
-    QImage image = m_source.captureWindow(windowId, showsCursor);
+    QImage image = m_source.captureWindow(window, showsCursor);
     if (target.width() < smallestSide || target.height() < smallestSide) {
         const QSizeF contentSize = QSizeF(image.size()) / scale;
         const bool contentIsLarger =
@@ -58,7 +56,7 @@ WindowCapture ScreenCapture::captureWindow(qint64 windowId, bool showsCursor) {
 }
 
 QImage ScreenCapture::captureRegion(qint64 x, qint64 y, qint64 width, qint64 height, bool showsCursor) {
-    const ShareableContent content = listContent();
+    const ShareableContent content = listContent({});
     if (content.displays.empty())
         throw OrvaneError::displayNotFound();
     const QPointF corner(static_cast<qreal>(x), static_cast<qreal>(y));
@@ -100,13 +98,14 @@ QByteArray ScreenCapture::resizeForLLM(const QByteArray& png, int maxDimension) 
     return resized.isEmpty() ? png : resized;
 }
 
-ShareableContent ScreenCapture::listContent() {
-    return withThrowingTimeout(
-        listingLimitSeconds, [this](std::stop_token stop) { return m_source.listContent(std::move(stop)); });
+ShareableContent ScreenCapture::listContent(const std::vector<qint64>& windowIds) {
+    return withThrowingTimeout(m_watchdog, listingLimitSeconds, [&](std::stop_token stop) {
+        return m_source.listContent(windowIds, std::move(stop));
+    });
 }
 
 Display ScreenCapture::displayWithId(quint32 displayId) {
-    const ShareableContent content = listContent();
+    const ShareableContent content = listContent({});
     const auto display = std::find_if(content.displays.begin(), content.displays.end(),
                                       [displayId](const Display& d) { return d.id == displayId; });
     if (display == content.displays.end())

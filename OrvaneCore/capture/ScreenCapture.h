@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/capture/Watchdog.h"
 #include "OrvaneCore/platform/Displays.h"
 #include "OrvaneCore/platform/PngWriter.h"
 #include "OrvaneCore/platform/ScreenSource.h"
@@ -21,9 +22,9 @@ struct WindowCapture {
     int height = 0;
 };
 
-/// Takes pictures of the screen. Every capture first lists what can be captured, and that listing may take
-/// five seconds: then OrvaneError::permissionDenied is thrown. Errors of the desktop (PlatformError) pass
-/// unchanged. Any thread; captures may run side by side; no state.
+/// Takes pictures of the screen. Every capture first lists the displays, and the window where it is one of a
+/// window, and that listing may take five seconds: then OrvaneError::permissionDenied is thrown. Errors of
+/// the desktop (PlatformError) pass unchanged. Any thread; captures may run side by side; no state.
 class ScreenCapture {
 public:
     ScreenCapture(ScreenSource& source, Displays& displays, const PngWriter& pngWriter)
@@ -62,12 +63,13 @@ public:
     QByteArray resizeForLLM(const QByteArray& png, int maxDimension) const;
 
 private:
-    ShareableContent listContent();
+    ShareableContent listContent(const std::vector<qint64>& windowIds);
     Display displayWithId(quint32 displayId);
 
     ScreenSource& m_source;
     Displays& m_displays;
     const PngWriter& m_pngWriter;
+    Watchdog m_watchdog;
 };
 
 /// The scale at the top-left corner of the rectangle, truncated to an integer: that of the first display that

@@ -1,35 +1,40 @@
 #pragma once
 
 #include "OrvaneCore/capture/OrvaneError.h"
+#include "OrvaneCore/capture/Watchdog.h"
 
 #include <chrono>
-#include <future>
 #include <stop_token>
-#include <thread>
 #include <type_traits>
-#include <utility>
 
 namespace orvane {
 
 /// How long a desktop may take to tell what there is on it.
 inline constexpr double listingLimitSeconds = 5.0;
 
-/// Runs `operation(std::stop_token)` on a thread of its own and gives its result or exception. After
-/// `seconds` the operation is asked to stop, which it must do soon; when it has,
-/// OrvaneError::permissionDenied is thrown: a desktop that does not answer is what a missing permission looks
-/// like. Any thread; the caller waits.
+/// Runs `operation(std::stop_token)` and gives its result or exception. After `seconds` the operation is
+/// asked to stop, which it must do soon; when it has, OrvaneError::permissionDenied is thrown, whatever came
+/// of it: a desktop that does not answer is what a missing permission looks like. Any thread; the operation
+/// runs on the caller's.
 template <typename Operation>
-auto withThrowingTimeout(double seconds, Operation operation) {
-    using Result = std::invoke_result_t<Operation, std::stop_token>;
-    std::packaged_task<Result(std::stop_token)> task(std::move(operation));
-    std::future<Result> result = task.get_future();
-    std::jthread worker(std::move(task));
-    if (result.wait_for(std::chrono::duration<double>(seconds)) != std::future_status::ready) {
-        worker.request_stop();
-        worker.join();
-        throw OrvaneError::permissionDenied();
+auto withThrowingTimeout(Watchdog& watchdog, double seconds, Operation operation)
+    -> std::invoke_result_t<Operation, std::stop_token> {
+    const Watchdog::Watch watch(watchdog, std::chrono::duration<double>(seconds));
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Operation, std::stop_token>>) {
+            operation(watch.token());
+            if (!watch.isLate())
+                return;
+        } else {
+            auto result = operation(watch.token());
+            if (!watch.isLate())
+                return result;
+        }
+    } catch (...) {
+        if (!watch.isLate())
+            throw;
     }
-    return result.get();
+    throw OrvaneError::permissionDenied();
 }
 
 } // namespace orvane

@@ -140,7 +140,7 @@ std::optional<QString> WindowDiscovery::unavailableReason() {
 
 WindowSnapshot WindowDiscovery::snapshot() {
     return askDesktop([this] {
-        return withThrowingTimeout(listingLimitSeconds, [this](std::stop_token stop) {
+        return withThrowingTimeout(m_watchdog, listingLimitSeconds, [this](std::stop_token stop) {
             return m_windowServer.snapshot(std::move(stop));
         });
     });

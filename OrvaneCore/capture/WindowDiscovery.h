@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/capture/Watchdog.h"
 #include "OrvaneCore/capture/WindowInfo.h"
 #include "OrvaneCore/platform/Displays.h"
 #include "OrvaneCore/platform/WindowServer.h"
@@ -63,6 +64,7 @@ private:
 
     WindowServer& m_windowServer;
     Displays& m_displays;
+    Watchdog m_watchdog;
 };
 
 /// The names, each once, sorted ascending and joined with ", ".

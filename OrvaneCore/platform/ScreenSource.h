@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QRectF>
 
+#include <any>
 #include <stop_token>
 #include <vector>
 
@@ -14,13 +15,17 @@ namespace orvane {
 struct ShareableWindow {
     qint64 windowId = 0;
     /// Global points, with decorations, without shadows.
-    QRectF framePoints;
+    QRectF framePoints = {};
+    /// What the source that listed the window wants to know again when it captures it; means nothing to
+    /// anybody else. May be empty.
+    std::any listed = {};
 };
 
 /// What can be captured at one moment.
 struct ShareableContent {
-    /// The primary display first.
+    /// All of them, the primary display first.
     std::vector<Display> displays;
+    /// Those that were asked for.
     std::vector<ShareableWindow> windows;
 };
 
@@ -32,11 +37,15 @@ class ScreenSource {
 public:
     virtual ~ScreenSource() = default;
 
-    /// A stop request makes a call that waits for the desktop end soon, with a PlatformError.
-    virtual ShareableContent listContent(std::stop_token stop) = 0;
+    /// The displays, and those of the given windows that can be captured now, in the order given: what is not
+    /// asked for costs nothing. A recording asks at every frame. A stop request makes a call that waits for
+    /// the desktop end soon, with a PlatformError.
+    virtual ShareableContent listContent(const std::vector<qint64>& windowIds, std::stop_token stop) = 0;
 
     /// The window alone, also where other windows cover it or where it lies beyond the edge of the desktop.
-    virtual QImage captureWindow(qint64 windowId, bool showsCursor) = 0;
+    /// Takes a window as it was just listed, so that nothing is asked twice, and one with no more than its
+    /// number. Shows the window as it is now, moved or resized since or not.
+    virtual QImage captureWindow(const ShareableWindow& window, bool showsCursor) = 0;
 
     /// What the eye sees in a rectangle in points relative to the top-left of the display. The rectangle may
     /// reach beyond the display; what lies outside the desktop comes out black. The caller sees to it that

@@ -32,11 +32,12 @@ std::optional<QString> HeadlessDesktop::unavailableReason() {
     return noDisplay();
 }
 
-ShareableContent HeadlessDesktop::listContent(std::stop_token /*stop*/) {
+ShareableContent HeadlessDesktop::listContent(const std::vector<qint64>& /*windowIds*/,
+                                              std::stop_token /*stop*/) {
     throw PlatformError(noDisplay());
 }
 
-QImage HeadlessDesktop::captureWindow(qint64 /*windowId*/, bool /*showsCursor*/) {
+QImage HeadlessDesktop::captureWindow(const ShareableWindow& /*window*/, bool /*showsCursor*/) {
     throw PlatformError(noDisplay());
 }
 

@@ -133,9 +133,9 @@ std::optional<QImage> rootBackground(const X11Connection& connection, PixelReade
     const uint32_t below = XCB_STACK_MODE_BELOW;
     xcb_configure_window(connection.raw(), probe, XCB_CONFIG_WINDOW_STACK_MODE, &below);
     xcb_map_window(connection.raw(), probe);
-    auto background = readTopLevel(connection, reader, redirection, probe, area);
+    auto background = readTopLevel(connection, reader, redirection, probe, {QPoint(), area.size()});
     xcb_destroy_window(connection.raw(), probe);
-    return background;
+    return background ? std::optional(std::move(background->image)) : std::nullopt;
 }
 
 void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
@@ -171,12 +171,13 @@ std::optional<QImage> composeWithoutOwnWindows(const X11Connection& connection, 
         const auto opacity =
             requestProperty(connection, topLevel.window, connection.atoms().netWmWindowOpacity).number();
         const QRect visible = topLevel.rect & area;
-        const auto pixels = readTopLevel(connection, reader, redirection, topLevel.window, visible);
+        const auto pixels = readTopLevel(connection, reader, redirection, topLevel.window,
+                                         visible.translated(-topLevel.rect.topLeft()));
         if (!pixels)
             continue;
         painter.setClipRegion(shapeOf(connection, topLevel));
         painter.setOpacity(opacity && composited ? *opacity / fullyOpaque : 1.0);
-        painter.drawImage(visible.topLeft(), *pixels);
+        painter.drawImage(visible.topLeft(), pixels->image);
     }
     return picture;
 }

@@ -44,6 +44,39 @@ qint32 readProcess(const X11Connection& connection,
     return 0;
 }
 
+struct StateRequests {
+    PendingProperty netWmState;
+    PendingProperty wmState;
+    PendingProperty desktop;
+};
+
+StateRequests requestState(const X11Connection& connection, xcb_window_t client) {
+    const Atoms& atoms = connection.atoms();
+    return {requestProperty(connection, client, atoms.netWmState),
+            requestProperty(connection, client, atoms.wmState),
+            requestProperty(connection, client, atoms.netWmDesktop)};
+}
+
+/// What the window manager says of a window.
+struct WindowState {
+    std::vector<uint32_t> states;
+    bool iconic;
+    uint32_t desktop;
+};
+
+WindowState readState(const StateRequests& requests) {
+    return {.states = requests.netWmState.numbers(),
+            .iconic = requests.wmState.number() == iconicState,
+            .desktop = requests.desktop.number().value_or(allDesktops)};
+}
+
+bool isOnScreen(const X11Connection& connection, const WindowState& state, const WindowPlacement& placement,
+                uint32_t currentDesktop) {
+    return placement.viewable && !state.iconic &&
+           !contains(state.states, connection.atoms().netWmStateHidden) &&
+           (state.desktop == allDesktops || state.desktop == currentDesktop);
+}
+
 struct WindowRequests {
     std::optional<xcb_res_query_client_ids_cookie_t> process;
     PendingProperty netWmPid;
@@ -51,9 +84,7 @@ struct WindowRequests {
     PendingProperty wmName;
     PendingProperty wmClass;
     PendingProperty windowType;
-    PendingProperty netWmState;
-    PendingProperty wmState;
-    PendingProperty desktop;
+    StateRequests state;
 };
 
 WindowRequests requestWindow(const X11Connection& connection, xcb_window_t client) {
@@ -61,7 +92,7 @@ WindowRequests requestWindow(const X11Connection& connection, xcb_window_t clien
     const auto property = [&](xcb_atom_t atom) { return requestProperty(connection, client, atom); };
     return {requestProcess(connection, client), property(atoms.netWmPid),    property(atoms.netWmName),
             property(XCB_ATOM_WM_NAME),         property(XCB_ATOM_WM_CLASS), property(atoms.netWmWindowType),
-            property(atoms.netWmState),         property(atoms.wmState),     property(atoms.netWmDesktop)};
+            requestState(connection, client)};
 }
 
 ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, const WindowRequests& requests,
@@ -86,23 +117,19 @@ ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, c
     window.className = QString::fromLatin1(classParts.value(1));
 
     const std::vector<uint32_t> types = requests.windowType.numbers();
-    const std::vector<uint32_t> states = requests.netWmState.numbers();
+    const WindowState state = readState(requests.state);
     // The types come in order of preference; the first one says what the window is.
     const xcb_atom_t type = types.empty() ? xcb_atom_t(XCB_ATOM_NONE) : types.front();
-    const bool skipsTaskList = contains(states, atoms.netWmStateSkipTaskbar);
+    const bool skipsTaskList = contains(state.states, atoms.netWmStateSkipTaskbar);
     window.desktopPart =
         type != XCB_ATOM_NONE && (type == atoms.netWmWindowTypeDesktop || type == atoms.netWmWindowTypeDock);
     window.floating = type != XCB_ATOM_NONE &&
                       (type == atoms.netWmWindowTypeUtility || type == atoms.netWmWindowTypeToolbar ||
                        type == atoms.netWmWindowTypeSplash);
-    window.floating = window.floating || (skipsTaskList && contains(states, atoms.netWmStateAbove));
+    window.floating = window.floating || (skipsTaskList && contains(state.states, atoms.netWmStateAbove));
     window.inTaskList = !window.desktopPart && !skipsTaskList;
 
-    const uint32_t wmState = requests.wmState.number().value_or(0);
-    const uint32_t desktop = requests.desktop.number().value_or(allDesktops);
-    window.onScreen = placement.viewable && wmState != iconicState &&
-                      !contains(states, atoms.netWmStateHidden) &&
-                      (desktop == allDesktops || desktop == currentDesktop);
+    window.onScreen = isOnScreen(connection, state, placement, currentDesktop);
     return window;
 }
 
@@ -131,6 +158,28 @@ std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection) {
             windows.push_back(std::move(window));
     }
     return windows;
+}
+
+std::vector<std::optional<WindowPlacement>> readOnScreen(const X11Connection& connection,
+                                                         const std::vector<xcb_window_t>& clients) {
+    const Atoms& atoms = connection.atoms();
+    const auto clientList = requestProperty(connection, connection.root(), atoms.netClientList);
+    const auto currentDesktop = requestProperty(connection, connection.root(), atoms.netCurrentDesktop);
+    std::vector<StateRequests> requests;
+    requests.reserve(clients.size());
+    for (const xcb_window_t client : clients)
+        requests.push_back(requestState(connection, client));
+    auto placements = readPlacements(connection, clients);
+
+    const std::vector<xcb_window_t> managed = clientList.numbers();
+    const uint32_t desktop = currentDesktop.number().value_or(0);
+    for (size_t i = 0; i < clients.size(); ++i) {
+        const WindowState state = readState(requests[i]);
+        if (placements[i] &&
+            (!contains(managed, clients[i]) || !isOnScreen(connection, state, *placements[i], desktop)))
+            placements[i].reset();
+    }
+    return placements;
 }
 
 std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection) {

@@ -32,6 +32,12 @@ struct ManagedWindow {
 /// is lost.
 std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection);
 
+/// Where the given windows are, in their order, without anything else about them; nothing for one that is not
+/// managed or not on screen as `ManagedWindow` means it. A few round trips for all. Any thread; throws
+/// PlatformError when the connection is lost.
+std::vector<std::optional<WindowPlacement>> readOnScreen(const X11Connection& connection,
+                                                         const std::vector<xcb_window_t>& clients);
+
 /// The clients of _NET_CLIENT_LIST_STACKING, front to back.
 std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection);
 

@@ -25,35 +25,47 @@ private:
     xcb_pixmap_t m_pixmap;
 };
 
-std::optional<QImage> readNamed(const X11Connection& connection, PixelReader& reader, xcb_window_t topLevel,
-                                const QRect& area, Alpha alpha) {
+std::optional<TopLevelPixels> readNamed(const X11Connection& connection, PixelReader& reader,
+                                        xcb_window_t topLevel, xcb_window_t client, const QRect& area,
+                                        Alpha alpha) {
     const NamedPixmap pixmap(connection, topLevel);
     const auto windowCookie = xcb_get_geometry(connection.raw(), topLevel);
     const auto attributesCookie = xcb_get_window_attributes(connection.raw(), topLevel);
     const auto pixmapCookie = xcb_get_geometry(connection.raw(), pixmap.id());
+    const auto clientCookie = xcb_get_geometry(connection.raw(), client);
     const auto window = connection.reply<xcb_get_geometry_reply>(windowCookie);
     const auto attributes = connection.reply<xcb_get_window_attributes_reply>(attributesCookie);
     const auto pixels = connection.reply<xcb_get_geometry_reply>(pixmapCookie);
-    if (!window || !attributes || !pixels)
+    const auto clientGeometry = connection.reply<xcb_get_geometry_reply>(clientCookie);
+    if (!window || !attributes || !pixels || !clientGeometry)
         return std::nullopt;
     // The pixmap starts at the outer corner of the window's border, as the window's position does.
-    const QRect inPixmap =
-        area.translated(-window->x, -window->y) & QRect(0, 0, pixels->width, pixels->height);
-    if (inPixmap.isEmpty())
+    const QRect whole(0, 0, pixels->width, pixels->height);
+    const QRect inside = area & whole;
+    if (inside.isEmpty())
         return std::nullopt;
-    return reader.read(pixmap.id(), inPixmap, pixels->depth, attributes->visual, alpha);
+    auto image = reader.read(pixmap.id(), inside, pixels->depth, attributes->visual, alpha);
+    if (!image)
+        return std::nullopt;
+    return TopLevelPixels{.image = *std::move(image), .topLevelRect = whole.translated(window->x, window->y)};
 }
 
 } // namespace
 
-std::optional<QImage> readTopLevel(const X11Connection& connection, PixelReader& reader,
-                                   Redirection& redirection, xcb_window_t topLevel, const QRect& area) {
-    const bool composited = redirection.prepare(topLevel);
-    const Alpha alpha = composited ? Alpha::counts : Alpha::ignored;
-    if (auto pixels = readNamed(connection, reader, topLevel, area, alpha))
+std::optional<TopLevelPixels> readTopLevel(const X11Connection& connection, PixelReader& reader,
+                                           Redirection& redirection, xcb_window_t topLevel,
+                                           const QRect& area) {
+    if (auto pixels = readFrame(connection, reader, redirection, topLevel, topLevel, area))
         return pixels;
     redirection.prepareFreed(topLevel);
-    return readNamed(connection, reader, topLevel, area, alpha);
+    return readFrame(connection, reader, redirection, topLevel, topLevel, area);
+}
+
+std::optional<TopLevelPixels> readFrame(const X11Connection& connection, PixelReader& reader,
+                                        Redirection& redirection, xcb_window_t frame, xcb_window_t client,
+                                        const QRect& area) {
+    const Alpha alpha = redirection.prepare(frame) ? Alpha::counts : Alpha::ignored;
+    return readNamed(connection, reader, frame, client, area, alpha);
 }
 
 } // namespace orvane::x11

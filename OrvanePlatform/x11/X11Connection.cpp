@@ -1,9 +1,9 @@
 #include "OrvanePlatform/x11/X11Connection.h"
 
-#include <atomic>
 #include <chrono>
-#include <future>
+#include <exception>
 #include <thread>
+#include <utility>
 
 #include <sys/socket.h>
 
@@ -22,51 +22,49 @@ QString displayName() {
     return qEnvironmentVariable("DISPLAY");
 }
 
-struct RawConnection {
-    xcb_connection_t* connection = nullptr;
-    int screenNumber = 0;
-};
-
-/// xcb_connect waits for the server without a limit, so it runs on a thread of its own; a server that answers
-/// too late is simply disconnected by that thread.
-RawConnection connectWithin(double seconds) {
-    std::promise<RawConnection> promise;
-    std::future<RawConnection> future = promise.get_future();
-    // Set by whoever comes first: the thread that has connected or the caller that has given up.
-    auto decided = std::make_shared<std::atomic<bool>>(false);
-    std::thread([promise = std::move(promise), decided]() mutable {
-        RawConnection raw;
-        raw.connection = xcb_connect(nullptr, &raw.screenNumber);
-        if (decided->exchange(true))
-            xcb_disconnect(raw.connection);
-        else
-            promise.set_value(raw);
-    }).detach();
-    const bool answered =
-        future.wait_for(std::chrono::duration<double>(seconds)) == std::future_status::ready;
-    if (answered || decided->exchange(true))
-        return future.get();
-    throw PlatformError(QStringLiteral("The display \"%1\" does not answer. Check that its X server runs.")
-                            .arg(displayName()));
-}
-
 } // namespace
 
-std::shared_ptr<X11Connection> X11Connection::open(double timeoutSeconds) {
+std::shared_ptr<X11Connection> X11Connection::connect() {
     if (displayName().isEmpty())
         throw PlatformError(QStringLiteral("There is no display: DISPLAY is not set."));
-    const RawConnection raw = connectWithin(timeoutSeconds);
-    std::shared_ptr<X11Connection> connection(new X11Connection(raw.connection, raw.screenNumber));
+    int screenNumber = 0;
+    xcb_connection_t* raw = xcb_connect(nullptr, &screenNumber);
+    std::shared_ptr<X11Connection> connection(new X11Connection(raw, screenNumber));
     if (connection->m_screen == nullptr) {
         throw PlatformError(
             QStringLiteral("Cannot open the display \"%1\". Check that DISPLAY names a running X server "
                            "that lets this user in.")
                 .arg(displayName()));
     }
-    connection->m_atoms = Atoms::intern(raw.connection, raw.screenNumber);
+    connection->m_atoms = Atoms::intern(raw, screenNumber);
     connection->queryExtensions();
     connection->throwIfLost();
     return connection;
+}
+
+X11Connection::Attempt X11Connection::beginToOpen() {
+    std::promise<std::shared_ptr<X11Connection>> promise;
+    Attempt attempt = promise.get_future().share();
+    // A connection that nobody waits for any more ends with the attempt.
+    std::thread([promise = std::move(promise)]() mutable {
+        try {
+            promise.set_value(connect());
+        } catch (...) {
+            promise.set_exception(std::current_exception());
+        }
+    }).detach();
+    return attempt;
+}
+
+std::shared_ptr<X11Connection> X11Connection::await(const Attempt& attempt, double timeoutSeconds) {
+    if (attempt.wait_for(std::chrono::duration<double>(timeoutSeconds)) == std::future_status::ready)
+        return attempt.get();
+    throw PlatformError(QStringLiteral("The display \"%1\" does not answer. Check that its X server runs.")
+                            .arg(displayName()));
+}
+
+std::shared_ptr<X11Connection> X11Connection::open(double timeoutSeconds) {
+    return await(beginToOpen(), timeoutSeconds);
 }
 
 X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)

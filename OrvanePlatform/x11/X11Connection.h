@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstdlib>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <type_traits>
@@ -37,9 +38,19 @@ struct Extensions {
 /// asked for it. No events are selected on it.
 class X11Connection {
 public:
+    /// A connection in the making, which any number of threads may wait for.
+    using Attempt = std::shared_future<std::shared_ptr<X11Connection>>;
+    static constexpr double answerLimitSeconds = 5.0;
+
     /// Connects to the server that DISPLAY names. Throws PlatformError with a sentence naming the display
     /// when it does not answer within `timeoutSeconds`.
-    static std::shared_ptr<X11Connection> open(double timeoutSeconds = 5.0);
+    static std::shared_ptr<X11Connection> open(double timeoutSeconds = answerLimitSeconds);
+
+    /// The same in two steps. The attempt has a thread of its own, since a server that hangs holds up whoever
+    /// connects for as long as it hangs: so who gave up waiting keeps the attempt, and does not begin
+    /// another.
+    static Attempt beginToOpen();
+    static std::shared_ptr<X11Connection> await(const Attempt& attempt, double timeoutSeconds);
 
     ~X11Connection();
     X11Connection(const X11Connection&) = delete;
@@ -88,6 +99,7 @@ public:
 
 private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
+    static std::shared_ptr<X11Connection> connect();
     void queryExtensions();
 
     xcb_connection_t* m_connection;

@@ -28,6 +28,25 @@ void paintCursor(QImage& picture, const X11Connection& connection, const QRect& 
     QPainter(&picture).drawImage(QPoint(cursor->x, cursor->y) - hotSpot - area.topLeft(), image);
 }
 
+/// Numbers that no X window can have become none.
+xcb_window_t clientWindow(qint64 windowId) {
+    constexpr qint64 mostBits = 0xffffffff;
+    return windowId > 0 && windowId <= mostBits ? static_cast<xcb_window_t>(windowId)
+                                                : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+/// The part of a frame that the eye takes for the window, relative to the frame.
+QRect inFrame(const WindowPlacement& placement) {
+    return placement.visibleRect.translated(-placement.frameRect.topLeft());
+}
+
+/// The picture of a window with all that belongs on it. `area`: what was read, relative to the frame.
+QImage finished(const X11Connection& connection, TopLevelPixels pixels, const QRect& area, bool showsCursor) {
+    if (showsCursor)
+        paintCursor(pixels.image, connection, area.translated(pixels.topLevelRect.topLeft()));
+    return std::move(pixels.image);
+}
+
 /// What the eye sees in an area in root-window pixels, black where it lies outside the root window.
 QImage readScreen(const X11Connection& connection, PixelReader& reader, const QRect& area) {
     const auto root =
@@ -61,36 +80,50 @@ std::shared_ptr<X11ScreenSource::Tools> X11ScreenSource::tools() {
     return m_tools;
 }
 
-ShareableContent X11ScreenSource::listContent(std::stop_token stop) {
+ShareableContent X11ScreenSource::listContent(const std::vector<qint64>& windowIds, std::stop_token stop) {
     const auto connection = m_session.connection();
     const std::stop_callback abandon(stop, [&connection] { connection->abandon(); });
-    const ScreenLayout layout = readScreenLayout(*connection);
-    ShareableContent content;
-    content.displays = layout.displays();
-    for (const ManagedWindow& window : readManagedWindows(*connection)) {
-        if (window.onScreen)
-            content.windows.push_back(
-                {.windowId = window.client, .framePoints = layout.toPoints(window.placement.visibleRect)});
+    // Asked for first and read last, so that it costs no round trip of its own.
+    const PendingScreenLayout pendingLayout(*connection);
+    std::vector<xcb_window_t> clients;
+    clients.reserve(windowIds.size());
+    for (const qint64 windowId : windowIds)
+        clients.push_back(clientWindow(windowId));
+    const auto placements =
+        clients.empty() ? std::vector<std::optional<WindowPlacement>>() : readOnScreen(*connection, clients);
+    const ScreenLayout layout = pendingLayout.read();
+    ShareableContent content{.displays = layout.displays(), .windows = {}};
+    for (size_t i = 0; i < placements.size(); ++i) {
+        if (placements[i])
+            content.windows.push_back({.windowId = windowIds[i],
+                                       .framePoints = layout.toPoints(placements[i]->visibleRect),
+                                       .listed = *placements[i]});
     }
     return content;
 }
 
-QImage X11ScreenSource::captureWindow(qint64 windowId, bool showsCursor) {
+QImage X11ScreenSource::captureWindow(const ShareableWindow& window, bool showsCursor) {
     const auto own = tools();
+    if (const auto* listed = std::any_cast<WindowPlacement>(&window.listed)) {
+        auto pixels = readFrame(*own->connection, own->reader, own->redirection, listed->frame,
+                                clientWindow(window.windowId), inFrame(*listed));
+        // One that has moved shows the same; in one of another size the visible part may lie elsewhere.
+        if (pixels && pixels->topLevelRect.size() == listed->frameRect.size())
+            return finished(*own->connection, *std::move(pixels), inFrame(*listed), showsCursor);
+    }
+
     const auto gone = [] {
         return PlatformError(QStringLiteral("The window closed or was hidden during the capture. "
                                             "Use list_windows to see what is there now."));
     };
-    const auto placement = readPlacements(*own->connection, {static_cast<xcb_window_t>(windowId)}).front();
+    const auto placement = readPlacements(*own->connection, {clientWindow(window.windowId)}).front();
     if (!placement || !placement->viewable)
         throw gone();
-    auto picture = readTopLevel(*own->connection, own->reader, own->redirection, placement->frame,
-                                placement->visibleRect);
-    if (!picture)
+    auto pixels =
+        readTopLevel(*own->connection, own->reader, own->redirection, placement->frame, inFrame(*placement));
+    if (!pixels)
         throw gone();
-    if (showsCursor)
-        paintCursor(*picture, *own->connection, placement->visibleRect);
-    return *picture;
+    return finished(*own->connection, *std::move(pixels), inFrame(*placement), showsCursor);
 }
 
 QImage X11ScreenSource::captureRegion(const Display& display, const QRectF& rectPoints, bool showsCursor) {

@@ -16,8 +16,8 @@ public:
     explicit X11ScreenSource(X11Session& session)
         : m_session(session) {}
 
-    ShareableContent listContent(std::stop_token stop) override;
-    QImage captureWindow(qint64 windowId, bool showsCursor) override;
+    ShareableContent listContent(const std::vector<qint64>& windowIds, std::stop_token stop) override;
+    QImage captureWindow(const ShareableWindow& window, bool showsCursor) override;
     QImage captureRegion(const Display& display, const QRectF& rectPoints, bool showsCursor) override;
     QImage captureDisplay(const Display& display, bool showsCursor) override;
     QImage captureWithoutOwnWindows(const Display& display) override;

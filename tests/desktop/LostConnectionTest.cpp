@@ -3,9 +3,11 @@
 #include "OrvaneCore/platform/PlatformError.h"
 #include "tests/desktop/DesktopFixture.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 
 #include <csignal>
+#include <future>
 
 namespace orvane::test {
 
@@ -71,6 +73,33 @@ TEST_F(LostConnection, DoesNotWaitForeverToConnect) {
     timer.start();
     EXPECT_TRUE(windowServer.unavailableReason());
     EXPECT_LT(timer.elapsed(), 9000);
+}
+
+TEST_F(LostConnection, HoldsUpEachOfManyCallersOnceAndKeepsOneThreadForAll) {
+    const TestWindow window;
+    ASSERT_NO_THROW(capture.captureWindow(window.id(), false));
+    const auto threads = [] {
+        return QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    };
+    const auto before = threads();
+    signalServer(SIGSTOP);
+    // The first loses the connection, the others wait for another one.
+    for (int round = 0; round < 3; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        std::vector<std::future<void>> calls;
+        calls.reserve(6);
+        for (int i = 0; i < 6; ++i) {
+            calls.push_back(
+                std::async(std::launch::async, [&] { capture.captureWindow(window.id(), false); }));
+        }
+        for (auto& call : calls)
+            EXPECT_THROW(call.get(), std::exception);
+        EXPECT_LT(timer.elapsed(), 9000);
+    }
+    EXPECT_LE(threads(), before + 1);
+    signalServer(SIGCONT);
+    EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
 }
 
 TEST(RefusedDisplay, IsAnErrorThatNamesIt) {

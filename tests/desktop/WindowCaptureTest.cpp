@@ -19,6 +19,10 @@ protected:
     QImage captured(const TestWindow& window, const QSize& size = clientSize) {
         return clientPart(capture.captureWindow(window.id(), false).image, window, size);
     }
+
+    ShareableWindow listedNow(const TestWindow& window) {
+        return screenSource.listContent({window.id()}, {}).windows.at(0);
+    }
 };
 
 class WindowCaptureUncomposited : public WindowCapture {
@@ -113,6 +117,64 @@ TEST_F(WindowCapture, LeavesOutClientSideShadows) {
     EXPECT_EQ(listed(window)->width, 260);
 }
 
+TEST_F(WindowCapture, ShowsAListedWindowThatHasMovedSince) {
+    TestWindow window;
+    const ShareableWindow before = listedNow(window);
+    window.command(u"move 400 300"_s);
+    ASSERT_TRUE(eventually([&] { return listed(window)->x >= 390; }));
+    EXPECT_EQ(clientPart(screenSource.captureWindow(before, false), window, clientSize),
+              knownPicture(300, 200, false));
+}
+
+TEST_F(WindowCapture, ShowsAListedWindowThatHasAnotherSizeSince) {
+    TestWindow window;
+    const ShareableWindow before = listedNow(window);
+    window.command(u"resize 411 277"_s);
+    EXPECT_TRUE(eventually([&] {
+        return clientPart(screenSource.captureWindow(before, false), window, {411, 277}) ==
+               knownPicture(411, 277, false);
+    }));
+}
+
+TEST_F(WindowCapture, RefusesAListedWindowThatIsMinimisedSince) {
+    TestWindow window;
+    const ShareableWindow before = listedNow(window);
+    window.command(u"iconify"_s);
+    // The window manager leaves it mapped for as long as it shows how it goes away.
+    EXPECT_TRUE(eventually([&] {
+        try {
+            screenSource.captureWindow(before, false);
+            return false;
+        } catch (const PlatformError& error) {
+            return error.message().contains(u"hidden"_s);
+        }
+    }));
+}
+
+TEST_F(WindowCapture, RefusesAListedWindowThatHasClosedSince) {
+    auto window = std::make_unique<TestWindow>();
+    const ShareableWindow before = listedNow(*window);
+    window.reset();
+    EXPECT_THROW(screenSource.captureWindow(before, false), PlatformError);
+}
+
+TEST_F(WindowCapture, ListsWhatIsAskedForAndNothingElse) {
+    const TestWindow window;
+    TestWindow minimised;
+    minimised.command(u"iconify"_s);
+    ASSERT_TRUE(eventually([&] { return !listed(minimised); }));
+    const TestWindow other;
+    const qint64 noWindow = (qint64(1) << 32) + window.id();
+    const ShareableContent content =
+        screenSource.listContent({other.id(), 0, minimised.id(), noWindow, window.id(), -1}, {});
+    ASSERT_EQ(content.windows.size(), 2U);
+    EXPECT_EQ(content.windows[0].windowId, other.id());
+    EXPECT_EQ(content.windows[1].windowId, window.id());
+    EXPECT_EQ(content.displays, displays.list());
+    EXPECT_TRUE(screenSource.listContent({}, {}).windows.empty());
+    EXPECT_EQ(screenSource.listContent({}, {}).displays, displays.list());
+}
+
 TEST_F(WindowCapture, KnowsNoMinimisedWindow) {
     TestWindow window;
     window.command(u"iconify"_s);
@@ -126,7 +188,7 @@ TEST_F(WindowCapture, SurvivesAWindowThatCloses) {
         const TestWindow window;
         id = window.id();
     }
-    EXPECT_THROW(screenSource.captureWindow(id, false), PlatformError);
+    EXPECT_THROW(screenSource.captureWindow({.windowId = id}, false), PlatformError);
     EXPECT_THROW(capture.captureWindow(id, false), std::exception);
     const TestWindow next;
     EXPECT_EQ(captured(next), knownPicture(300, 200, false));
@@ -139,7 +201,7 @@ TEST_F(WindowCapture, SurvivesWindowsThatCloseDuringCaptures) {
         std::jthread closer([&window] { window.reset(); });
         try {
             for (;;)
-                EXPECT_EQ(screenSource.captureWindow(id, false), knownPicture(300, 200, false));
+                EXPECT_EQ(screenSource.captureWindow({.windowId = id}, false), knownPicture(300, 200, false));
         } catch (const PlatformError& error) {
             EXPECT_TRUE(error.message().contains(u"closed"_s));
         }

@@ -5,6 +5,7 @@
 #include "OrvaneCore/platform/ScreenSource.h"
 #include "OrvaneCore/platform/WindowServer.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -33,12 +34,16 @@ public:
     std::optional<QString> unavailable;
     std::optional<QString> failure;
     /// Listings wait until they are asked to stop.
-    bool hangs = false;
+    std::atomic<bool> hangs = false;
 
     int snapshots = 0;
-    int listings = 0;
+    std::atomic<int> listings = 0;
+    /// The windows that each listing asked for.
+    std::vector<std::vector<qint64>> listedWindows;
     std::vector<std::pair<qint32, std::vector<qint64>>> activations;
     std::vector<qint64> capturedWindows;
+    /// The same windows as they were handed over.
+    std::vector<ShareableWindow> captured;
     std::vector<std::pair<quint32, QRectF>> capturedRegions;
     std::vector<quint32> capturedDisplays;
     std::vector<quint32> capturedWithoutOwn;
@@ -74,17 +79,29 @@ public:
 
     std::optional<QString> unavailableReason() override { return unavailable; }
 
-    ShareableContent listContent(std::stop_token stop) override {
+    ShareableContent listContent(const std::vector<qint64>& windowIds, std::stop_token stop) override {
         ++listings;
+        {
+            const std::scoped_lock lock(m_mutex);
+            listedWindows.push_back(windowIds);
+        }
         hang(std::move(stop));
         refuse();
-        return {.displays = displayList, .windows = shareable};
+        ShareableContent content{.displays = displayList, .windows = {}};
+        for (const qint64 windowId : windowIds) {
+            for (const ShareableWindow& window : shareable) {
+                if (window.windowId == windowId)
+                    content.windows.push_back(window);
+            }
+        }
+        return content;
     }
 
-    QImage captureWindow(qint64 windowId, bool showsCursor) override {
+    QImage captureWindow(const ShareableWindow& window, bool showsCursor) override {
         refuse();
         duringCapture();
-        capturedWindows.push_back(windowId);
+        capturedWindows.push_back(window.windowId);
+        captured.push_back(window);
         cursors.push_back(showsCursor);
         return picture;
     }
@@ -123,6 +140,8 @@ public:
     }
 
 private:
+    std::mutex m_mutex;
+
     void refuse() const {
         if (failure)
             throw PlatformError(*failure);

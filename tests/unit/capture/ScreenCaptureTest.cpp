@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 #include <limits>
 
 namespace orvane {
@@ -55,6 +56,23 @@ TEST_F(ScreenCaptureTest, CapturesAWindowWithItsSizeInPoints) {
     EXPECT_EQ(captured.height, 200);
     EXPECT_EQ(desktop.listings, 1);
     EXPECT_EQ(desktop.cursors, std::vector{false});
+}
+
+TEST_F(ScreenCaptureTest, AsksForNoMoreWindowsThanItNeeds) {
+    desktop.addApplication(2, QStringLiteral("Other"), 20, {0, 0, 200, 200});
+    capture.captureWindow(10, false);
+    capture.captureRegion(0, 0, 10, 10, false);
+    capture.captureDisplay(11, false);
+    capture.captureDisplayExcludingOwnApp(11);
+    EXPECT_EQ(desktop.listedWindows, (std::vector<std::vector<qint64>>{{10}, {}, {}, {}}));
+}
+
+TEST_F(ScreenCaptureTest, HandsBackWhatTheSourceRemembersOfTheWindow) {
+    desktop.shareable[0].listed = QStringLiteral("third from the left");
+    capture.captureWindow(10, false);
+    ASSERT_EQ(desktop.captured.size(), 1U);
+    EXPECT_EQ(std::any_cast<QString>(desktop.captured[0].listed), u"third from the left");
+    EXPECT_EQ(desktop.captured[0].framePoints, QRectF(20.7, 30, 300.9, 200.9));
 }
 
 TEST_F(ScreenCaptureTest, KnowsNoUnlistedWindow) {
@@ -159,6 +177,22 @@ TEST_F(ScreenCaptureTest, GivesUpAHungListingAfterFiveSeconds) {
     const auto took = std::chrono::steady_clock::now() - started;
     EXPECT_GE(took, std::chrono::milliseconds(4990));
     EXPECT_LT(took, std::chrono::seconds(8));
+}
+
+TEST_F(ScreenCaptureTest, IsHeldUpByNoOtherCapture) {
+    desktop.hangs = true;
+    std::vector<std::future<OrvaneError::Case>> hung;
+    hung.reserve(4);
+    const auto started = std::chrono::steady_clock::now();
+    for (int i = 0; i < 4; ++i) {
+        hung.push_back(std::async(std::launch::async,
+                                  [&] { return errorOf([&] { capture.captureDisplay(11, false); }); }));
+    }
+    for (auto& call : hung)
+        EXPECT_EQ(call.get(), OrvaneError::Case::permissionDenied);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(9));
+    desktop.hangs = false;
+    EXPECT_NO_THROW(capture.captureDisplay(11, false));
 }
 
 TEST_F(ScreenCaptureTest, TruncatesTheScaleAndTakesTwoOffScreen) {

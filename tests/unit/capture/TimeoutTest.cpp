@@ -22,16 +22,19 @@ void waitUntilStopped(const std::stop_token& stop) {
 } // namespace
 
 TEST(Timeout, GivesTheResult) {
-    EXPECT_EQ(withThrowingTimeout(5.0, [](const std::stop_token&) { return 7; }), 7);
+    Watchdog watchdog;
+    EXPECT_EQ(withThrowingTimeout(watchdog, 5.0, [](const std::stop_token&) { return 7; }), 7);
 }
 
 TEST(Timeout, PassesAnErrorOnUnchanged) {
-    EXPECT_THROW(
-        withThrowingTimeout(5.0, [](const std::stop_token&) -> int { throw std::out_of_range("far"); }),
-        std::out_of_range);
+    Watchdog watchdog;
+    EXPECT_THROW(withThrowingTimeout(watchdog, 5.0,
+                                     [](const std::stop_token&) -> int { throw std::out_of_range("far"); }),
+                 std::out_of_range);
 }
 
 TEST(Timeout, ReportsAMissingPermissionAndCancels) {
+    Watchdog watchdog;
     bool cancelled = false;
     const auto operation = [&cancelled](const std::stop_token& stop) {
         waitUntilStopped(stop);
@@ -40,7 +43,7 @@ TEST(Timeout, ReportsAMissingPermissionAndCancels) {
     const auto started = std::chrono::steady_clock::now();
     std::optional<OrvaneError::Case> thrown;
     try {
-        withThrowingTimeout(0.05, operation);
+        withThrowingTimeout(watchdog, 0.05, operation);
     } catch (const OrvaneError& error) {
         thrown = error.errorCase();
     }
@@ -49,8 +52,19 @@ TEST(Timeout, ReportsAMissingPermissionAndCancels) {
     EXPECT_TRUE(cancelled);
 }
 
+TEST(Timeout, AnAnswerAfterTheTimeoutIsStillAMissingPermission) {
+    Watchdog watchdog;
+    EXPECT_THROW(withThrowingTimeout(watchdog, 0.02,
+                                     [](const std::stop_token& stop) {
+                                         waitUntilStopped(stop);
+                                         return 7;
+                                     }),
+                 OrvaneError);
+}
+
 TEST(Timeout, AnErrorAfterTheTimeoutIsStillAMissingPermission) {
-    EXPECT_THROW(withThrowingTimeout(0.02,
+    Watchdog watchdog;
+    EXPECT_THROW(withThrowingTimeout(watchdog, 0.02,
                                      [](const std::stop_token& stop) -> int {
                                          waitUntilStopped(stop);
                                          throw std::runtime_error("stopped");

@@ -18,8 +18,8 @@ TEST(HeadlessDesktop, SaysWhatIsMissing) {
     HeadlessDesktop desktop;
     ASSERT_TRUE(desktop.unavailableReason());
     EXPECT_TRUE(desktop.unavailableReason()->contains(QStringLiteral("DISPLAY")));
-    EXPECT_THROW(desktop.listContent({}), PlatformError);
-    EXPECT_THROW(desktop.captureWindow(1, false), PlatformError);
+    EXPECT_THROW(desktop.listContent({1}, {}), PlatformError);
+    EXPECT_THROW(desktop.captureWindow({.windowId = 1}, false), PlatformError);
     EXPECT_THROW(desktop.captureRegion({}, {}, false), PlatformError);
     EXPECT_THROW(desktop.captureDisplay({}, false), PlatformError);
     EXPECT_THROW(desktop.captureWithoutOwnWindows({}), PlatformError);

@@ -38,10 +38,10 @@ public:
     std::vector<quint32> captured;
     std::vector<bool> cursors;
 
-    ShareableContent listContent(std::stop_token stop) override {
-        return m_desktop.listContent(std::move(stop));
+    ShareableContent listContent(const std::vector<qint64>& windowIds, std::stop_token stop) override {
+        return m_desktop.listContent(windowIds, std::move(stop));
     }
-    QImage captureWindow(qint64, bool) override { throw PlatformError(u"no windows here"_s); }
+    QImage captureWindow(const ShareableWindow&, bool) override { throw PlatformError(u"no windows here"_s); }
     QImage captureRegion(const Display&, const QRectF&, bool) override {
         throw PlatformError(u"no regions here"_s);
     }
