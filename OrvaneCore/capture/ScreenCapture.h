@@ -24,7 +24,8 @@ struct WindowCapture {
 
 /// Takes pictures of the screen. Every capture first lists the displays, and the window where it is one of a
 /// window, and that listing may take five seconds: then OrvaneError::permissionDenied is thrown. Errors of
-/// the desktop (PlatformError) pass unchanged. Any thread; captures may run side by side; no state.
+/// the desktop (PlatformError) pass unchanged, also after five seconds where the human has not allowed to
+/// capture (CaptureConsentMissing). Any thread; captures may run side by side; no state.
 class ScreenCapture {
 public:
     ScreenCapture(ScreenSource& source, Displays& displays, const PngWriter& pngWriter)

@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/capture/Watchdog.h"
+#include "OrvaneCore/platform/CaptureConsent.h"
 
 #include <chrono>
 #include <stop_token>
@@ -14,8 +15,9 @@ inline constexpr double listingLimitSeconds = 5.0;
 
 /// Runs `operation(std::stop_token)` and gives its result or exception. After `seconds` the operation is
 /// asked to stop, which it must do soon; when it has, OrvaneError::permissionDenied is thrown, whatever came
-/// of it: a desktop that does not answer is what a missing permission looks like. Any thread; the operation
-/// runs on the caller's.
+/// of it: a desktop that does not answer is what a missing permission looks like. Only that the human has yet
+/// to say whether the screen may be captured, or has refused it, passes unchanged at any time. Any thread;
+/// the operation runs on the caller's.
 template <typename Operation>
 auto withThrowingTimeout(Watchdog& watchdog, double seconds, Operation operation)
     -> std::invoke_result_t<Operation, std::stop_token> {
@@ -30,6 +32,8 @@ auto withThrowingTimeout(Watchdog& watchdog, double seconds, Operation operation
             if (!watch.isLate())
                 return result;
         }
+    } catch (const CaptureConsentMissing&) {
+        throw;
     } catch (...) {
         if (!watch.isLate())
             throw;

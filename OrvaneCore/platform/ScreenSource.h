@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/platform/CaptureConsent.h"
 #include "OrvaneCore/platform/Displays.h"
 
 #include <QImage>
@@ -33,6 +34,11 @@ struct ShareableContent {
 /// (RGB32, or ARGB32_Premultiplied where a window has transparent parts).
 /// Any thread; calls may run side by side. Every call throws PlatformError when the desktop refuses, and a
 /// window that closes in the middle of a capture is such a refusal.
+///
+/// Some desktops let the human decide what may be captured. Any call to a source on one may throw
+/// CaptureAwaitsHuman or CaptureRefused; it never gives a black picture instead. No call waits for the
+/// human's answer for longer than its caller allows: `listContent` until it is asked to stop, the others not
+/// at all.
 class ScreenSource {
 public:
     virtual ~ScreenSource() = default;

@@ -33,6 +33,14 @@ public:
     QImage picture;
     std::optional<QString> unavailable;
     std::optional<QString> failure;
+    /// Whether the human lets the screen be captured, where the desktop asks.
+    enum class Consent {
+        given,
+        /// Listings wait for the answer until they are asked to stop.
+        awaited,
+        refused,
+    };
+    std::atomic<Consent> consent = Consent::given;
     /// Listings wait until they are asked to stop.
     std::atomic<bool> hangs = false;
 
@@ -58,7 +66,7 @@ public:
 
     WindowSnapshot snapshot(std::stop_token stop) override {
         ++snapshots;
-        hang(std::move(stop));
+        hang(stop);
         refuse();
         return windows;
     }
@@ -85,7 +93,10 @@ public:
             const std::scoped_lock lock(m_mutex);
             listedWindows.push_back(windowIds);
         }
-        hang(std::move(stop));
+        if (consent == Consent::awaited)
+            await(stop);
+        askHuman();
+        hang(stop);
         refuse();
         ShareableContent content{.displays = displayList, .windows = {}};
         for (const qint64 windowId : windowIds) {
@@ -98,6 +109,7 @@ public:
     }
 
     QImage captureWindow(const ShareableWindow& window, bool showsCursor) override {
+        askHuman();
         refuse();
         duringCapture();
         capturedWindows.push_back(window.windowId);
@@ -107,6 +119,7 @@ public:
     }
 
     QImage captureRegion(const Display& display, const QRectF& rectPoints, bool showsCursor) override {
+        askHuman();
         refuse();
         capturedRegions.emplace_back(display.id, rectPoints);
         cursors.push_back(showsCursor);
@@ -114,6 +127,7 @@ public:
     }
 
     QImage captureDisplay(const Display& display, bool showsCursor) override {
+        askHuman();
         refuse();
         capturedDisplays.push_back(display.id);
         cursors.push_back(showsCursor);
@@ -121,6 +135,7 @@ public:
     }
 
     QImage captureWithoutOwnWindows(const Display& display) override {
+        askHuman();
         refuse();
         capturedWithoutOwn.push_back(display.id);
         return picture;
@@ -147,14 +162,25 @@ private:
             throw PlatformError(*failure);
     }
 
-    void hang(std::stop_token stop) {
+    void askHuman() const {
+        if (consent == Consent::awaited)
+            throw CaptureAwaitsHuman();
+        if (consent == Consent::refused)
+            throw CaptureRefused();
+    }
+
+    void hang(const std::stop_token& stop) {
         if (!hangs)
             return;
+        await(stop);
+        throw PlatformError(QStringLiteral("asked to stop"));
+    }
+
+    static void await(const std::stop_token& stop) {
         std::mutex mutex;
         std::unique_lock lock(mutex);
         std::condition_variable_any never;
-        never.wait(lock, std::move(stop), [] { return false; });
-        throw PlatformError(QStringLiteral("asked to stop"));
+        never.wait(lock, stop, [] { return false; });
     }
 };
 

@@ -179,6 +179,23 @@ TEST_F(ScreenCaptureTest, GivesUpAHungListingAfterFiveSeconds) {
     EXPECT_LT(took, std::chrono::seconds(8));
 }
 
+TEST_F(ScreenCaptureTest, SaysThatTheHumanHasYetToAnswerAfterFiveSeconds) {
+    desktop.consent = FakeDesktop::Consent::awaited;
+    const auto started = std::chrono::steady_clock::now();
+    EXPECT_THROW(capture.captureWindow(10, false), CaptureAwaitsHuman);
+    EXPECT_GE(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(4990));
+    desktop.consent = FakeDesktop::Consent::given;
+    EXPECT_NO_THROW(capture.captureWindow(10, false));
+}
+
+TEST_F(ScreenCaptureTest, SaysThatTheHumanHasRefused) {
+    desktop.consent = FakeDesktop::Consent::refused;
+    EXPECT_THROW(capture.captureWindow(10, false), CaptureRefused);
+    EXPECT_THROW(capture.captureRegion(0, 0, 10, 10, false), CaptureRefused);
+    EXPECT_THROW(capture.captureDisplay(11, false), CaptureRefused);
+    EXPECT_THROW(capture.captureDisplayExcludingOwnApp(11), CaptureRefused);
+}
+
 TEST_F(ScreenCaptureTest, IsHeldUpByNoOtherCapture) {
     desktop.hangs = true;
     std::vector<std::future<OrvaneError::Case>> hung;

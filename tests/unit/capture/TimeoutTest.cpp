@@ -72,4 +72,18 @@ TEST(Timeout, AnErrorAfterTheTimeoutIsStillAMissingPermission) {
                  OrvaneError);
 }
 
+TEST(Timeout, PassesOnThatTheHumanHasNotAllowedIt) {
+    Watchdog watchdog;
+    const auto awaitAnswer = [](const std::stop_token& stop) -> int {
+        waitUntilStopped(stop);
+        throw CaptureAwaitsHuman();
+    };
+    EXPECT_THROW(withThrowingTimeout(watchdog, 0.02, awaitAnswer), CaptureAwaitsHuman);
+    const auto refuse = [](const std::stop_token& stop) -> int {
+        waitUntilStopped(stop);
+        throw CaptureRefused();
+    };
+    EXPECT_THROW(withThrowingTimeout(watchdog, 0.02, refuse), CaptureRefused);
+}
+
 } // namespace orvane

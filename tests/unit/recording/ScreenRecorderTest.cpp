@@ -242,6 +242,61 @@ TEST_F(ScreenRecorderTest, GoesOnWhenACaptureFails) {
                           "change-001.png"_s));
 }
 
+TEST_F(ScreenRecorderTest, SaysAtItsStartThatTheHumanHasNotAllowedIt) {
+    desktop.duringCapture = [] { throw CaptureAwaitsHuman(); };
+    EXPECT_THROW(start(), CaptureAwaitsHuman);
+    ASSERT_TRUE(recorder.recordingSessionId());
+    recorder.stopRecording();
+    desktop.duringCapture = [] {};
+    desktop.consent = FakeDesktop::Consent::refused;
+    EXPECT_THROW(start(DisplayTarget{11}), CaptureRefused);
+    EXPECT_EQ(clock.sleeps(), 0);
+    const QString id = recorder.stopRecording();
+    EXPECT_THAT(report(id).toStdString(),
+                HasSubstr("| recording_end | Recording stopped (end frame capture failed: The human has "
+                          "refused to let the screen be captured. Ask them before you try again.) | — |\n"));
+    desktop.consent = FakeDesktop::Consent::given;
+    start();
+}
+
+TEST_F(ScreenRecorderTest, GoesOnWhenTheHumanIsAskedInTheMiddle) {
+    start();
+    recorder.pollTimeline();
+    testing::internal::CaptureStderr();
+    show({{0, 0}});
+    desktop.duringCapture = [] { throw CaptureAwaitsHuman(); };
+    clock.advance(1s);
+    desktop.duringCapture = [] {};
+    desktop.consent = FakeDesktop::Consent::refused;
+    clock.advance(1s);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "orvane: capture error in loop: The desktop is asking the human whether the screen may be "
+              "captured. Ask them to answer it, then try again.\n"
+              "orvane: capture error in loop: The human has refused to let the screen be captured. Ask them "
+              "before you try again.\n");
+    EXPECT_EQ(recorder.pollTimeline().events.size(), 0);
+    desktop.consent = FakeDesktop::Consent::given;
+    clock.advance(1s);
+    EXPECT_EQ(recorder.pollTimeline().events,
+              QStringList(u"T+3.0s | visual_change | New activity in top-left area (1 cells changed). | "
+                          "change-001.png"_s));
+}
+
+TEST_F(ScreenRecorderTest, ListsOnlyTheWindowItRecords) {
+    desktop.addApplication(8, u"Other"_s, 50, {0, 0, 800, 600});
+    start();
+    clock.advance(2s);
+    recorder.stopRecording();
+    EXPECT_THAT(desktop.listedWindows, testing::Each(ElementsAre(windowId)));
+    EXPECT_EQ(desktop.listings, 4);
+    desktop.listedWindows.clear();
+    clock.jump(5ms);
+    start(DisplayTarget{11});
+    clock.advance(2s);
+    EXPECT_THAT(desktop.listedWindows, testing::Each(testing::IsEmpty()));
+    EXPECT_EQ(desktop.listedWindows.size(), 3U);
+}
+
 TEST_F(ScreenRecorderTest, PassesOverAPictureThatIsNone) {
     start();
     const QImage black = desktop.picture;

@@ -189,6 +189,30 @@ TEST_F(ToolHandlerTest, PassesOnWhatTheDesktopSays) {
     EXPECT_EQ(text(call("capture_window", terminal)), u"Error: The window closed.");
 }
 
+TEST_F(ToolHandlerTest, SaysThatTheDesktopAsksTheHuman) {
+    desktop.duringCapture = [] { throw CaptureAwaitsHuman(); };
+    const QString asked = u"Error: The desktop is asking the human whether the screen may be captured. Ask "
+                          "them to answer it, then try again."_s;
+    for (const char* tool : {"capture_window", "capture_diff", "start_recording"}) {
+        const QJsonObject result = call(tool, terminal);
+        EXPECT_EQ(text(result), asked) << tool;
+        EXPECT_TRUE(failed(result));
+    }
+    EXPECT_TRUE(saved().isEmpty());
+}
+
+TEST_F(ToolHandlerTest, SaysThatTheHumanHasRefused) {
+    desktop.consent = FakeDesktop::Consent::refused;
+    const QString refused =
+        u"Error: The human has refused to let the screen be captured. Ask them before you try again."_s;
+    EXPECT_EQ(text(call("capture_window", terminal)), refused);
+    EXPECT_EQ(text(call("capture_region", square)), refused);
+    EXPECT_EQ(text(call("capture_window_region", joined(square, terminal))), refused);
+    EXPECT_TRUE(failed(call("capture_region", square)));
+    desktop.consent = FakeDesktop::Consent::given;
+    EXPECT_FALSE(failed(call("capture_region", square)));
+}
+
 TEST_F(ToolHandlerTest, CapturesAPartOfAWindow) {
     const QJsonObject result = call("capture_window_region", joined(square, terminal));
     EXPECT_EQ(text(result),
