@@ -6,18 +6,14 @@
 #include "OrvaneCore/platform/MediaBackend.h"
 #include "OrvaneCore/recording/ChangeTracker.h"
 #include "OrvaneCore/recording/RecordingTarget.h"
-#include "OrvaneCore/recording/RecordingVideo.h"
-#include "OrvaneCore/recording/Timeline.h"
 #include "OrvaneCore/recording/WorkQueue.h"
 #include "OrvaneCore/storage/StorageManager.h"
 
 #include <QStringList>
 
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <thread>
 
 namespace orvane {
 
@@ -33,8 +29,9 @@ namespace orvane {
 /// A process that dies in the middle leaves the pictures and what there is of the movie, and no report.
 ///
 /// A monitor: every call from any thread, and calls may run side by side; what is shared is locked, and never
-/// during a capture, a sleep or a file's writing. Captures are taken on a thread of its own, changes are
-/// sought and written on another, so that neither waits for the other.
+/// during a capture, a sleep or a file's writing. Pictures are taken by a RecordingLoop on a thread of its
+/// own, a RecordingJournal has changes sought and written on another, so that neither waits for the other;
+/// what is here says which recording there is and what state it is in.
 class ScreenRecorder {
 public:
     /// What a poller gets.
@@ -88,31 +85,12 @@ public:
 
 private:
     struct Recording;
-    struct EndFrame {
-        QByteArray png;
-        /// Why there is no picture.
-        std::optional<QString> failure;
-    };
 
-    std::shared_ptr<Recording> claim(const RecordingTarget& target, qint64 intervalMs,
-                                     RecordingSource source);
-    void beginCapturing(const std::shared_ptr<Recording>& recording, const QImage& firstFrame);
-    void captureLoop(const std::stop_token& stop, const std::shared_ptr<Recording>& recording,
-                     QImage previous);
-    bool rest(const std::stop_token& stop, Recording& recording, Clock::Monotonic until);
-    std::optional<QImage> look(const Recording& recording);
-    void analyse(Recording& recording, const QImage& previous, const QImage& current, int frameIndex,
-                 const QDateTime& time);
-    void leaveLoop(const std::shared_ptr<Recording>& recording);
-    EndFrame captureEndFrame(const Recording& recording);
-    void appendEnd(Recording& recording, const EndFrame& endFrame);
-    void writeReport(const Recording& recording);
-
-    QImage capture(const RecordingTarget& target, bool showsCursor);
+    std::shared_ptr<Recording> claim(const RecordingTarget& target, RecordingSource source);
+    void beginCapturing(const std::shared_ptr<Recording>& recording, const QImage& firstFrame,
+                        qint64 intervalMs);
     QByteArray encode(const QImage& picture) const;
-    void append(Recording& recording, const TimelineEntry& entry);
     std::shared_ptr<Recording> activeRecording() const;
-    bool isPaused(const Recording& recording) const;
 
     WindowDiscovery& m_discovery;
     ScreenCapture& m_screenCapture;
@@ -124,14 +102,12 @@ private:
     /// Held by a start until the recording is the recorder's, so that of two only one begins.
     std::mutex m_startMutex;
     mutable std::mutex m_mutex;
-    std::condition_variable m_loopChanged;
-    /// The recording that is going on, or the last one; null before the first.
-    std::shared_ptr<Recording> m_recording;
     /// Remembers from one recording to the next which cells were active. Used by the queue's jobs only.
     ChangeTracker m_tracker;
     WorkQueue m_work;
-    /// One that was told to end is joined when the next recording begins. Last, so that it ends first.
-    std::jthread m_loop;
+    /// The recording that is going on, or the last one; null before the first. The loop of one that was told
+    /// to end is joined when the next recording begins. Last, so that it ends first.
+    std::shared_ptr<Recording> m_recording;
 };
 
 } // namespace orvane

@@ -1,0 +1,136 @@
+#include "OrvaneCore/recording/RecordingLoop.h"
+
+#include "OrvanePlatform/png/SpngWriter.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/FakeMedia.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <future>
+#include <stdexcept>
+
+namespace orvane::test {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+class RecordingLoopTest : public testing::Test {
+protected:
+    RecordingLoopTest() { frame.fill(Qt::black); }
+
+    void begin(qint64 intervalMs = 1000) {
+        loop.begin(frame, nullptr, intervalMs);
+        clock.awaitSleeper();
+    }
+
+    std::unique_ptr<RecordingVideo> video(int framesPerSecond) {
+        return RecordingVideo::start(media, clock, folder.path(), frame.size(), framesPerSecond);
+    }
+
+    QTemporaryDir folder;
+    FakeClock clock;
+    FakeMedia media;
+    QImage frame{80, 60, QImage::Format_RGB32};
+    png::SpngWriter pngWriter;
+    ChangeTracker tracker;
+    WorkQueue work{2};
+    std::shared_ptr<RecordingJournal> journal = std::make_shared<RecordingJournal>(
+        RecordingJournal::Head{
+            .sessionId = u"1"_s, .folder = folder.path(), .startTime = clock.now(), .appName = {}},
+        pngWriter, tracker, work);
+    std::atomic<int> looks = 0;
+    std::function<void()> duringLook = [] {};
+    RecordingLoop loop{clock,
+                       [this] {
+                           ++looks;
+                           duringLook();
+                           return frame;
+                       },
+                       journal};
+};
+
+} // namespace
+
+TEST_F(RecordingLoopTest, LooksAtItsInterval) {
+    begin(250);
+    clock.advance(1s);
+    EXPECT_EQ(looks, 4);
+}
+
+TEST_F(RecordingLoopTest, LooksAtThePaceOfItsMovie) {
+    loop.begin(frame, video(10), 250);
+    clock.awaitSleeper();
+    clock.advance(1s);
+    EXPECT_EQ(looks, 10);
+    EXPECT_EQ(media.movies.back().frames.size(), 11U);
+    loop.end();
+    loop.stopVideo();
+    EXPECT_EQ(media.movies.back().finishes, 1);
+}
+
+TEST_F(RecordingLoopTest, LooksAtNothingWhilePaused) {
+    loop.setPaused(true);
+    begin();
+    clock.advance(3s);
+    EXPECT_EQ(looks, 0);
+    loop.setPaused(false);
+    clock.advance(3s);
+    EXPECT_EQ(looks, 3);
+}
+
+TEST_F(RecordingLoopTest, EndsFromItsSleep) {
+    begin(1'000'000);
+    loop.end();
+    loop.awaitLastLook(0ms);
+    loop.join();
+    EXPECT_EQ(looks, 0);
+    loop.end();
+    loop.join();
+}
+
+TEST_F(RecordingLoopTest, DoesNotBeginOnceEnded) {
+    loop.end();
+    loop.begin(frame, video(10), 1000);
+    EXPECT_EQ(media.movies.back().finishes, 1);
+    EXPECT_EQ(clock.sleeps(), 0);
+    // Somebody else's end; the movie is stopped once.
+    loop.stopVideo();
+    EXPECT_EQ(media.movies.back().finishes, 1);
+}
+
+TEST_F(RecordingLoopTest, WaitsForALookNoLongerThanItMay) {
+    begin();
+    std::promise<void> looking;
+    std::promise<void> goOn;
+    duringLook = [&] {
+        looking.set_value();
+        goOn.get_future().wait();
+    };
+    clock.jump(1s);
+    looking.get_future().wait();
+    // Neither waits for the look.
+    loop.end();
+    loop.awaitLastLook(1ms);
+    EXPECT_EQ(looks, 1);
+    goOn.set_value();
+    loop.awaitLastLook(10s);
+    loop.join();
+    EXPECT_EQ(looks, 1);
+}
+
+TEST_F(RecordingLoopTest, GoesOnAfterALookThatFails) {
+    begin();
+    duringLook = [] { throw std::runtime_error("it closed"); };
+    testing::internal::CaptureStderr();
+    clock.advance(1s);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "orvane: capture error in loop: it closed\n");
+    duringLook = [] {};
+    clock.advance(1s);
+    EXPECT_EQ(looks, 2);
+}
+
+} // namespace orvane::test
