@@ -14,13 +14,15 @@ CLIENTS, CALLS = 64, 100
 
 
 class Application:
-    """The application on a desktop of its own, with a tray."""
+    """The application on a desktop, with a tray, until the desktop or the given stack ends."""
 
-    def __init__(self, place, executable):
-        place.open(["trayer"])
+    def __init__(self, place, executable, stack=None):
+        if not place.has_tray:
+            place.open(["trayer"])
+            place.has_tray = True
         self.process = subprocess.Popen([executable], env=place.environment, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        place.stack.callback(end, self.process)
+        (stack or place.stack).callback(end, self.process)
         endpoint = os.path.join(place.folder, ".orvane/mcp-endpoint.json")
         eventually(lambda: os.path.exists(endpoint), "the application does not host the tools")
         self.command = [executable, "--mcp"]

@@ -74,6 +74,7 @@ class Desktop:
         self.environment["ORVANE_START_APPLICATION"] = "0"
         self.folder = self.environment["HOME"]
         self.stack = stack
+        self.has_tray = False
 
     def open(self, command):
         process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
