@@ -27,9 +27,10 @@ QString clipboardText(const QString& appName, const QString& sessionId, const QS
 QString recordingName(const RecordingTarget& target) {
     if (const auto* window = std::get_if<WindowTarget>(&target))
         return window->appName;
-    if (const auto* region = std::get_if<RegionTarget>(&target))
+    if (const auto* region = std::get_if<RegionTarget>(&target)) {
         return u"Region (%1×%2)"_s.arg(static_cast<qint64>(region->rectPoints.width()))
             .arg(static_cast<qint64>(region->rectPoints.height()));
+    }
     return u"Full Screen"_s;
 }
 

@@ -74,9 +74,10 @@ void drawText(QImage& picture, const QRect& area, QRgb ground, QRgb ink,
             const int left = area.left() + column * glyphWidth;
             for (int y = 0; y < glyphHeight; ++y) {
                 auto* row = reinterpret_cast<QRgb*>(picture.scanLine(top + y)) + left;
-                for (int x = 0; x < glyphWidth; ++x)
+                for (int x = 0; x < glyphWidth; ++x) {
                     row[x] = mixed(ground, ink,
                                    glyph.at(static_cast<size_t>(y) * glyphWidth + static_cast<size_t>(x)));
+                }
             }
         }
     }

@@ -15,9 +15,8 @@ bool writeNewFile(const QString& path, QByteArrayView bytes,
                   const std::optional<QFileDevice::Permissions>& permissions) {
     QFile file(path);
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered;
-    if (!(permissions ? file.open(mode, *permissions) : file.open(mode))) {
+    if (!(permissions ? file.open(mode, *permissions) : file.open(mode)))
         return false;
-    }
     const bool complete = file.write(bytes.data(), bytes.size()) == bytes.size();
     file.close();
     return complete && file.error() == QFileDevice::NoError;
@@ -38,9 +37,8 @@ bool writeFileAtomically(const QString& path, QByteArrayView bytes,
     // Not derived from the target's name, which may already be as long as the file system allows.
     const QString temporary =
         target.path() + QStringLiteral("/.orvane-") + QUuid::createUuid().toString(QUuid::Id128);
-    if (writeNewFile(temporary, bytes, permissions) && replaceFile(temporary, path)) {
+    if (writeNewFile(temporary, bytes, permissions) && replaceFile(temporary, path))
         return true;
-    }
     QFile::remove(temporary);
     return false;
 }

@@ -238,9 +238,10 @@ void expand(const Grid& grid, double origin, double scale, QImage& picture) {
         const Blend& rows = down[static_cast<size_t>(y)];
         const float* row = grid.row(static_cast<int>(rows.first));
         const size_t next = grid.rowLength();
-        for (size_t i = 0; i < next; ++i)
+        for (size_t i = 0; i < next; ++i) {
             cells[i] = rows.weights[0] * row[i] + rows.weights[1] * row[next + i] +
                        rows.weights[2] * row[2 * next + i] + rows.weights[3] * row[3 * next + i];
+        }
         float* pixel = pixels.data();
         for (const Blend& blend : across) {
             const float* cell = cells.data() + blend.first * channels;

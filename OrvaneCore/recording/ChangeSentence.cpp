@@ -56,10 +56,11 @@ QString describeChange(const std::vector<RegionDiff>& changedRegions, int cellCo
     if (!isMajor)
         return u"New activity in %1 area (%2 cells changed)."_s.arg(areaName(changedRegions)).arg(cellCount);
     const double screenPercent = static_cast<double>(cellCount) / gridCells * 100;
-    if (screenPercent > mostOfTheScreen)
+    if (screenPercent > mostOfTheScreen) {
         return u"Major visual update (%1 of screen, avg %2 diff). "
                u"Likely: full content refresh or navigation."_s.arg(percentText(screenPercent),
                                                                     percentText(avgDiff));
+    }
     return u"Significant change in %1 area (%2 cells, avg %3 diff)."_s.arg(areaName(changedRegions))
         .arg(cellCount)
         .arg(percentText(avgDiff));

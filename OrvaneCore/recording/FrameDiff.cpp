@@ -90,11 +90,12 @@ std::vector<RegionDiff> diffFrames(const QImage& prev, const QImage& current) {
                 continue;
             const double percent =
                 static_cast<double>(cell.changed) / static_cast<double>(cell.counted) * 100;
-            if (percent > unreportedPercent)
+            if (percent > unreportedPercent) {
                 regions.push_back({.col = col,
                                    .row = row,
                                    .diffPercent = percent,
                                    .pixelRect = QRectF(col * cellWidth, top, cellWidth, cellHeight)});
+            }
         }
     }
     return regions;

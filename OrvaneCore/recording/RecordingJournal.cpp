@@ -63,11 +63,12 @@ void RecordingJournal::analyse(const QImage& previous, const QImage& current, in
     writeFile(m_head.folder, fileName, m_pngWriter.encode(markChanges(current, change->regions)));
     const int cellCount = int(change->regions.size());
     const QString sentence = describeChange(change->regions, cellCount, change->averageDiff, change->isMajor);
-    if (change->minorChangesBefore > 0)
+    if (change->minorChangesBefore > 0) {
         append({.timestamp = time,
                 .event = u"minor_changes"_s,
                 .details = QString::number(change->minorChangesBefore) +
                            u" minor update(s) (continuous activity in active regions)"_s});
+    }
     append({.timestamp = time,
             .event = change->isMajor ? u"major_change"_s : u"visual_change"_s,
             .details = sentence,
@@ -81,10 +82,11 @@ void RecordingJournal::analyse(const QImage& previous, const QImage& current, in
 void RecordingJournal::tellPendingChanges(const QDateTime& time) {
     m_work.post([journal = shared_from_this(), time] {
         const int pending = journal->m_tracker.takePendingMinorChanges();
-        if (pending > 0)
+        if (pending > 0) {
             journal->append({.timestamp = time,
                              .event = u"minor_changes"_s,
                              .details = QString::number(pending) + u" minor update(s) in active regions"_s});
+        }
     });
 }
 

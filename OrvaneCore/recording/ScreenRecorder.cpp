@@ -131,9 +131,10 @@ void ScreenRecorder::beginCapturing(const std::shared_ptr<Recording>& recording,
         describeTarget(recording->capture.target(), recording->windows, firstFrame.size()));
     const bool wantsVideo = m_storage.saveRawVideo() && activeRecording() == recording;
     std::unique_ptr<RecordingVideo> video;
-    if (wantsVideo)
+    if (wantsVideo) {
         video = RecordingVideo::start(m_media, m_clock, recording->head().folder, firstFrame.size(),
                                       m_storage.videoFps());
+    }
     recording->loop.begin(firstFrame, std::move(video), intervalMs);
 }
 

@@ -46,9 +46,8 @@ int sweep(const QString& folder, FileMilliseconds cutoff, Links links) {
 
 int clear(const QString& folder) {
     const std::vector<fs::directory_entry> entries = folder_entries::listOwn(folder_entries::toPath(folder));
-    for (const fs::directory_entry& entry : entries) {
+    for (const fs::directory_entry& entry : entries)
         folder_entries::remove(entry.path());
-    }
     return static_cast<int>(entries.size());
 }
 

@@ -24,9 +24,8 @@ enum class Making { made, taken, impossible };
 Making makeFolder(const QString& dir) {
     QDir().mkpath(QFileInfo(dir).path());
     std::error_code error;
-    if (fs::create_directory(folder_entries::toPath(dir), error)) {
+    if (fs::create_directory(folder_entries::toPath(dir), error))
         return Making::made;
-    }
     // A folder that is there already is no error, anything else of that name is.
     return !error || error == std::errc::file_exists ? Making::taken : Making::impossible;
 }
@@ -46,9 +45,8 @@ SessionFolder SessionFolders::make() {
     for (;;) {
         if (const auto id = takeId()) {
             const QString dir = m_paths.sessionDir(*id);
-            if (makeFolder(dir) != Making::taken) {
+            if (makeFolder(dir) != Making::taken)
                 return {dir, *id};
-            }
         }
         m_sleep(std::chrono::milliseconds(1));
     }
@@ -59,9 +57,8 @@ SessionFolder SessionFolders::make() {
 std::optional<QString> SessionFolders::takeId() {
     const std::scoped_lock lock(m_mutex);
     const QString id = m_clock().toLocalTime().toString(QStringLiteral("yyyyMMdd-HHmmss.zzz"));
-    if (id == m_lastId) {
+    if (id == m_lastId)
         return std::nullopt;
-    }
     m_lastId = id;
     return id;
 }
@@ -72,18 +69,16 @@ void SessionFolders::updateLatestLink(const QString& target) const {
         link.parent_path() / (".latest-" + QUuid::createUuid().toString(QUuid::Id128).toStdString());
     std::error_code error;
     fs::create_symlink(folder_entries::toPath(QFileInfo(target).absoluteFilePath()), fresh, error);
-    if (error) {
+    if (error)
         return;
-    }
     fs::rename(fresh, link, error);
     if (error) {
         // A folder of that name is in the way: a link cannot be renamed onto it.
         folder_entries::remove(link);
         fs::rename(fresh, link, error);
     }
-    if (error) {
+    if (error)
         folder_entries::remove(fresh);
-    }
 }
 
 std::optional<QString> SessionFolders::latest() const {
@@ -104,9 +99,8 @@ bool SessionFolders::trash(const QString& path) const {
         return false;
     }
     const QString link = m_paths.latestSessionLink();
-    if (standardised(QFileInfo(link).symLinkTarget()) == session) {
+    if (standardised(QFileInfo(link).symLinkTarget()) == session)
         QFile::remove(link);
-    }
     return true;
 }
 

@@ -24,12 +24,10 @@ bool isBlank(QChar character) {
 }
 
 QStringView trimBlanks(QStringView text) {
-    while (!text.isEmpty() && isBlank(text.front())) {
+    while (!text.isEmpty() && isBlank(text.front()))
         text = text.sliced(1);
-    }
-    while (!text.isEmpty() && isBlank(text.back())) {
+    while (!text.isEmpty() && isBlank(text.back()))
         text.chop(1);
-    }
     return text;
 }
 
@@ -53,9 +51,8 @@ QString session_naming::setName(const QString& markdown, const QString& name) {
 std::optional<QString> session_naming::parseName(const QString& markdown) {
     const QList<QStringView> lines = QStringView(markdown).split(QLatin1Char('\n'));
     const auto named = findLine(lines, namePrefix);
-    if (named == lines.end()) {
+    if (named == lines.end())
         return std::nullopt;
-    }
     const QStringView name = trimBlanks(named->sliced(namePrefix.size()));
     return name.isEmpty() ? std::nullopt : std::optional(name.toString());
 }

@@ -21,9 +21,8 @@ struct FileTotals {
 
 quint64 sizeOf(const fs::directory_entry& entry, fs::file_type type) {
     std::error_code error;
-    if (type == fs::file_type::symlink) {
+    if (type == fs::file_type::symlink)
         return fs::read_symlink(entry.path(), error).native().size();
-    }
     const auto size = type == fs::file_type::regular ? entry.file_size(error) : 0;
     return error ? 0 : size;
 }

@@ -21,9 +21,8 @@ bool makePlaceForTrash() {
 } // namespace
 
 std::optional<QString> moveToTrash(const QString& path) {
-    if (!makePlaceForTrash()) {
+    if (!makePlaceForTrash())
         return QStringLiteral("there is no place for a trash folder");
-    }
     QFile item(path);
     return item.moveToTrash() ? std::nullopt : std::optional(item.errorString());
 }

@@ -12,9 +12,8 @@ bool boolean(const SettingsStore& settings, QLatin1String key, bool fallback) {
 
 std::optional<int> integer(const SettingsStore& settings, QLatin1String key) {
     const QJsonValue value = settings.value(key);
-    if (!value.isDouble() || std::trunc(value.toDouble()) != value.toDouble()) {
+    if (!value.isDouble() || std::trunc(value.toDouble()) != value.toDouble())
         return std::nullopt;
-    }
     return static_cast<int>(std::clamp(value.toDouble(), double(std::numeric_limits<int>::min()),
                                        double(std::numeric_limits<int>::max())));
 }

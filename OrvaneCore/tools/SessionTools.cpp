@@ -104,9 +104,10 @@ QJsonObject SessionTools::pollRecording(const QJsonObject& /*arguments*/) {
     const ScreenRecorder::Poll poll = m_recorder.pollTimeline();
     if (poll.sessionDir.isEmpty())
         return toolResult(u"Not recording. Call start_recording first."_s);
-    if (poll.events.isEmpty())
+    if (poll.events.isEmpty()) {
         return toolResult(
             u"No new events since last poll. Recording is active (session: %1)."_s.arg(poll.sessionId));
+    }
     QString text =
         u"Session: %1\nNew events (%2):\n"_s.arg(poll.sessionId, QString::number(poll.events.size()));
     for (const QString& event : poll.events)

@@ -38,38 +38,32 @@ struct FileContent {
 
 FileContent parse(const QByteArray& bytes) {
     using State = FileContent::State;
-    if (bytes.size() > largestSettings) {
+    if (bytes.size() > largestSettings)
         return {State::damaged, {}, QStringLiteral("it is too large")};
-    }
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
-    if (error.error != QJsonParseError::NoError) {
+    if (error.error != QJsonParseError::NoError)
         return {State::damaged, {}, error.errorString()};
-    }
-    if (!document.isObject()) {
+    if (!document.isObject())
         return {State::damaged, {}, QStringLiteral("it is not a JSON object")};
-    }
     return {State::object, document.object(), {}};
 }
 
 FileContent readSettings(const QString& path) {
     using State = FileContent::State;
     const QFileInfo info(path);
-    if (!info.exists()) {
+    if (!info.exists())
         return {};
-    }
     if (!info.isFile()) {
         // Opening a named pipe would wait for a writer for ever.
         return {State::unreadable, {}, QStringLiteral("it is not a regular file")};
     }
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return {State::unreadable, {}, file.errorString()};
-    }
     const QByteArray bytes = file.read(largestSettings + 1);
-    if (file.error() != QFileDevice::NoError) {
+    if (file.error() != QFileDevice::NoError)
         return {State::unreadable, {}, file.errorString()};
-    }
     return parse(bytes);
 }
 
@@ -91,9 +85,8 @@ public:
 
     ~WriteTurn() {
         m_lock.unlock();
-        if (m_hasMutex) {
+        if (m_hasMutex)
             m_mutex.unlock();
-        }
     }
 
     WriteTurn(const WriteTurn&) = delete;
@@ -110,9 +103,8 @@ private:
 bool setAside(const QString& path, const QString& problem) {
     const QString aside = path + QStringLiteral(".damaged-") +
                           QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss.zzz"));
-    if (!QFile::rename(path, aside)) {
+    if (!QFile::rename(path, aside))
         return false;
-    }
     logLine(
         QStringLiteral("the settings file %1 is damaged (%2); it was set aside as %3 and the defaults hold")
             .arg(path, problem, aside));
@@ -123,18 +115,16 @@ bool setAside(const QString& path, const QString& problem) {
 /// that just took the damaged one's place could be set aside.
 FileContent readPutRight(const QString& path) {
     FileContent content = readSettings(path);
-    if (content.state == FileContent::State::damaged && setAside(path, content.problem)) {
+    if (content.state == FileContent::State::damaged && setAside(path, content.problem))
         return {};
-    }
     return content;
 }
 
 /// The reason when it fails.
 std::optional<QString> replaceSettings(const QString& path, const QJsonObject& settings) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(ownerOnly)) {
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(ownerOnly))
         return file.errorString();
-    }
     file.write(QJsonDocument(settings).toJson());
     return file.commit() ? std::nullopt : std::optional(file.errorString());
 }
@@ -152,9 +142,8 @@ QJsonValue JsonSettingsStore::value(const QString& key) const {
     FileContent content = readSettings(m_filePath);
     if (content.state == FileContent::State::damaged) {
         const WriteTurn turn(m_writing, m_filePath);
-        if (turn.isTaken()) {
+        if (turn.isTaken())
             content = readPutRight(m_filePath);
-        }
     }
     reportReadFailure(content.problem);
     return content.settings.value(key);
@@ -175,13 +164,11 @@ void JsonSettingsStore::setValue(const QString& key, const QJsonValue& value) {
         giveUp(content.problem);
         return;
     }
-    if (content.settings.value(key) == value) {
+    if (content.settings.value(key) == value)
         return;
-    }
     content.settings.insert(key, value);
-    if (const auto reason = replaceSettings(m_filePath, content.settings)) {
+    if (const auto reason = replaceSettings(m_filePath, content.settings))
         giveUp(*reason);
-    }
 }
 
 void JsonSettingsStore::reportReadFailure(const QString& failure) const {

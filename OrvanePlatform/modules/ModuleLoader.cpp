@@ -23,9 +23,10 @@ QObject& ModuleLoader::load(const QString& name) const {
     // Qt keeps one library for each file, and it stays loaded when the loader that opened it goes.
     QPluginLoader loader(QDir(m_folder).filePath(name));
     QObject* root = loader.instance();
-    if (root == nullptr)
+    if (root == nullptr) {
         throw PlatformError(
             u"The module %1 could not be loaded from %2: %3"_s.arg(name, m_folder, loader.errorString()));
+    }
     return *root;
 }
 

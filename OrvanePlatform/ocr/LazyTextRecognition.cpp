@@ -35,9 +35,10 @@ std::vector<TextLine> LazyTextRecognition::recognize(const QImage& picture, cons
             u"Text recognition is not installed (packages libtesseract5 and tesseract-ocr-eng). "_s +
             error.message());
     }
-    if (engine->supportedLanguages().isEmpty())
+    if (engine->supportedLanguages().isEmpty()) {
         return nothingBut(u"No language data for text recognition are installed (package tesseract-ocr-eng, "
                           "or the folder that TESSDATA_PREFIX names)."_s);
+    }
     return engine->recognize(picture, languages);
 }
 

@@ -60,9 +60,10 @@ QByteArray SpngWriter::encode(const QImage& image) const {
         result = spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING);
     if (result == SPNG_OK)
         result = spng_set_ihdr(context.get(), &header);
-    if (result == SPNG_OK)
+    if (result == SPNG_OK) {
         result = spng_encode_image(context.get(), nullptr, 0, SPNG_FMT_PNG,
                                    SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE);
+    }
     if (result != SPNG_OK ||
         !encodeRows(context.get(), image, alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888))
         return {};

@@ -99,12 +99,14 @@ void X11Connection::queryExtensions() {
             reply<xcb_composite_query_version_reply>(xcb_composite_query_version(m_connection, 0, 4));
         m_extensions.composite = version && (version->major_version > 0 || version->minor_version >= 2);
     }
-    if (present(&xcb_xfixes_id))
+    if (present(&xcb_xfixes_id)) {
         m_extensions.xfixes =
             reply<xcb_xfixes_query_version_reply>(xcb_xfixes_query_version(m_connection, 5, 0)) != nullptr;
-    if (present(&xcb_damage_id))
+    }
+    if (present(&xcb_damage_id)) {
         m_extensions.damage =
             reply<xcb_damage_query_version_reply>(xcb_damage_query_version(m_connection, 1, 1)) != nullptr;
+    }
     if (present(&xcb_randr_id)) {
         const auto version =
             reply<xcb_randr_query_version_reply>(xcb_randr_query_version(m_connection, 1, 5));

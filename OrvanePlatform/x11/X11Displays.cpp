@@ -26,10 +26,11 @@ std::vector<Monitor> PendingScreenLayout::readMonitors() const {
     if (monitors.empty()) {
         const auto root = m_connection.reply<xcb_get_geometry_reply>(
             xcb_get_geometry(m_connection.raw(), m_connection.root()));
-        if (root)
+        if (root) {
             monitors.push_back({.name = QStringLiteral("default"),
                                 .pixels = QRect(0, 0, root->width, root->height),
                                 .primary = true});
+        }
     }
     return monitors;
 }

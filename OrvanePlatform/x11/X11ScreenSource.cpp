@@ -94,10 +94,11 @@ ShareableContent X11ScreenSource::listContent(const std::vector<qint64>& windowI
     const ScreenLayout layout = pendingLayout.read();
     ShareableContent content{.displays = layout.displays(), .windows = {}};
     for (size_t i = 0; i < placements.size(); ++i) {
-        if (placements[i])
+        if (placements[i]) {
             content.windows.push_back({.windowId = windowIds[i],
                                        .framePoints = layout.toPoints(placements[i]->visibleRect),
                                        .listed = *placements[i]});
+        }
     }
     return content;
 }

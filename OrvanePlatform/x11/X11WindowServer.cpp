@@ -120,10 +120,11 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
 std::optional<QString> X11WindowServer::unavailableReason() {
     try {
         const auto connection = m_session.connection();
-        if (!hasWindowManager(*connection))
+        if (!hasWindowManager(*connection)) {
             return QStringLiteral("No window manager runs on the display \"%1\", so its windows cannot be "
                                   "told apart. Start one that follows EWMH.")
                 .arg(qEnvironmentVariable("DISPLAY"));
+        }
         return std::nullopt;
     } catch (const PlatformError& error) {
         return error.message();

@@ -103,12 +103,14 @@ protected:
     }
 
     QString start(const TestWindow& window) {
-        if (GetParam().wholeDisplay)
+        if (GetParam().wholeDisplay) {
             return recorder.startRecording(DisplayTarget{displays.list().front().id}, GetParam().intervalMs,
                                            RecordingSource::mcp);
-        if (!GetParam().region.isNull())
+        }
+        if (!GetParam().region.isNull()) {
             return recorder.startRecording(RegionTarget{GetParam().region, 0}, GetParam().intervalMs,
                                            RecordingSource::mcp);
+        }
         EXPECT_EQ(discovery.findWindows(u"TestWindow"_s).front().windowId, window.id());
         return recorder.startRecording(u"TestWindow"_s, GetParam().intervalMs, RecordingSource::mcp);
     }

@@ -51,9 +51,10 @@ inline ::testing::AssertionResult isFilled(const QImage& picture, const QRect& a
         return ::testing::AssertionFailure() << "no such pixels";
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
-            if (colorDistance(picture.pixel(x, y), color) > tolerance)
+            if (colorDistance(picture.pixel(x, y), color) > tolerance) {
                 return ::testing::AssertionFailure() << "pixel " << x << "," << y << " is " << std::hex
                                                      << picture.pixel(x, y) << ", not " << color;
+            }
         }
     }
     return ::testing::AssertionSuccess();

@@ -38,9 +38,10 @@ VirtualDesktop::VirtualDesktop(const QStringList& options)
     }
     for (const QByteArray& entry : output.split('\0')) {
         const qsizetype equals = entry.indexOf('=');
-        if (equals > 0)
+        if (equals > 0) {
             m_inside.insert(QString::fromLocal8Bit(entry.left(equals)),
                             QString::fromLocal8Bit(entry.mid(equals + 1)));
+        }
     }
     if (!m_inside.contains(QStringLiteral("ORVANE_DESKTOP_XSERVER_PID")))
         throw std::runtime_error("the virtual desktop did not come up");
@@ -66,9 +67,10 @@ QString VirtualDesktop::home() const {
 QByteArray runCommand(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(startDeadlineMs) || process.exitCode() != 0)
+    if (!process.waitForFinished(startDeadlineMs) || process.exitCode() != 0) {
         throw std::runtime_error(program.toStdString() +
                                  " failed: " + process.readAllStandardError().toStdString());
+    }
     return process.readAllStandardOutput();
 }
 

@@ -178,9 +178,10 @@ private:
             const QByteArray type = "_NET_WM_WINDOW_TYPE_" + m_options.type.toUpper().toLatin1();
             setProperty("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {atom(type.constData())});
         }
-        if (m_options.aboveWithoutTaskbar)
+        if (m_options.aboveWithoutTaskbar) {
             setProperty("_NET_WM_STATE", XCB_ATOM_ATOM,
                         {atom("_NET_WM_STATE_ABOVE"), atom("_NET_WM_STATE_SKIP_TASKBAR")});
+        }
         if (m_options.shadow > 0) {
             const auto width = static_cast<uint32_t>(m_options.shadow);
             setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {width, width, width, width});

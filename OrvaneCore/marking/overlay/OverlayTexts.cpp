@@ -25,9 +25,8 @@ QString overlayInstructions(const MarkupModes& modes, int markerCount) {
                          : u"  Drag to mark a region  •  Cancel (esc)  "_s;
     }
     const QString regions = QString::number(markerCount) + u" region(s)"_s;
-    if (modes.ocr) {
+    if (modes.ocr)
         return u"  OCR · "_s + regions + u"  •  Drag to add more  •  Delete to undo  •  Submit (enter)  "_s;
-    }
     return u"  "_s + regions +
            u"  •  Drag to add more  •  Edge moves · corner resizes  •  Right-click to label"
            u"  •  Delete to undo  •  Submit (enter)  "_s;

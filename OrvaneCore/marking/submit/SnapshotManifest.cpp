@@ -119,10 +119,11 @@ public:
     QString files() const {
         QString text = u"## Files\n\n| File | Description |\n|------|-------------|\n"
                        "| display-annotated.png | Full display with all markers overlaid |\n"_s;
-        for (const Marker& marker : m_result.allMarkers)
+        for (const Marker& marker : m_result.allMarkers) {
             text += u"| %1 | Crop: %2 |\n"_s.arg(
                 regionFileName(marker.index),
                 marker.label.isEmpty() ? u"Region "_s + QString::number(marker.index) : marker.label);
+        }
         if (std::any_of(m_result.allMarkers.begin(), m_result.allMarkers.end(),
                         [](const Marker& marker) { return !recognized(marker).isEmpty(); }))
             text += u"| ocr.txt | Recognized text from all regions |\n"_s;
@@ -156,12 +157,14 @@ private:
             text += placeOnDisplay(marker, *marker.displayId, *marker.displayBounds);
         else
             text += u"**Screen coordinates (global desktop):** "_s + global + u"\n\n"_s;
-        if (marker.windowBounds)
+        if (marker.windowBounds) {
             text += u"**Window:** %1 \u2014 %2\n\n"_s.arg(marker.windowAppName.value_or(u"window"_s),
                                                           wholeSize(marker.windowBounds->size()));
-        if (const auto& rect = marker.windowRelativeRect)
+        }
+        if (const auto& rect = marker.windowRelativeRect) {
             text += u"**Window-relative:** %1 %2x%3\n\n"_s.arg(
                 wholePoint(rect->topLeft()), wholeText(rect->width()), wholeText(rect->height()));
+        }
         if (isOnDisplay)
             text += u"**Global desktop position (for automation):** "_s + global + u" pt\n\n"_s;
         if (const QString read = recognized(marker); !read.isEmpty())

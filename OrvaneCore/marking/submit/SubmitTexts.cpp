@@ -101,10 +101,11 @@ QString normalClipboardText(const SubmitResult& result, const QString& sessionPa
         text += u"Privacy: spotlight on \u2014 background blurred; use region crops for detail.\n"_s;
     text += drawingsNote(result.annotations);
     const std::map<int, QString> notes = markupNotes(result.annotations);
-    for (const Marker& marker : result.allMarkers)
+    for (const Marker& marker : result.allMarkers) {
         text += u"  [%1] %2 \u2192 %3/%4%5\n"_s.arg(
             QString::number(marker.index), marker.label.isEmpty() ? u"region"_s : marker.label, sessionPath,
             regionFileName(marker.index), markupSuffix(notes, marker.index));
+    }
     return text;
 }
 

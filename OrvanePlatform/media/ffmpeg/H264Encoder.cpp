@@ -33,9 +33,10 @@ constexpr qint64 fewestBitsPerSecond = 1000;
 H264Encoder::H264Encoder(const VideoFormat& format)
     : m_packet(made<PacketOwner>(av_packet_alloc())) {
     const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
-    if (codec == nullptr)
+    if (codec == nullptr) {
         throw PlatformError(u"The installed FFmpeg cannot encode H.264: its libavcodec is built without "
                             "libx264."_s);
+    }
     m_context = made<CodecContextOwner>(avcodec_alloc_context3(codec));
     const QSize stored = storedSize(format.sizePixels);
     m_context->width = stored.width();

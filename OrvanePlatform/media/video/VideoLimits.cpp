@@ -34,9 +34,10 @@ void requirePossible(const VideoFormat& format) {
         throw PlatformError(u"A movie cannot have %1 frames in each second."_s.arg(format.framesPerSecond));
     if (format.bitsPerSecond <= 0 || format.bitsPerSecond > mostBitsPerSecond)
         throw PlatformError(u"A movie cannot have %1 bits in each second."_s.arg(format.bitsPerSecond));
-    if (format.keyFrameInterval <= 0)
+    if (format.keyFrameInterval <= 0) {
         throw PlatformError(
             u"A movie cannot have a key frame in every %1 frames."_s.arg(format.keyFrameInterval));
+    }
 }
 
 QSize storedSize(const QSize& size) {

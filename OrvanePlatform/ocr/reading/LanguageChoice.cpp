@@ -46,10 +46,11 @@ QString languageOfPicture(const std::vector<Readings>& lines, const QStringList&
         float sum = 0;
         for (const Readings& readings : lines) {
             const auto found = readings.find(language);
-            if (found != readings.end() && isInOwnScript(language, found->second.text))
+            if (found != readings.end() && isInOwnScript(language, found->second.text)) {
                 sum += (found->second.confidence -
                         leadOfPlace * static_cast<float>(languages.indexOf(language))) *
                        static_cast<float>(found->second.text.size());
+            }
         }
         if (sum > most) {
             most = sum;

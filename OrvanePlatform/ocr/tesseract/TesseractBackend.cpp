@@ -54,9 +54,10 @@ QStringList TesseractBackend::supportedLanguages() {
 std::vector<TextLine> TesseractBackend::recognize(const QImage& picture, const QStringList& languages) {
     if (picture.isNull() || languages.isEmpty())
         return {};
-    if (qint64{picture.width()} * picture.height() > mostPixels)
+    if (qint64{picture.width()} * picture.height() > mostPixels) {
         throw PlatformError(u"A picture of %1 x %2 pixels is too large to be read."_s.arg(picture.width())
                                 .arg(picture.height()));
+    }
     const QImage flat = opaque(picture);
     const std::vector<FoundLine> found = findLines(flat);
     if (found.empty())

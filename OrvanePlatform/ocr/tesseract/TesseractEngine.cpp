@@ -60,9 +60,10 @@ float confidenceOf(tesseract::ResultIterator& result) {
 TesseractEngine::TesseractEngine(const QString& dataName)
     : m_api(std::make_unique<tesseract::TessBaseAPI>()) {
     silenceOnce();
-    if (m_api->Init(nullptr, dataName.toUtf8().constData(), tesseract::OEM_LSTM_ONLY) != 0)
+    if (m_api->Init(nullptr, dataName.toUtf8().constData(), tesseract::OEM_LSTM_ONLY) != 0) {
         throw PlatformError(u"Tesseract could not load its data \"%1\" from %2."_s.arg(
             dataName, QString::fromUtf8(m_api->GetDatapath())));
+    }
     // The picture is one line, black on white: there is no layout to be found and nothing to be inverted.
     m_api->SetPageSegMode(tesseract::PSM_RAW_LINE);
     m_api->SetVariable("tessedit_do_invert", "0");
@@ -88,9 +89,10 @@ Reading TesseractEngine::readLine(const QImage& line) {
     useOneThread();
     m_api->SetImage(line.constBits(), line.width(), line.height(), 1, static_cast<int>(line.bytesPerLine()));
     m_api->SetSourceResolution(dotsPerInch);
-    if (m_api->Recognize(nullptr) != 0)
+    if (m_api->Recognize(nullptr) != 0) {
         throw PlatformError(
             u"Tesseract could not read a line of %1 x %2 pixels."_s.arg(line.width()).arg(line.height()));
+    }
     const std::unique_ptr<tesseract::ResultIterator> result(m_api->GetIterator());
     if (!result || result->Empty(tesseract::RIL_SYMBOL))
         return {};

@@ -111,9 +111,8 @@ TEST_F(AtomicFile, WritersSideBySideNeverMixTheirBytes) {
     std::vector<std::thread> writers;
     for (const char letter : {'a', 'b', 'c'}) {
         writers.emplace_back([&, letter] {
-            for (int i = 0; i < 50; ++i) {
+            for (int i = 0; i < 50; ++i)
                 failures += writeFileAtomically(path, QByteArray(100'000, letter)) ? 0 : 1;
-            }
         });
     }
     for (int i = 0; i < 50; ++i) {
@@ -121,9 +120,8 @@ TEST_F(AtomicFile, WritersSideBySideNeverMixTheirBytes) {
         ASSERT_FALSE(seen.isEmpty());
         EXPECT_EQ(seen, QByteArray(100'000, seen.front()));
     }
-    for (std::thread& writer : writers) {
+    for (std::thread& writer : writers)
         writer.join();
-    }
     EXPECT_EQ(failures, 0);
     EXPECT_EQ(entries().size(), 1);
 }

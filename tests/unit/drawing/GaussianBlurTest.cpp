@@ -231,12 +231,13 @@ TEST(GaussianBlur, SpreadsOnePixelAsTheGaussian) {
         picture.scanLine(20)[20] = 255;
         const QImage blurred = gaussianBlur(picture, sigma);
         for (int y = -3; y <= 3; ++y) {
-            for (int x = -3; x <= 3; ++x)
+            for (int x = -3; x <= 3; ++x) {
                 EXPECT_NEAR(blurred.constScanLine(20 + y)[20 + x],
                             255 * kernel.at(static_cast<size_t>(centre + x)) *
                                 kernel.at(static_cast<size_t>(centre + y)),
                             0.51)
                     << sigma << ": " << x << "," << y;
+            }
         }
     }
 }

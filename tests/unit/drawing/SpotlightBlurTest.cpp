@@ -134,9 +134,10 @@ TEST(SpotlightBlur, ClearsNothingForRectanglesThatAreNone) {
         {10, 10, 20, notANumber},     {-infinity, 10, 20, 20},     {10, infinity, 20, 20},
         {10, 10, infinity, 20},       {10, 10, 20, -infinity},     {-infinity, -infinity, infinity, infinity},
         {1e300, 1e300, 1e300, 1e300}, {-1e308, -1e308, -1e308, 5}, {1.7e308, 0, 1.7e308, 50}};
-    for (const QRectF& rect : rects)
+    for (const QRectF& rect : rects) {
         EXPECT_EQ(blurOutside(picture(), {rect}, sigma), gaussianBlur(picture(), sigma))
             << rect.x() << " " << rect.y() << " " << rect.width() << " " << rect.height();
+    }
     std::vector<QRectF> withAGoodOne = rects;
     withAGoodOne.emplace_back(30, 40, 10, 12);
     expectSharpInside(picture(), blurOutside(picture(), withAGoodOne, sigma), {{30, 40, 10, 12}});

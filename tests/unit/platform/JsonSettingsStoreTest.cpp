@@ -127,13 +127,11 @@ TEST_F(JsonSettings, EveryKindOfValueComesBack) {
         {QStringLiteral("Map"), QJsonObject{{QStringLiteral("a"), 1}}},
         {QStringLiteral("Schlüssel"), 1},
     };
-    for (auto it = values.begin(); it != values.end(); ++it) {
+    for (auto it = values.begin(); it != values.end(); ++it)
         store.setValue(it.key(), it.value());
-    }
     const JsonSettingsStore other(file());
-    for (auto it = values.begin(); it != values.end(); ++it) {
+    for (auto it = values.begin(); it != values.end(); ++it)
         EXPECT_EQ(other.value(it.key()), it.value()) << it.key().toStdString();
-    }
     EXPECT_EQ(content(), values);
 }
 
@@ -268,9 +266,8 @@ TEST_F(JsonSettings, ManyReadersOfADamagedFileSetItAsideOnce) {
                 EXPECT_TRUE(store.value(m_key).isUndefined());
             });
         }
-        for (std::thread& reader : readers) {
+        for (std::thread& reader : readers)
             reader.join();
-        }
     });
     EXPECT_EQ(lines(log), 1);
     EXPECT_EQ(setAside().size(), 1);
@@ -370,9 +367,8 @@ TEST_F(JsonSettings, ThreadsLoseNothingOfEachOther) {
                       20);
         });
     }
-    for (std::thread& writer : writers) {
+    for (std::thread& writer : writers)
         writer.join();
-    }
     done = true;
     reader.join();
     EXPECT_EQ(content().size(), 80);
@@ -388,9 +384,8 @@ TEST_F(JsonSettings, ProcessesLoseNothingOfEachOther) {
             writeKeys(store, QStringLiteral("P%1_").arg(i), 25);
         }));
     }
-    for (const pid_t child : children) {
+    for (const pid_t child : children)
         waitFor(child);
-    }
     EXPECT_EQ(content().size(), 75);
     EXPECT_EQ(entries(), QStringList{QStringLiteral("settings.json")});
 }

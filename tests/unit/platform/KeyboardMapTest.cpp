@@ -156,9 +156,10 @@ TEST(KeyboardMap, TranslatesEachModifier) {
                                              {Shortcut::control, XCB_MOD_MASK_CONTROL},
                                              {Shortcut::option, XCB_MOD_MASK_1},
                                              {Shortcut::shift, XCB_MOD_MASK_SHIFT}};
-    for (const auto& [carbon, mask] : masks)
+    for (const auto& [carbon, mask] : masks) {
         EXPECT_EQ(Keyboard().map().keysFor({carbonP, carbon}).combinations,
                   (std::vector<KeyCombination>{{33, mask}}));
+    }
 }
 
 TEST(KeyboardMap, FindsModifiersWhereverTheyAre) {

@@ -47,9 +47,10 @@ TEST(AreaName, NamesTheBandsOfALoneCell) {
     const std::array colWords{u"left"_s,   u"left"_s,  u"center"_s, u"center"_s,
                               u"center"_s, u"right"_s, u"right"_s,  u"right"_s};
     for (int row = 0; row < gridRows; ++row) {
-        for (int col = 0; col < gridCols; ++col)
+        for (int col = 0; col < gridCols; ++col) {
             EXPECT_EQ(areaName(regions({{col, row}})), rowWords.at(static_cast<std::size_t>(row)) + u'-' +
                                                            colWords.at(static_cast<std::size_t>(col)));
+        }
     }
 }
 

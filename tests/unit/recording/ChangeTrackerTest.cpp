@@ -10,9 +10,10 @@ namespace {
 std::vector<RegionDiff> firstCells(int count, double percent) {
     std::vector<RegionDiff> regions;
     regions.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         regions.push_back(
             {.col = i % gridCols, .row = i / gridCols, .diffPercent = percent, .pixelRect = {}});
+    }
     return regions;
 }
 

@@ -30,9 +30,10 @@ constexpr QRgb grey = 0xFF646464;
 /// With the first samples of a cell, line by line, set to a colour.
 QImage withSamples(QImage picture, const QSize& cell, const QPoint& place, int count, QRgb color) {
     const int perLine = (cell.width() + 3) / 4;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         picture.setPixel(place.x() * cell.width() + i % perLine * 4,
                          place.y() * cell.height() + i / perLine * 4, color);
+    }
     return picture;
 }
 
@@ -49,9 +50,10 @@ QImage withPixelAt(const QImage& picture, int index, QRgb color = white) {
 QImage rewrapped(const QImage& picture, const QSize& size) {
     QImage result = ground(size, black);
     const int count = std::min(picture.width() * picture.height(), result.width() * result.height());
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         result.setPixel(i % size.width(), i / size.width(),
                         picture.pixel(i % picture.width(), i / picture.width()));
+    }
     return result;
 }
 
@@ -318,11 +320,12 @@ TEST(FrameDiff, AgreesWithThePlainDefinition) {
         for (int y = 0; y < after.height(); ++y) {
             for (int x = 0; x < after.width(); ++x) {
                 const QRgb pixel = after.pixel(x, y);
-                if (random() % 16 == 0)
+                if (random() % 16 == 0) {
                     after.setPixel(x, y,
                                    qRgb(std::clamp(qRed(pixel) + step(random), 0, 255),
                                         std::clamp(qGreen(pixel) + step(random), 0, 255),
                                         std::clamp(qBlue(pixel) + step(random), 0, 255)));
+                }
             }
         }
         const std::vector<RegionDiff> expected = expectedDiff(before, after);

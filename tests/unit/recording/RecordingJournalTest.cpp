@@ -79,9 +79,10 @@ TEST_F(RecordingJournalTest, NumbersPicturesByTheFramesCompared) {
 
 TEST_F(RecordingJournalTest, TellsActivityThatWasOnlyCounted) {
     journal->compare(frame, changedIn(1, 1), begin.addSecs(1));
-    for (int second = 2; second < 4; ++second)
+    for (int second = 2; second < 4; ++second) {
         journal->compare(second % 2 == 0 ? changedIn(1, 1) : frame, second % 2 == 0 ? frame : changedIn(1, 1),
                          begin.addSecs(second));
+    }
     journal->tellPendingChanges(begin.addSecs(4));
     work.drain();
     EXPECT_EQ(journal->takeNews().last(), u"T+4.0s | minor_changes | 2 minor update(s) in active regions");

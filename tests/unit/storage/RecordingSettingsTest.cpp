@@ -37,9 +37,8 @@ const std::vector<QJsonValue> notTexts{QJsonValue(QJsonValue::Undefined), QJsonV
 
 TEST_F(RecordingSettingsTest, NumbersOfAnotherTypeReadAsTheDefault) {
     for (const QJsonValue& value : notNumbers) {
-        for (const char* key : {"VideoFps", "CameraSize", "CameraDiameter"}) {
+        for (const char* key : {"VideoFps", "CameraSize", "CameraDiameter"})
             store(key, value);
-        }
         EXPECT_EQ(m_recording.videoFps(), 30);
         EXPECT_EQ(m_recording.cameraSize(), 1);
         EXPECT_EQ(m_recording.cameraDiameter(), 120);
@@ -100,9 +99,8 @@ TEST_F(RecordingSettingsTest, CameraDiameterIsClampedBothWays) {
 
 TEST_F(RecordingSettingsTest, SwitchesOfAnotherTypeReadAsTheirDefault) {
     for (const QJsonValue& value : notBooleans) {
-        for (const char* key : {"SaveRawVideo", "ShowCursorInRecording", "EnableCamera", "EnableMic"}) {
+        for (const char* key : {"SaveRawVideo", "ShowCursorInRecording", "EnableCamera", "EnableMic"})
             store(key, value);
-        }
         EXPECT_TRUE(m_recording.saveRawVideo());
         EXPECT_TRUE(m_recording.showCursorInRecording());
         EXPECT_FALSE(m_recording.enableCamera());
@@ -136,9 +134,8 @@ TEST_F(RecordingSettingsTest, EachSwitchIsReadAndWrittenUnderItsOwnKey) {
 
 TEST_F(RecordingSettingsTest, TextsOfAnotherTypeReadAsTheirDefault) {
     for (const QJsonValue& value : notTexts) {
-        for (const char* key : {"CameraBorderColor", "CameraPosition", "CameraDeviceId", "MicDeviceId"}) {
+        for (const char* key : {"CameraBorderColor", "CameraPosition", "CameraDeviceId", "MicDeviceId"})
             store(key, value);
-        }
         EXPECT_EQ(m_recording.cameraBorderColor(), QStringLiteral("none"));
         EXPECT_EQ(m_recording.cameraPosition(), QStringLiteral("bottom-right"));
         EXPECT_EQ(m_recording.cameraDeviceId(), std::nullopt);

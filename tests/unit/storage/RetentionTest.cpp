@@ -69,9 +69,8 @@ TEST_F(Retention, CountsDaysOf86400Seconds) {
 TEST_F(Retention, OfEnormousLengthDeletesNothing) {
     writeFile(captures(QStringLiteral("a.png")));
     makeOld(captures(QStringLiteral("a.png")));
-    for (const int days : {200'000, 2147483647}) {
+    for (const int days : {200'000, 2147483647})
         EXPECT_EQ(removeExpired(days), 0) << days;
-    }
 }
 
 TEST_F(Retention, DatesASessionByItsFolderAndNotByItsFiles) {

@@ -44,9 +44,8 @@ TEST_F(Sessions, TwoMakersInOneMillisecondGetFoldersOfTheirOwn) {
     EXPECT_EQ(first.id, QStringLiteral("20261115-092611.482"));
     EXPECT_EQ(second.id, QStringLiteral("20261115-092611.483"));
     EXPECT_EQ(third.id, QStringLiteral("20261115-092611.484"));
-    for (const auto& session : {first, second, third}) {
+    for (const auto& session : {first, second, third})
         EXPECT_TRUE(QFileInfo(session.dir).isDir()) << session.dir.toStdString();
-    }
 }
 
 TEST_F(Sessions, ANameThatIsTakenByAnythingIsPassedOver) {
@@ -70,18 +69,15 @@ TEST_F(Sessions, ManyThreadsOfTwoMakersNeverShareAFolder) {
     threads.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&folders = i % 2 == 0 ? ours : theirs, &mine = made.at(std::size_t(i))] {
-            for (int k = 0; k < sessionsEach; ++k) {
+            for (int k = 0; k < sessionsEach; ++k)
                 mine.append(folders.make().id);
-            }
         });
     }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
     QStringList ids;
-    for (const QStringList& some : made) {
+    for (const QStringList& some : made)
         ids += some;
-    }
     ids.sort();
     EXPECT_EQ(ids.removeDuplicates(), 0);
     EXPECT_EQ(QDir(sessions()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name), ids);
@@ -107,12 +103,10 @@ TEST_F(Sessions, ThreadsWithoutAnyFolderHaveIdsOfTheirOwn) {
     std::array<QString, 8> ids;
     std::vector<std::thread> threads;
     threads.reserve(ids.size());
-    for (QString& id : ids) {
+    for (QString& id : ids)
         threads.emplace_back([&folders, &id] { id = folders.make().id; });
-    }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
     EXPECT_EQ(std::set<QString>(ids.begin(), ids.end()).size(), ids.size());
 }
 
@@ -153,13 +147,11 @@ TEST_F(Sessions, LatestNeverVanishesWhileItIsReplaced) {
     std::atomic<bool> done = false;
     int missing = 0;
     std::thread reader([&] {
-        while (!done) {
+        while (!done)
             missing += m_folders.latest() ? 0 : 1;
-        }
     });
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 500; ++i)
         m_folders.updateLatestLink(sessions(i % 2 == 0 ? QStringLiteral("b") : QStringLiteral("a")));
-    }
     done = true;
     reader.join();
     EXPECT_EQ(missing, 0);

@@ -10,7 +10,7 @@ namespace orvane::test {
 
 namespace {
 
-constexpr QRect view(0, 0, 200, 100);
+constexpr QRect wholeView(0, 0, 200, 100);
 
 Extent partAt(const QRectF& rect) {
     Extent extent;
@@ -26,7 +26,9 @@ Extent planeAt(const QRectF& outer, const QRectF& inner, const std::optional<QCo
 
 /// Of boxes that lie in a row, by their places.
 QRegion damageOf(const std::vector<int>& before, const std::vector<int>& after) {
-    const auto bounds = [](int place) { return VisualBounds::of(partAt(QRectF(10 * place, 0, 4, 4)), view); };
+    const auto bounds = [](int place) {
+        return VisualBounds::of(partAt(QRectF(10 * place, 0, 4, 4)), wholeView);
+    };
     return listDamage(
         before, after, [](int left, int right) { return left == right; }, bounds, bounds);
 }
@@ -41,22 +43,22 @@ QRegion boxes(const std::vector<int>& places) {
 } // namespace
 
 TEST(VisualBounds, AreWholePointsWithOneMore) {
-    const VisualBounds bounds = VisualBounds::of(partAt({10.5, 20.5, 30, 10}), view);
+    const VisualBounds bounds = VisualBounds::of(partAt({10.5, 20.5, 30, 10}), wholeView);
     ASSERT_EQ(bounds.parts.size(), 1U);
     EXPECT_EQ(bounds.parts[0], QRect(9, 19, 33, 13));
     EXPECT_EQ(bounds.boundingRect(), bounds.parts[0]);
 }
 
 TEST(VisualBounds, AreInsideTheView) {
-    EXPECT_EQ(VisualBounds::of(partAt({190, 90, 30, 30}), view).boundingRect(), QRect(189, 89, 11, 11));
-    EXPECT_TRUE(VisualBounds::of(partAt({300, 90, 30, 30}), view).parts.empty());
-    EXPECT_FALSE(VisualBounds::of(planeAt({300, 90, 30, 30}, {}, {}), view).plane);
-    EXPECT_EQ(VisualBounds::of(partAt({-1e300, -1e300, 2e300, 2e300}), view).boundingRect(), view);
+    EXPECT_EQ(VisualBounds::of(partAt({190, 90, 30, 30}), wholeView).boundingRect(), QRect(189, 89, 11, 11));
+    EXPECT_TRUE(VisualBounds::of(partAt({300, 90, 30, 30}), wholeView).parts.empty());
+    EXPECT_FALSE(VisualBounds::of(planeAt({300, 90, 30, 30}, {}, {}), wholeView).plane);
+    EXPECT_EQ(VisualBounds::of(partAt({-1e300, -1e300, 2e300, 2e300}), wholeView).boundingRect(), wholeView);
 }
 
 TEST(VisualBounds, InsideOfAPlaneIsSmallerThanThatOfItsExtent) {
     const VisualBounds bounds =
-        VisualBounds::of(planeAt({10, 10, 100, 60}, {12.5, 12.5, 95, 55}, QColor(Qt::red)), view);
+        VisualBounds::of(planeAt({10, 10, 100, 60}, {12.5, 12.5, 95, 55}, QColor(Qt::red)), wholeView);
     ASSERT_TRUE(bounds.plane);
     EXPECT_EQ(bounds.plane->outer, QRect(9, 9, 102, 62));
     EXPECT_EQ(bounds.plane->inner, QRect(QPoint(15, 15), QPoint(104, 64)));
@@ -66,7 +68,7 @@ TEST(VisualBounds, InsideOfAPlaneIsSmallerThanThatOfItsExtent) {
 TEST(VisualBounds, PlaneTooSmallForAnInside) {
     for (const QRectF& inner : {QRectF(12, 12, 3, 50), QRectF(12, 12, 4.5, 4.5), QRectF(12, 12, -40, 50),
                                 QRectF(12, 12, -40, -50), QRectF()}) {
-        const VisualBounds bounds = VisualBounds::of(planeAt({10, 10, 100, 60}, inner, {}), view);
+        const VisualBounds bounds = VisualBounds::of(planeAt({10, 10, 100, 60}, inner, {}), wholeView);
         ASSERT_TRUE(bounds.plane);
         EXPECT_TRUE(bounds.plane->inner.isEmpty()) << inner.width();
     }
@@ -75,27 +77,28 @@ TEST(VisualBounds, PlaneTooSmallForAnInside) {
 TEST(VisualBounds, OfWhatOverflowsAreTheRectangleAroundAll) {
     Extent extent = partAt({10, 10, 5, 5});
     extent.add({100, 50, 5, 5});
-    EXPECT_FALSE(VisualBounds::of(extent, view).touches(QRect(50, 30, 2, 2)));
+    EXPECT_FALSE(VisualBounds::of(extent, wholeView).touches(QRect(50, 30, 2, 2)));
     extent.overflows = true;
-    EXPECT_TRUE(VisualBounds::of(extent, view).touches(QRect(50, 30, 2, 2)));
-    EXPECT_EQ(VisualBounds::of(extent, view).boundingRect(), QRect(9, 9, 97, 47));
+    EXPECT_TRUE(VisualBounds::of(extent, wholeView).touches(QRect(50, 30, 2, 2)));
+    EXPECT_EQ(VisualBounds::of(extent, wholeView).boundingRect(), QRect(9, 9, 97, 47));
     extent.parts = {QRectF(500, 500, 5, 5)};
-    EXPECT_TRUE(VisualBounds::of(extent, view).parts.empty());
+    EXPECT_TRUE(VisualBounds::of(extent, wholeView).parts.empty());
 }
 
 TEST(VisualBounds, TouchTheInsideOnlyWhereItIsPainted) {
     const QRect inside(50, 30, 4, 4);
     const QRectF rect(10, 10, 100, 60);
-    EXPECT_TRUE(VisualBounds::of(planeAt(rect, rect, QColor(Qt::red)), view).touches(inside));
-    EXPECT_FALSE(VisualBounds::of(planeAt(rect, rect, {}), view).touches(inside));
-    EXPECT_TRUE(VisualBounds::of(planeAt(rect, rect, {}), view).touches(QRect(8, 30, 4, 4)));
-    EXPECT_FALSE(VisualBounds::of(planeAt(rect, rect, QColor(Qt::red)), view).touches(QRect(120, 30, 4, 4)));
+    EXPECT_TRUE(VisualBounds::of(planeAt(rect, rect, QColor(Qt::red)), wholeView).touches(inside));
+    EXPECT_FALSE(VisualBounds::of(planeAt(rect, rect, {}), wholeView).touches(inside));
+    EXPECT_TRUE(VisualBounds::of(planeAt(rect, rect, {}), wholeView).touches(QRect(8, 30, 4, 4)));
+    EXPECT_FALSE(
+        VisualBounds::of(planeAt(rect, rect, QColor(Qt::red)), wholeView).touches(QRect(120, 30, 4, 4)));
 }
 
 TEST(VisualBounds, DifferenceLeavesOutWhatIsInsideBoth) {
     const auto planeFrom = [](qreal left, QColor paint) {
         const QRectF rect(left, 10, 100, 60);
-        return VisualBounds::of(planeAt(rect, rect, paint), view);
+        return VisualBounds::of(planeAt(rect, rect, paint), wholeView);
     };
     const QRegion moved =
         VisualBounds::difference(planeFrom(10, QColor(Qt::red)), planeFrom(20, QColor(Qt::red)));

@@ -219,9 +219,10 @@ TEST_F(MCPHTTPServerTest, AnEmptyTokenLetsNoMessageIn) {
     m_host = std::make_unique<MCPHTTPServer>(m_server, QString(), mebibyte, 30);
     m_port = m_host->start(0, 1).value_or(0);
     const QByteArray body = R"({"id":7,"method":"ping"})";
-    for (const QByteArray header : {"", "Authorization:\r\n", "Authorization: Bearer\r\n"})
+    for (const QByteArray header : {"", "Authorization:\r\n", "Authorization: Bearer\r\n"}) {
         EXPECT_EQ(exchange("POST /mcp HTTP/1.1\r\n" + header + "\r\n" + body),
                   reply("401 Unauthorized", plain, "Unauthorized"));
+    }
 }
 
 TEST_F(MCPHTTPServerTest, AToolThatThrowsIsAnErrorOfTheProtocol) {

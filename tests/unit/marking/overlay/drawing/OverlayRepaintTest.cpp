@@ -81,9 +81,10 @@ public:
                 scene.shapes.selectedId = annotation.id;
             });
         case 11:
-            if (!scene.shapes.annotations.empty())
+            if (!scene.shapes.annotations.empty()) {
                 scene.shapes.annotations.erase(scene.shapes.annotations.begin() +
                                                m_random.bounded(int(scene.shapes.annotations.size())));
+            }
             return "annotation removed";
         case 12:
             scene.shapes.draft.reset();

@@ -274,7 +274,7 @@ TEST_F(OverlayViewTest, WhatIsShownIsStillSoWhenTheViewIsElsewhere) {
     view.setFrame({-300, 20, 800, 600}, 1080);
     EXPECT_TRUE(isShown());
     view.resize(700, 500);
-    EXPECT_EQ(view.current().size, QSizeF(700, 500));
+    EXPECT_EQ(view.current().shapes.size, QSizeF(700, 500));
 }
 
 } // namespace
