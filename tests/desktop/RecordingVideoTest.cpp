@@ -162,8 +162,9 @@ TEST_F(RecordingMovie, ShowsWhatWasShownThenAndInItsOrder) {
         const std::size_t now = order.size() - 1;
         ASSERT_LT(now, shown.size()) << order;
         EXPECT_GE(times[i] + m_afterStart, shown[now].asked) << order;
-        if (now + 1 < shown.size())
+        if (now + 1 < shown.size()) {
             EXPECT_LE(times[i] + m_beforeStart, shown[now + 1].seen) << order;
+        }
     }
     EXPECT_EQ(order, "rgbwk");
 

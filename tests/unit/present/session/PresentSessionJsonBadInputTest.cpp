@@ -199,8 +199,9 @@ TEST(PresentSessionJsonBadInput, SurvivesAnyByteInAnyPlace) {
             const auto bundle = decodeSession(damaged);
             accepted += bundle ? 1 : 0;
             // Whatever could be read can be written and read again.
-            if (bundle)
+            if (bundle) {
                 EXPECT_EQ(decodeSession(encoded(*bundle)), bundle) << at << " " << byte;
+            }
         }
     }
     EXPECT_GT(accepted, 0);
