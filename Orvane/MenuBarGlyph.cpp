@@ -16,7 +16,7 @@ constexpr qreal rimWidth = 1.4;
 
 } // namespace
 
-QPainterPath MenuBarGlyph::pin() {
+QPainterPath menu_bar_glyph::pin() {
     constexpr qreal radius = 5.5;
     const QPointF head(side / 2, 7);
     const QPointF tip(side / 2, 16.8);
@@ -30,7 +30,7 @@ QPainterPath MenuBarGlyph::pin() {
     return path;
 }
 
-void MenuBarGlyph::drawPin(QPainter& painter, const QRectF& square) {
+void menu_bar_glyph::drawPin(QPainter& painter, const QRectF& square) {
     const PainterState state(painter);
     painter.translate(square.topLeft());
     painter.scale(square.width() / side, square.height() / side);

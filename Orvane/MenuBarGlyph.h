@@ -8,16 +8,17 @@ class QRectF;
 namespace orvane {
 
 /// The program's own sign.
-class MenuBarGlyph {
-public:
-    static constexpr qreal side = 18;
+namespace menu_bar_glyph {
 
-    /// A pin as on a map, on a square of `side`.
-    static QPainterPath pin();
+inline constexpr qreal side = 18;
 
-    /// Light with a dark rim, so that it can be seen on panels of any colour. The square is in the painter's
-    /// units.
-    static void drawPin(QPainter& painter, const QRectF& square);
-};
+/// A pin as on a map, on a square of `side`.
+QPainterPath pin();
+
+/// Light with a dark rim, so that it can be seen on panels of any colour. The square is in the painter's
+/// units.
+void drawPin(QPainter& painter, const QRectF& square);
+
+} // namespace menu_bar_glyph
 
 } // namespace orvane

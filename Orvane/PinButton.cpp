@@ -49,7 +49,7 @@ PinButton::PinButton(Surfaces& surfaces, std::function<void(const QPoint&)> pres
 
 void PinButton::setRecording(bool isRecording) {
     m_isRecording = isRecording;
-    const QString description = StatusIcon::description(isRecording);
+    const QString description = status_icon::description(isRecording);
     setWindowTitle(description);
     setAccessibleName(description);
     setToolTip(description);
@@ -75,7 +75,7 @@ void PinButton::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(rect(), QColor::fromRgba(background));
     QRectF square(0, 0, glyphSide, glyphSide);
     square.moveCenter(QRectF(rect()).center());
-    StatusIcon::draw(painter, square, m_isRecording);
+    status_icon::draw(painter, square, m_isRecording);
 }
 
 void PinButton::mousePressEvent(QMouseEvent* event) {

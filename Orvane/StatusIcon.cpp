@@ -25,10 +25,10 @@ public:
 
     /// Into a slot whose size is the panel's.
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
-        const qreal side = std::min({MenuBarGlyph::side, qreal(rect.width()), qreal(rect.height())});
+        const qreal side = std::min({menu_bar_glyph::side, qreal(rect.width()), qreal(rect.height())});
         QRectF square(0, 0, side, side);
         square.moveCenter(QRectF(rect).center());
-        StatusIcon::draw(*painter, square, m_isRecording);
+        status_icon::draw(*painter, square, m_isRecording);
     }
 
     /// For those who fit a picture into their panel themselves: it fills its size.
@@ -45,7 +45,7 @@ public:
         const qreal side = std::min(size.width(), size.height());
         QRectF square(0, 0, side, side);
         square.moveCenter(QRectF(picture.rect()).center());
-        StatusIcon::draw(painter, square, m_isRecording);
+        status_icon::draw(painter, square, m_isRecording);
         return picture;
     }
 
@@ -64,19 +64,19 @@ private:
 
 } // namespace
 
-QIcon StatusIcon::icon(bool isRecording) {
+QIcon status_icon::icon(bool isRecording) {
     return QIcon(new Engine(isRecording));
 }
 
-QString StatusIcon::description(bool isRecording) {
+QString status_icon::description(bool isRecording) {
     return isRecording ? u"Orvane (Recording)"_s : u"Orvane"_s;
 }
 
-void StatusIcon::draw(QPainter& painter, const QRectF& square, bool isRecording) {
+void status_icon::draw(QPainter& painter, const QRectF& square, bool isRecording) {
     if (isRecording)
         drawSymbol(painter, u"record.circle.fill"_s, square, QColor::fromRgba(red));
     else
-        MenuBarGlyph::drawPin(painter, square);
+        menu_bar_glyph::drawPin(painter, square);
 }
 
 } // namespace orvane

@@ -68,8 +68,8 @@ StatusItem::~StatusItem() = default;
 void StatusItem::update() {
     m_isRecording = m_state().isRecording;
     if (m_tray) {
-        m_tray->setIcon(StatusIcon::icon(m_isRecording));
-        m_tray->setToolTip(StatusIcon::description(m_isRecording));
+        m_tray->setIcon(status_icon::icon(m_isRecording));
+        m_tray->setToolTip(status_icon::description(m_isRecording));
     }
     if (m_pinButton)
         m_pinButton->setRecording(m_isRecording);
@@ -103,8 +103,8 @@ void StatusItem::moveIntoTray() {
                              m_menu->popup(icon.isValid() ? icon.bottomLeft() : QCursor::pos());
                          });
     }
-    m_tray->setIcon(StatusIcon::icon(m_isRecording));
-    m_tray->setToolTip(StatusIcon::description(m_isRecording));
+    m_tray->setIcon(status_icon::icon(m_isRecording));
+    m_tray->setToolTip(status_icon::description(m_isRecording));
     m_tray->show();
 }
 

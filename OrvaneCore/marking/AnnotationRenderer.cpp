@@ -288,7 +288,7 @@ void annotation_renderer::drawSelectionHandles(QPainter& painter, const Annotati
     const PainterState state(painter);
     const SelectionLayout layout = selectionLayout(annotation, mapPoint);
     if (layout.stem) {
-        painter.setPen(stroke(QColor(SystemColors::blue), handleLineWidth * scale));
+        painter.setPen(stroke(QColor(system_colors::blue), handleLineWidth * scale));
         painter.drawLine(*layout.stem);
     }
     drawHandleDots(painter, layout.dots, scale);
@@ -303,7 +303,7 @@ void annotation_renderer::drawHandleDots(QPainter& painter, const std::vector<QP
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::white);
         painter.drawEllipse(point, radius, radius);
-        painter.setPen(stroke(QColor(SystemColors::blue), handleLineWidth * scale));
+        painter.setPen(stroke(QColor(system_colors::blue), handleLineWidth * scale));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(point, radius + handleRingGrowth, radius + handleRingGrowth);
     }

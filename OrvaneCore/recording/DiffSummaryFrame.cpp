@@ -22,7 +22,7 @@ constexpr int labelPixelSize = 11;
 
 void drawRegion(QPainter& painter, const RegionDiff& region, const QSizeF& cellSize) {
     const PainterState state(painter);
-    const QColor red(SystemColors::red);
+    const QColor red(system_colors::red);
     const QRectF cell(QPointF(cellSize.width() * region.col, cellSize.height() * region.row), cellSize);
     const double intensity = std::min(region.diffPercent / 100, 1.0);
     painter.setPen(QPen(withAlpha(red, static_cast<float>(intensity * 0.5 + 0.4)), outlineWidth,

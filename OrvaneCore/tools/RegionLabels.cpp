@@ -15,8 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::array colors{SystemColors::red, SystemColors::blue, SystemColors::green, SystemColors::orange,
-                            SystemColors::purple};
+constexpr std::array colors{system_colors::red, system_colors::blue, system_colors::green,
+                            system_colors::orange, system_colors::purple};
 
 // Sizes in points.
 constexpr qreal outlineWidth = 3;

@@ -19,7 +19,7 @@ QImage inSlot(bool isRecording, int slot, QRgb panel, int scale = 1) {
     QImage picture = ground(QSize(slot, slot) * scale, panel);
     picture.setDevicePixelRatio(scale);
     QPainter painter(&picture);
-    StatusIcon::icon(isRecording).paint(&painter, QRect(0, 0, slot, slot));
+    status_icon::icon(isRecording).paint(&painter, QRect(0, 0, slot, slot));
     painter.end();
     picture.setDevicePixelRatio(1);
     return picture;
@@ -53,8 +53,8 @@ qreal blurredPart(const QImage& picture, QRgb panel, QRgb ink) {
 } // namespace
 
 TEST(StatusIcon, TellsOfARecordingInWords) {
-    EXPECT_EQ(StatusIcon::description(true), u"Orvane (Recording)"_s);
-    EXPECT_EQ(StatusIcon::description(false), u"Orvane"_s);
+    EXPECT_EQ(status_icon::description(true), u"Orvane (Recording)"_s);
+    EXPECT_EQ(status_icon::description(false), u"Orvane"_s);
 }
 
 TEST(StatusIcon, IsEighteenPointsWideInTheMiddleOfALargerSlot) {
@@ -97,7 +97,7 @@ TEST(StatusIcon, IsDrawnAnewAtTwiceTheScale) {
 }
 
 TEST(StatusIcon, PicturesForOthersToFitFillTheirSize) {
-    const QIcon icon = StatusIcon::icon(true);
+    const QIcon icon = status_icon::icon(true);
     const QList<QSize> sizes = icon.availableSizes();
     ASSERT_TRUE(sizes.contains(QSize(22, 22)));
     ASSERT_TRUE(sizes.contains(QSize(64, 64)));
@@ -111,9 +111,9 @@ TEST(StatusIcon, PicturesForOthersToFitFillTheirSize) {
 }
 
 TEST(StatusIcon, APinPointsDownAndHasAHole) {
-    const QPainterPath pin = MenuBarGlyph::pin();
+    const QPainterPath pin = menu_bar_glyph::pin();
     const QRectF bounds = pin.boundingRect();
-    EXPECT_TRUE(QRectF(0, 0, MenuBarGlyph::side, MenuBarGlyph::side).contains(bounds));
+    EXPECT_TRUE(QRectF(0, 0, menu_bar_glyph::side, menu_bar_glyph::side).contains(bounds));
     EXPECT_TRUE(pin.contains(QPointF(9, 3)));
     EXPECT_FALSE(pin.contains(QPointF(9, 7)));
     EXPECT_TRUE(pin.contains(QPointF(9, 15)));

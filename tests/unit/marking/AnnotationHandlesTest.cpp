@@ -49,23 +49,23 @@ TEST_P(DrawsHandles, DotsAreWhiteInABlueRing) {
     const auto isRing = [&](const Span& span, qreal middle) {
         return isSpan(span, middle - ringWidth / 2, middle + ringWidth / 2, 0.15);
     };
-    EXPECT_TRUE(isRing(spanInRow(onWhite, 50.5, 0, 60.5, white, SystemColors::blue), 60.5 - ringRadius));
-    EXPECT_TRUE(isRing(spanInRow(onWhite, 50.5, 60.5, 119, white, SystemColors::blue), 60.5 + ringRadius));
-    EXPECT_TRUE(isRing(spanInColumn(onWhite, 60.5, 0, 50.5, white, SystemColors::blue), 50.5 - ringRadius));
-    EXPECT_TRUE(isRing(spanInColumn(onWhite, 60.5, 50.5, 99, white, SystemColors::blue), 50.5 + ringRadius));
+    EXPECT_TRUE(isRing(spanInRow(onWhite, 50.5, 0, 60.5, white, system_colors::blue), 60.5 - ringRadius));
+    EXPECT_TRUE(isRing(spanInRow(onWhite, 50.5, 60.5, 119, white, system_colors::blue), 60.5 + ringRadius));
+    EXPECT_TRUE(isRing(spanInColumn(onWhite, 60.5, 0, 50.5, white, system_colors::blue), 50.5 - ringRadius));
+    EXPECT_TRUE(isRing(spanInColumn(onWhite, 60.5, 50.5, 99, white, system_colors::blue), 50.5 + ringRadius));
 
     // Where the ring is wide it covers the rim of the white.
     const qreal whiteRadius = std::min(4.5 * s, ringRadius - ringWidth / 2);
-    const QImage onBlue = dots({center}, ground({120, 100}, SystemColors::blue));
-    EXPECT_TRUE(isSpan(spanInRow(onBlue, 50.5, 0, 119, SystemColors::blue, white), 60.5 - whiteRadius,
+    const QImage onBlue = dots({center}, ground({120, 100}, system_colors::blue));
+    EXPECT_TRUE(isSpan(spanInRow(onBlue, 50.5, 0, 119, system_colors::blue, white), 60.5 - whiteRadius,
                        60.5 + whiteRadius, 0.15));
-    EXPECT_TRUE(isSpan(spanInColumn(onBlue, 60.5, 0, 99, SystemColors::blue, white), 50.5 - whiteRadius,
+    EXPECT_TRUE(isSpan(spanInColumn(onBlue, 60.5, 0, 99, system_colors::blue, white), 50.5 - whiteRadius,
                        50.5 + whiteRadius, 0.15));
     for (int i = 0; i < 8; ++i) {
         const QPointF direction(std::cos(i * std::numbers::pi / 4 + 0.3),
                                 std::sin(i * std::numbers::pi / 4 + 0.3));
         EXPECT_TRUE(isColor(onBlue, center + (whiteRadius - 1.5) * direction, white)) << i;
-        EXPECT_TRUE(isColor(onBlue, center + (whiteRadius + 1.5) * direction, SystemColors::blue)) << i;
+        EXPECT_TRUE(isColor(onBlue, center + (whiteRadius + 1.5) * direction, system_colors::blue)) << i;
     }
 }
 
@@ -89,8 +89,8 @@ TEST_P(DrawsHandles, LaterDotsCoverEarlierOnes) {
     const QPointF second(40 + 4 * s, 40);
     const QImage picture = dotsAt({{40, 40}, second});
     EXPECT_TRUE(isColor(picture, second, white));
-    EXPECT_TRUE(isColor(picture, second - QPointF(4.5 * s + 1, 0), SystemColors::blue, 40));
-    EXPECT_TRUE(isColor(dotsAt({second, {40, 40}}), QPointF(40 + 4.5 * s + 1, 40), SystemColors::blue, 40));
+    EXPECT_TRUE(isColor(picture, second - QPointF(4.5 * s + 1, 0), system_colors::blue, 40));
+    EXPECT_TRUE(isColor(dotsAt({second, {40, 40}}), QPointF(40 + 4.5 * s + 1, 40), system_colors::blue, 40));
     EXPECT_TRUE(isColor(picture, QPointF(40 + 4.5 * s + 1, 40), white));
 }
 
@@ -124,10 +124,10 @@ TEST_P(DrawsHandles, PicturesHaveOneToTurnThemByOnALine) {
         EXPECT_TRUE(isColor(picture, corner, white));
     EXPECT_TRUE(isColor(picture, {100 * s, 30 * s}, white));
     const QRgb under = qRgb(40, 90, 40);
-    EXPECT_TRUE(isSpan(spanInRow(picture, 50 * s, 80 * s, 120 * s, under, SystemColors::blue),
+    EXPECT_TRUE(isSpan(spanInRow(picture, 50 * s, 80 * s, 120 * s, under, system_colors::blue),
                        (100 - 0.75) * s, (100 + 0.75) * s));
     // From the upper edge of the picture up to below the dot, which lies on it.
-    EXPECT_TRUE(isSpan(spanInRow(picture, 60 * s - 1, 80 * s, 120 * s, under, SystemColors::blue),
+    EXPECT_TRUE(isSpan(spanInRow(picture, 60 * s - 1, 80 * s, 120 * s, under, system_colors::blue),
                        (100 - 0.75) * s, (100 + 0.75) * s));
     EXPECT_TRUE(isColor(picture, {100 * s, 60 * s + 1}, under));
     EXPECT_TRUE(isColor(picture, {100 * s, 32 * s}, white));
@@ -147,8 +147,8 @@ TEST_P(DrawsHandles, TurnWithTheirPicture) {
             EXPECT_TRUE(isColor(picture, at(corner), white)) << rotation;
         EXPECT_TRUE(isColor(picture, at({100, 30}), white)) << rotation;
         // Where the line is not a whole pixel wide, its colour is not pure.
-        EXPECT_TRUE(isColor(picture, at({100, 55}), SystemColors::blue, 80)) << rotation;
-        EXPECT_TRUE(isColor(picture, at({100, 45}), SystemColors::blue, 80)) << rotation;
+        EXPECT_TRUE(isColor(picture, at({100, 55}), system_colors::blue, 80)) << rotation;
+        EXPECT_TRUE(isColor(picture, at({100, 45}), system_colors::blue, 80)) << rotation;
         EXPECT_TRUE(isColor(picture, at({104, 50}), qRgb(40, 90, 40))) << rotation;
         EXPECT_TRUE(isColor(picture, at({96, 50}), qRgb(40, 90, 40))) << rotation;
         EXPECT_TRUE(isColor(picture, at({100, 65}), qRgb(40, 90, 40))) << rotation;
@@ -162,7 +162,7 @@ TEST_P(DrawsHandles, AreWhereTheMapSays) {
     // The handle to turn a picture by is 30 points above it, and these follow the map.
     const QImage image = handlesOf(shape(Kind::image, {1040, -440}, {1120, -380}), map, ground({200, 150}));
     EXPECT_TRUE(isColor(image, {100, 22.5}, white));
-    EXPECT_TRUE(isSpan(spanInRow(image, 43, 80, 120, white, SystemColors::blue), 100 - 0.75 * scale(),
+    EXPECT_TRUE(isSpan(spanInRow(image, 43, 80, 120, white, system_colors::blue), 100 - 0.75 * scale(),
                        100 + 0.75 * scale()));
 }
 

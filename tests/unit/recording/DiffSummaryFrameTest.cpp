@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QRgb red = SystemColors::red;
+constexpr QRgb red = system_colors::red;
 constexpr QRgb blue = 0xFF2040A0;
 
 /// Cells of 100 by 100 pixels.

@@ -70,7 +70,7 @@ QImage drawn(qreal scale, const std::vector<LabelledRegion>& regions) {
 class RegionLabelsAtScale : public testing::TestWithParam<qreal> {
 protected:
     const qreal scale = GetParam();
-    const QColor red = QColor(SystemColors::red);
+    const QColor red = QColor(system_colors::red);
     const LabelledRegion region{{100, 80, 160, 100}, u"Save"_s};
     const QImage picture = drawn(scale, {region});
 };
@@ -145,8 +145,8 @@ INSTANTIATE_TEST_SUITE_P(Scales, RegionLabelsAtScale, testing::Values(1.0, 1.5, 
 
 TEST(RegionLabels, RepeatsFiveColours) {
     std::vector<LabelledRegion> regions;
-    const std::array expected{SystemColors::red,    SystemColors::blue,   SystemColors::green,
-                              SystemColors::orange, SystemColors::purple, SystemColors::red};
+    const std::array expected{system_colors::red,    system_colors::blue,   system_colors::green,
+                              system_colors::orange, system_colors::purple, system_colors::red};
     regions.reserve(6);
     for (int i = 0; i < 6; ++i)
         regions.push_back({{20 + 60 * i, 50, 40, 100}, {}});
@@ -177,7 +177,7 @@ TEST(RegionLabels, DrawsNothingForNoRegions) {
 
 TEST(RegionLabels, CountsEachAxisInItsOwnScale) {
     const QImage picture = renderAnnotations(whitePicture(1), {{{100, 40, 100, 50}, {}}}, 800, 300);
-    const QColor tint = blended(QColor(SystemColors::red), 0.15, Qt::white);
+    const QColor tint = blended(QColor(system_colors::red), 0.15, Qt::white);
     EXPECT_TRUE(hasColor(picture, {90, 80}, tint));
     EXPECT_TRUE(hasColor(picture, {110, 80}, Qt::white));
 }
