@@ -128,10 +128,11 @@ void AppDelegate::hostTools(const QString& token) {
 }
 
 void AppDelegate::tellOfFirstLaunch() {
-    if (m_services.storage().hasOnboarded())
+    if (m_services.storage().hasOnboarded()) {
         logLine(u"hasOnboarded=true — skipping wizard");
-    else
+    } else {
         logUnavailable(u"onboarding wizard");
+    }
 }
 
 StatusMenuState AppDelegate::menuState() {

@@ -102,10 +102,11 @@ void Commands::bindHotkeys(KeyboardShortcuts& shortcuts) const {
 
 void Commands::press(const HotkeyDefinition& hotkey) const {
     const Command* command = findRow(m_table, &Command::hotkey, hotkey.name);
-    if (command != nullptr && command->isAvailable())
+    if (command != nullptr && command->isAvailable()) {
         command->run(std::nullopt);
-    else
+    } else {
         logUnavailable(hotkey.storedName);
+    }
 }
 
 void Commands::perform(StatusAction action, const std::optional<QString>& payload) const {

@@ -73,10 +73,11 @@ QString status_icon::description(bool isRecording) {
 }
 
 void status_icon::draw(QPainter& painter, const QRectF& square, bool isRecording) {
-    if (isRecording)
+    if (isRecording) {
         drawSymbol(painter, u"record.circle.fill"_s, square, QColor::fromRgba(red));
-    else
+    } else {
         menu_bar_glyph::drawPin(painter, square);
+    }
 }
 
 } // namespace orvane

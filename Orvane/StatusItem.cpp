@@ -81,10 +81,11 @@ void StatusItem::update() {
 void StatusItem::chooseHome() {
     // Qt looks for a tray on D-Bus when it is asked for the first time and keeps to what it found: asked too
     // early in a session it would never see such a tray.
-    if (m_hasTrayHost() && QSystemTrayIcon::isSystemTrayAvailable())
+    if (m_hasTrayHost() && QSystemTrayIcon::isSystemTrayAvailable()) {
         moveIntoTray();
-    else
+    } else {
         moveOntoButton();
+    }
 }
 
 void StatusItem::moveIntoTray() {
@@ -132,10 +133,11 @@ void StatusItem::fill(QMenu& menu, const std::vector<StatusMenuRow>& rows) {
     for (QAction* action : menu.actions()) {
         menu.removeAction(action);
         // Later, since it may be the one that is being handled. A submenu takes its row with it.
-        if (action->menu())
+        if (action->menu()) {
             action->menu()->deleteLater();
-        else
+        } else {
             action->deleteLater();
+        }
     }
     for (const StatusMenuRow& row : rows)
         menu.addAction(makeAction(menu, row));

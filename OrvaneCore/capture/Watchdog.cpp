@@ -54,10 +54,11 @@ void Watchdog::run() {
             if (!call.late)
                 m_nextLook = std::min(m_nextLook, call.deadline);
         }
-        if (m_nextLook == std::chrono::steady_clock::time_point::max())
+        if (m_nextLook == std::chrono::steady_clock::time_point::max()) {
             m_changed.wait(lock);
-        else
+        } else {
             m_changed.wait_until(lock, m_nextLook);
+        }
     }
 }
 

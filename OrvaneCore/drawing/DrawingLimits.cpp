@@ -29,10 +29,11 @@ std::optional<QLineF> clipped(const QLineF& line, const QRectF& area) {
     for (const auto& [outward, inside] : sides) {
         if (outward == 0 && inside < 0)
             return std::nullopt;
-        if (outward < 0)
+        if (outward < 0) {
             first = std::max(first, inside / outward);
-        else if (outward > 0)
+        } else if (outward > 0) {
             last = std::min(last, inside / outward);
+        }
     }
     if (first > last)
         return std::nullopt;

@@ -313,12 +313,13 @@ QImage gaussianBlur(const QImage& image, double sigma) {
     while (width / (2 * scale) >= fewestCellsPerSigma)
         scale *= 2;
     const bool isMask = source.format() == QImage::Format_Alpha8;
-    if (scale == 1)
+    if (scale == 1) {
         blurFinely(source, isMask ? 1 : 4, width, result);
-    else if (isMask)
+    } else if (isMask) {
         blurCoarsely<1>(source, width, scale, result);
-    else
+    } else {
         blurCoarsely<4>(source, width, scale, result);
+    }
     return result;
 }
 

@@ -341,10 +341,11 @@ Extent annotation_renderer::extent(const Annotation& annotation, const PointMap&
     case Annotation::Kind::image:
         if (!layout.hasPicture())
             return extent;
-        if (annotation.image.isNull())
+        if (annotation.image.isNull()) {
             extent.add(layout.rect(), missingPictureLineWidth / 2);
-        else
+        } else {
             extent.add(layout.pictureTurn().mapRect(layout.picture()));
+        }
         break;
     }
     if (!annotation.label.isEmpty())

@@ -161,10 +161,11 @@ QString ScreenRecorder::stopRecording() {
     m_work.drain();
 
     RecordingJournal& journal = *recording->journal;
-    if (failure)
+    if (failure) {
         journal.tellEndWithoutFrame(*failure, m_clock.now());
-    else
+    } else {
         journal.tellEnd(endFrame, m_clock.now());
+    }
     recording->loop.stopVideo();
     journal.writeReport(m_clock.now());
     m_storage.updateLatestLink(recording->head().folder);

@@ -18,10 +18,11 @@ void LoginItem::setEnabled(bool enabled) {
     if (isEnabled() == enabled)
         return;
     try {
-        if (enabled)
+        if (enabled) {
             m_entry.registerEntry();
-        else
+        } else {
             m_entry.unregisterEntry();
+        }
     } catch (const PlatformError& error) {
         logLine(
             u"login item %1 failed: %2"_s.arg(enabled ? u"register"_s : u"unregister"_s, error.message()));

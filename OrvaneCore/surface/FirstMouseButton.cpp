@@ -93,14 +93,16 @@ QFont FirstMouseButton::titleFont() const {
 void FirstMouseButton::drawGround(QPainter& painter) const {
     QPainterPath outline;
     outline.addRoundedRect(rect(), m_cornerRadius, m_cornerRadius);
-    if (m_isProminent)
+    if (m_isProminent) {
         painter.fillPath(outline, look::accent());
-    else if (isChecked() && !m_swatch)
+    } else if (isChecked() && !m_swatch) {
         painter.fillPath(outline, withAlpha(look::accent(), 0.45F));
-    if (isDown())
+    }
+    if (isDown()) {
         painter.fillPath(outline, gray(1, 0.22F));
-    else if (underMouse())
+    } else if (underMouse()) {
         painter.fillPath(outline, gray(1, 0.12F));
+    }
 }
 
 void FirstMouseButton::drawTitle(QPainter& painter) const {

@@ -107,10 +107,11 @@ bool PosixStreams::write(QByteArrayView bytes) {
     const SigpipeBlock noSigpipe;
     while (!bytes.isEmpty()) {
         const ssize_t count = ::write(m_outputFd, bytes.data(), static_cast<size_t>(bytes.size()));
-        if (count >= 0)
+        if (count >= 0) {
             bytes = bytes.sliced(count);
-        else if (!mayRetry(errno, m_outputFd, POLLOUT))
+        } else if (!mayRetry(errno, m_outputFd, POLLOUT)) {
             return false;
+        }
     }
     return true;
 }

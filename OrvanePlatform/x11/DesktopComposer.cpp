@@ -140,10 +140,11 @@ std::optional<QImage> rootBackground(const X11Connection& connection, PixelReade
 
 void paintWallpaper(QPainter& painter, const X11Connection& connection, PixelReader& reader,
                     Redirection& redirection, const QRect& area) {
-    if (const auto tile = namedWallpaper(connection, reader))
+    if (const auto tile = namedWallpaper(connection, reader)) {
         painter.fillRect(area, QBrush(*tile));
-    else if (const auto background = rootBackground(connection, reader, redirection, area))
+    } else if (const auto background = rootBackground(connection, reader, redirection, area)) {
         painter.drawImage(area.topLeft(), *background);
+    }
 }
 
 } // namespace

@@ -25,10 +25,11 @@ KeyboardSeeker::KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool a
     , m_asksOnPress(asksOnPress)
     , m_ask(std::move(ask)) {
     connect(&m_timer, &QTimer::timeout, this, [this] {
-        if (m_window.isActiveWindow() || ++m_tries > retryLimit)
+        if (m_window.isActiveWindow() || ++m_tries > retryLimit) {
             giveUp();
-        else
+        } else {
             m_ask();
+        }
     });
     m_window.installEventFilter(this);
     m_window.windowHandle()->installEventFilter(this);
@@ -41,10 +42,11 @@ void KeyboardSeeker::seek() {
 
 bool KeyboardSeeker::eventFilter(QObject* watched, QEvent* event) {
     if (watched == &m_window) {
-        if (event->type() == QEvent::Show && m_keyboard == SurfaceKeyboard::atOnce)
+        if (event->type() == QEvent::Show && m_keyboard == SurfaceKeyboard::atOnce) {
             seek();
-        else if (event->type() == QEvent::Hide)
+        } else if (event->type() == QEvent::Hide) {
             giveUp();
+        }
         return false;
     }
     // Before it is painted for the first time, so that the first key finds it there. Later, wherever in the

@@ -46,10 +46,11 @@ ScaleFactors::ScaleFactors(const Inputs& inputs)
     for (const QString& entry : entries) {
         const qsizetype equals = entry.lastIndexOf(u'=');
         const std::optional<qreal> factor = positiveNumber(entry.mid(equals + 1));
-        if (equals < 0)
+        if (equals < 0) {
             m_byIndex.push_back(factor);
-        else if (factor)
+        } else if (factor) {
             m_byName.insert(entry.left(equals), *factor);
+        }
     }
 }
 

@@ -30,12 +30,13 @@ std::vector<std::optional<xcb_window_t>> readFrames(const X11Connection& connect
         }
         for (const auto& [i, cookie] : cookies) {
             const auto tree = connection.reply<xcb_query_tree_reply>(cookie);
-            if (!tree || tree->parent == XCB_WINDOW_NONE)
+            if (!tree || tree->parent == XCB_WINDOW_NONE) {
                 frames[i].reset();
-            else if (tree->parent == connection.root())
+            } else if (tree->parent == connection.root()) {
                 found[i] = true;
-            else
+            } else {
                 frames[i] = tree->parent;
+            }
         }
     }
     for (size_t i = 0; i < frames.size(); ++i) {

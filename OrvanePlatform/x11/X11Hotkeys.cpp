@@ -146,10 +146,11 @@ void X11Hotkeys::pressed(const KeyCombination& combination) {
         return;
     const auto known = std::find_if(m_down.begin(), m_down.end(),
                                     [&bare](const auto& down) { return down.first == bare.keycode; });
-    if (known == m_down.end())
+    if (known == m_down.end()) {
         m_down.emplace_back(bare.keycode, std::move(ids));
-    else
+    } else {
         known->second = std::move(ids);
+    }
 }
 
 void X11Hotkeys::released(xcb_keycode_t keycode) {
@@ -161,10 +162,11 @@ void X11Hotkeys::released(xcb_keycode_t keycode) {
         deliver(id, [](const Handlers& handlers) { handlers.released(); });
     // The server lends the keyboard until the key that went down first goes up; the others' releases do not
     // come here any more.
-    if (known == m_down.begin())
+    if (known == m_down.begin()) {
         m_down.clear();
-    else
+    } else {
         m_down.erase(known);
+    }
 }
 
 void X11Hotkeys::lost() {

@@ -117,10 +117,11 @@ void X11Surfaces::giveKeyboardBack() {
 void X11Surfaces::askForKeyboard(const QWidget& window) {
     try {
         const auto connection = m_session.connection();
-        if (window.windowFlags().testFlag(Qt::X11BypassWindowManagerHint) || !hasWindowManager(*connection))
+        if (window.windowFlags().testFlag(Qt::X11BypassWindowManagerHint) || !hasWindowManager(*connection)) {
             m_focus.give(idOf(window));
-        else
+        } else {
             requestActivation(*connection, idOf(window));
+        }
     } catch (const PlatformError&) {
         // Without an X server there is no keyboard.
     }

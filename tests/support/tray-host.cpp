@@ -60,12 +60,13 @@ public:
         if (message.member() == u"Get") {
             const QString property = arguments.value(1).toString();
             QVariant value;
-            if (property == u"IsStatusNotifierHostRegistered")
+            if (property == u"IsStatusNotifierHostRegistered") {
                 value = true;
-            else if (property == u"ProtocolVersion")
+            } else if (property == u"ProtocolVersion") {
                 value = 0;
-            else if (property == u"RegisteredStatusNotifierItems")
+            } else if (property == u"RegisteredStatusNotifierItems") {
                 value = items;
+            }
             connection.send(message.createReply(QVariant::fromValue(QDBusVariant(value))));
             return true;
         }

@@ -127,10 +127,11 @@ SubmitRequest MarkerManager::submitRequest() const {
 
 void MarkerManager::setCurrentTool(AnnotationTool tool) {
     m_currentTool = tool;
-    if (tool == AnnotationTool::region)
+    if (tool == AnnotationTool::region) {
         m_selectedAnnotationId.reset();
-    else
+    } else {
         m_selectedMarkerId.reset();
+    }
     changed();
 }
 

@@ -171,10 +171,11 @@ void OverlayBar::arrange() {
     const OverlayBarLayout layout = overlayBarLayout(parts, m_viewRect);
     setGeometry(layout.bar);
     for (std::size_t i = 0; i < places.size(); ++i) {
-        if (!places[i].widget)
+        if (!places[i].widget) {
             m_divider = layout.parts[i];
-        else
+        } else {
             places[i].widget->setGeometry(layout.parts[i]);
+        }
     }
     for (FirstMouseButton* button : {m_cancelButton, m_imageButton, m_markupButton, m_spotlightButton,
                                      m_ocrButton, m_sendButton, m_submitButton})

@@ -71,10 +71,11 @@ void OverlayCommands::toggleMarkup() {
     const bool on = !m_manager.markupMode();
     m_manager.setMarkupMode(on);
     const AnnotationTool tool = m_manager.currentTool();
-    if (!on)
+    if (!on) {
         m_manager.setCurrentTool(AnnotationTool::region);
-    else
+    } else {
         m_manager.setCurrentTool(tool == AnnotationTool::region ? AnnotationTool::select : tool);
+    }
 }
 
 void OverlayCommands::toggleSend() {

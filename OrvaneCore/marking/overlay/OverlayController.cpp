@@ -92,10 +92,11 @@ void OverlayController::screenRemoved(const QScreen* screen) {
         window->setVisible(!isGone);
         return isGone;
     });
-    if (m_windows.empty())
+    if (m_windows.empty()) {
         hideOverlay();
-    else if (hadKeyboard)
+    } else if (hadKeyboard) {
         m_services.surfaces.takeKeyboard(*m_windows.front());
+    }
 }
 
 OverlayController::FrozenScreens OverlayController::freezeScreens() const {
@@ -134,12 +135,13 @@ void OverlayController::cancelOverlay() {
 void OverlayController::toggleOverlay() {
     if (std::exchange(m_showAfterCapture, false))
         return;
-    if (!isShown() && !m_isPreparing)
+    if (!isShown() && !m_isPreparing) {
         showOverlay();
-    else if (m_services.manager.markers().empty())
+    } else if (m_services.manager.markers().empty()) {
         cancelOverlay();
-    else
+    } else {
         submit();
+    }
 }
 
 void OverlayController::submit() {

@@ -21,10 +21,11 @@ void OverlayGestures::pointerPressed(const QPointF& viewPoint) {
     m_mousePosition = viewPoint;
     cancel();
     m_beganWithRegionTool = isRegionTool();
-    if (m_beganWithRegionTool)
+    if (m_beganWithRegionTool) {
         m_regions.pointerPressed(viewPoint);
-    else
+    } else {
         m_annotations.pointerPressed(viewPoint);
+    }
 }
 
 void OverlayGestures::pointerDragged(const QPointF& viewPoint) {
@@ -32,20 +33,22 @@ void OverlayGestures::pointerDragged(const QPointF& viewPoint) {
         return;
     m_mousePosition = viewPoint;
     dropWithoutTool();
-    if (m_beganWithRegionTool)
+    if (m_beganWithRegionTool) {
         m_regions.pointerDragged(viewPoint);
-    else
+    } else {
         m_annotations.pointerDragged(viewPoint);
+    }
 }
 
 void OverlayGestures::pointerReleased(const QPointF& viewPoint) {
     if (m_coordinates.isReachable(viewPoint))
         m_mousePosition = viewPoint;
     dropWithoutTool();
-    if (m_beganWithRegionTool)
+    if (m_beganWithRegionTool) {
         m_regions.pointerReleased();
-    else
+    } else {
         m_annotations.pointerReleased();
+    }
 }
 
 void OverlayGestures::pointerMoved(const QPointF& viewPoint) {

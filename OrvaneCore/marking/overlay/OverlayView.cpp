@@ -127,10 +127,11 @@ void OverlayView::placeControls() {
 
 void OverlayView::mousePressEvent(QMouseEvent* event) {
     const EventRefresh::Event handled(m_refresh);
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         m_gestures.pointerPressed(event->scenePosition());
-    else if (event->button() == Qt::RightButton)
+    } else if (event->button() == Qt::RightButton) {
         m_gestures.rightPressed(event->scenePosition());
+    }
 }
 
 void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {

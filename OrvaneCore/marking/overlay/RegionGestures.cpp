@@ -66,10 +66,11 @@ void RegionGestures::pointerPressed(const QPointF& viewPoint) {
         m_manager.setSelectedMarkerId(std::nullopt);
         return;
     }
-    if (hit->handle)
+    if (hit->handle) {
         m_gesture = Reshape{.id = hit->id, .handle = *hit->handle, .rect = hit->rect};
-    else
+    } else {
         m_gesture = Move{.id = hit->id, .anchor = point};
+    }
     m_manager.setSelectedMarkerId(hit->id);
 }
 

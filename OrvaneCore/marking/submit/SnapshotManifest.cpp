@@ -153,10 +153,11 @@ private:
         if (const auto notes = m_notes.find(marker.index); notes != m_notes.end())
             text += u"**User markup:** "_s + notes->second + u"\n\n"_s;
         text += u"**Region image:** "_s + regionFileName(marker.index) + u"\n\n"_s;
-        if (isOnDisplay)
+        if (isOnDisplay) {
             text += placeOnDisplay(marker, *marker.displayId, *marker.displayBounds);
-        else
+        } else {
             text += u"**Screen coordinates (global desktop):** "_s + global + u"\n\n"_s;
+        }
         if (marker.windowBounds) {
             text += u"**Window:** %1 \u2014 %2\n\n"_s.arg(marker.windowAppName.value_or(u"window"_s),
                                                           wholeSize(marker.windowBounds->size()));

@@ -23,12 +23,13 @@ SubmitClipboard::SubmitClipboard(Clipboard& clipboard, const SubmitResult& resul
     , m_sessionPath(std::move(sessionPath)) {}
 
 void SubmitClipboard::copyToClipboard() const {
-    if (m_result.copiedOcrText)
+    if (m_result.copiedOcrText) {
         m_clipboard.writeText(*m_result.copiedOcrText);
-    else if (m_modes.image)
+    } else if (m_modes.image) {
         writeImageToClipboard();
-    else
+    } else {
         writeText();
+    }
 }
 
 void SubmitClipboard::writeImageToClipboard() const {
@@ -36,17 +37,19 @@ void SubmitClipboard::writeImageToClipboard() const {
     const auto* crop = std::get_if<RegionCrop>(&choice);
     const QString file = crop != nullptr ? regionFileName(crop->index) : firstDisplayFileName(m_result);
     const QImage image(m_sessionDir + u'/' + file);
-    if (image.isNull())
+    if (image.isNull()) {
         writeText();
-    else
+    } else {
         m_clipboard.writeImage(image);
+    }
 }
 
 void SubmitClipboard::afterSend(const SendTarget& target, const SendOutcome& outcome) const {
-    if (m_modes.image || target.kind == SendTargetKind::comms)
+    if (m_modes.image || target.kind == SendTargetKind::comms) {
         writeImageToClipboard();
-    else if (!outcome.activated)
+    } else if (!outcome.activated) {
         writeText();
+    }
 }
 
 void SubmitClipboard::writeText() const {

@@ -99,10 +99,11 @@ std::vector<Annotation> inRegion(const std::vector<Annotation>& annotations, int
 
 void save(const QString& folder, const QString& file, const QByteArray& bytes) {
     // No picture is no bytes, and an empty file helps nobody.
-    if (bytes.isEmpty())
+    if (bytes.isEmpty()) {
         logLine(u"save error "_s + file + u": the picture cannot be encoded"_s);
-    else if (!writeFileAtomically(folder + u'/' + file, bytes))
+    } else if (!writeFileAtomically(folder + u'/' + file, bytes)) {
         logLine(u"save error "_s + file + u": the file cannot be written"_s);
+    }
 }
 
 } // namespace

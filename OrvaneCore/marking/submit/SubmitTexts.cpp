@@ -75,12 +75,13 @@ QString aggregateOcrText(const std::vector<Marker>& markers) {
     QStringList texts;
     for (const Marker& marker : kept) {
         const QString number = u'[' + QString::number(marker.index) + u']';
-        if (!marker.label.isEmpty())
+        if (!marker.label.isEmpty()) {
             texts.append(number + u' ' + marker.label + u'\n' + *marker.recognizedText);
-        else if (kept.size() > 1)
+        } else if (kept.size() > 1) {
             texts.append(number + u'\n' + *marker.recognizedText);
-        else
+        } else {
             texts.append(*marker.recognizedText);
+        }
     }
     return texts.join(u"\n\n"_s);
 }

@@ -47,10 +47,11 @@ MCPHTTPConnection::~MCPHTTPConnection() {
 }
 
 void MCPHTTPConnection::onReadyRead() {
-    if (m_state == State::receiving)
+    if (m_state == State::receiving) {
         receive();
-    else if (m_state == State::discarding)
+    } else if (m_state == State::discarding) {
         discard();
+    }
 }
 
 void MCPHTTPConnection::receive() {

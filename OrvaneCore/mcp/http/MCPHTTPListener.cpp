@@ -71,10 +71,11 @@ void MCPHTTPListener::incomingConnection(qintptr socketDescriptor) {
 
 void MCPHTTPListener::onRequest(ConnectionId id, const MCPHTTPRequest& request) {
     const std::optional<MCPHTTPResponse> response = mcp_http_routes::answerAtOnce(request, m_token);
-    if (response)
+    if (response) {
         reply(id, response->bytes());
-    else
+    } else {
         m_handleMessage(id, request.body);
+    }
 }
 
 void MCPHTTPListener::onEnded(ConnectionId id) {

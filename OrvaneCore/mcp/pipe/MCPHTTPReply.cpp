@@ -80,10 +80,11 @@ void MCPHTTPReply::takeHeader(QByteArrayView line) {
     } else if (isNamed(name, "Transfer-Encoding")) {
         m_encoded = true;
     } else if (isNamed(name, "Content-Length")) {
-        if (!isNumber(value) || (m_contentLength && *m_contentLength != value.toLongLong()))
+        if (!isNumber(value) || (m_contentLength && *m_contentLength != value.toLongLong())) {
             m_state = State::malformed;
-        else
+        } else {
             m_contentLength = value.toLongLong();
+        }
     }
 }
 

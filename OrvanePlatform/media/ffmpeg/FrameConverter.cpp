@@ -54,10 +54,11 @@ FrameConverter::FrameConverter(const QSize& movieSize)
 
 AVFrame& FrameConverter::convert(const QImage& frame) {
     // The encoder may still hold what the picture was.
-    if (m_picture->buf[0] == nullptr)
+    if (m_picture->buf[0] == nullptr) {
         checked(av_frame_get_buffer(m_picture.get(), 0), u"A picture of the movie could not be made"_s);
-    else
+    } else {
         checked(av_frame_make_writable(m_picture.get()), u"A picture of the movie could not be made"_s);
+    }
 
     QImage source = opaqueOf(frame);
     if (source.size() != m_movieSize)

@@ -90,10 +90,11 @@ void Mp4Writer::run() {
 
 void Mp4Writer::writeFrames() {
     while (!m_queue.isOver()) {
-        if (const std::optional<TimedFrame> frame = m_queue.take(longestWait))
+        if (const std::optional<TimedFrame> frame = m_queue.take(longestWait)) {
             add(*frame);
-        else
+        } else {
             m_file.cut();
+        }
     }
     m_encoder.finish([this](AVPacket& packet) { store(packet); });
     m_file.cut();

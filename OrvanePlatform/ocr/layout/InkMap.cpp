@@ -201,10 +201,11 @@ void InkMap::labelPieces() {
             while (next < above.size() && above[next].right < run.left - 1)
                 ++next;
             for (size_t index = next; index < above.size() && above[index].left <= run.right + 1; ++index) {
-                if (run.set == -1)
+                if (run.set == -1) {
                     run.set = above[index].set;
-                else
+                } else {
                     sets.unite(run.set, above[index].set);
+                }
             }
             if (run.set == -1) {
                 run.set = sets.add();

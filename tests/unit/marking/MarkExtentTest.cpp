@@ -163,10 +163,11 @@ TEST_P(ExtentOfMarks, HoldsTheHandlesOfSelectedShapes) {
             const Extent extent = annotation_renderer::selectionExtent(annotation, map(), scale());
             const QImage picture = pictureOfSelected(annotation);
             EXPECT_TRUE(isWithin(picture, extent)) << rawValue(kind).data() << " " << angle;
-            if (extent.parts.empty())
+            if (extent.parts.empty()) {
                 EXPECT_TRUE(inkBounds(picture).isEmpty());
-            else
+            } else {
                 EXPECT_TRUE(isTight(picture, extent, 1)) << rawValue(kind).data() << " " << angle;
+            }
         }
     }
 }

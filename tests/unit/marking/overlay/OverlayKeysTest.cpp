@@ -18,10 +18,11 @@ TEST(OverlayKeys, EachHasItsCommandAndNoOtherKeyHasOne) {
     };
     for (int code = -1; code <= 256; ++code) {
         const auto command = commands.find(code);
-        if (command == commands.end())
+        if (command == commands.end()) {
             EXPECT_EQ(overlayCommand(code), std::nullopt) << code;
-        else
+        } else {
             EXPECT_EQ(overlayCommand(code), command->second) << code;
+        }
     }
 }
 

@@ -244,10 +244,11 @@ TEST(SnapshotManifest, ARegionWithHalfOfItsPlaceHasScreenCoordinates) {
     const Display display = makeDisplay(11, {0, 0, 1000, 500});
     for (const bool dropsId : {true, false}) {
         Marker marker = markerOn(display, 1, {1, 2, 3, 4});
-        if (dropsId)
+        if (dropsId) {
             marker.displayId.reset();
-        else
+        } else {
             marker.displayBounds.reset();
+        }
         const QString text = manifest(resultOf({marker}), {display});
         EXPECT_TRUE(text.contains(u"\n\n**Screen coordinates (global desktop):** (1, 2) 3×4\n\n"_s));
         EXPECT_FALSE(text.contains(u"**Display:**"_s));

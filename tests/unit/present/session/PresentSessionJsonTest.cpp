@@ -206,26 +206,27 @@ TEST_P(OptionalKey, IsAbsentWhenMissingOrNull) {
     const Record record = GetParam().record;
     const QString key = GetParam().text();
     PresentSessionBundle expected = fullBundle();
-    if (key == u"title"_s)
+    if (key == u"title"_s) {
         expected.meta.title.reset();
-    else if (key == u"reviewedAtMs"_s)
+    } else if (key == u"reviewedAtMs"_s) {
         expected.meta.reviewedAtMs.reset();
-    else if (key == u"window"_s)
+    } else if (key == u"window"_s) {
         expected.window.reset();
-    else if (key == u"imageFile"_s)
+    } else if (key == u"imageFile"_s) {
         expected.strokes[0].imageFile.reset();
-    else if (key == u"displayIndex"_s)
+    } else if (key == u"displayIndex"_s) {
         expected.strokes[0].displayIndex.reset();
-    else if (key == u"timestampMs"_s)
+    } else if (key == u"timestampMs"_s) {
         expected.strokes[0].timestampMs.reset();
-    else if (key == u"label"_s)
+    } else if (key == u"label"_s) {
         expected.strokes[0].label.clear();
-    else if (key == u"rotation"_s)
+    } else if (key == u"rotation"_s) {
         expected.strokes[0].rotation = 0;
-    else if (key == u"role"_s)
+    } else if (key == u"role"_s) {
         expected.strokes[0].role = u"human"_s;
-    else if (key == u"removed"_s)
+    } else if (key == u"removed"_s) {
         expected.strokes[0].removed = false;
+    }
     ASSERT_NE(expected, fullBundle());
     EXPECT_EQ(decodedWithout(record, key), expected);
     EXPECT_EQ(decodedWith(record, key, QJsonValue::Null), expected);

@@ -97,12 +97,13 @@ public:
                 scene.mousePosition = point();
             return "pointer moved";
         case 14:
-            if (scene.currentRect && m_random.bounded(4) == 0)
+            if (scene.currentRect && m_random.bounded(4) == 0) {
                 scene.currentRect.reset();
-            else if (scene.currentRect)
+            } else if (scene.currentRect) {
                 scene.currentRect = QRectF(scene.currentRect->topLeft(), point()).normalized();
-            else
+            } else {
                 scene.currentRect = QRectF(point(), point()).normalized();
+            }
             scene.mousePosition = point();
             return "dragged";
         default:
