@@ -40,9 +40,9 @@ class Session:
         os.makedirs(folder, exist_ok=True)
         with open(os.path.join(folder, "settings.json"), "w", encoding="ascii") as file:
             json.dump({"HasOnboarded": True}, file)
-        application = Application(place, executable)
+        self.application = Application(place, executable)
         with contextlib.ExitStack() as stack:
-            server = application.pipe(stack)
+            server = self.application.pipe(stack)
             server.initialize()
             if scene == "work":
                 place.hang_wallpaper(scene)
