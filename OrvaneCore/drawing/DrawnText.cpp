@@ -29,6 +29,20 @@ QFont drawnFont(const QString& family, QFont::StyleHint hint, int pixelSize, QFo
     return font;
 }
 
+/// A text in one of the two fonts. Not the font itself, which must not outlive the application.
+struct SizeKey {
+    QString family;
+    int pixelSize = 0;
+    int weight = 0;
+    QString text;
+
+    bool operator==(const SizeKey&) const = default;
+};
+
+size_t qHash(const SizeKey& key, size_t seed) {
+    return qHashMulti(seed, key.family, key.pixelSize, key.weight, key.text);
+}
+
 } // namespace
 
 QFont systemFont(int pixelSize, QFont::Weight weight) {
@@ -85,11 +99,10 @@ QSizeF drawnTextSize(const QString& text, const QFont& font) {
     // Every move of a pointer asks where all texts are. Counted in characters, with something for a text.
     constexpr int mostCharacters = 4'000'000;
     constexpr qsizetype perText = 64;
-    // Not the fonts themselves, which must not outlive the application.
-    using Key = std::pair<QString, QString>;
-    thread_local QCache<Key, QSizeF> sizes(mostCharacters);
+    thread_local QCache<SizeKey, QSizeF> sizes(mostCharacters);
 
-    const Key key(font.key(), text);
+    const SizeKey key{
+        .family = font.family(), .pixelSize = font.pixelSize(), .weight = font.weight(), .text = text};
     if (const QSizeF* known = sizes.object(key))
         return *known;
     const QSizeF size = DrawnText(text, font, 1).size();

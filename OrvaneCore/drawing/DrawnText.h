@@ -43,8 +43,8 @@ private:
     QSizeF m_size;
 };
 
-/// The size of a text that is drawn in this font at scale 1. It is remembered, so that asking for the same
-/// text again costs no layout. Needs a QGuiApplication; any thread.
+/// The size of a text that is drawn at scale 1, in a system or a monospaced font as above. It is remembered,
+/// so that asking for the same text again costs no layout. Needs a QGuiApplication; any thread.
 QSizeF drawnTextSize(const QString& text, const QFont& font);
 
 } // namespace orvane

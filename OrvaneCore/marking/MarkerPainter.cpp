@@ -183,38 +183,44 @@ MarkerLayout marker_painter::layout(const Marker& marker, const QRectF& rect, qr
 
 Extent marker_painter::extent(const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
                               Spotlight spotlight) {
-    Extent extent;
-    if (!isFinite(rect))
-        return extent;
-    const MarkerLayout place = layout(marker, rect, scale, style, spotlight);
+    return isFinite(rect) ? extent(marker, layout(marker, rect, scale, style, spotlight), scale, spotlight)
+                          : Extent();
+}
+
+Extent marker_painter::extent(const Marker& marker, const MarkerLayout& layout, qreal scale,
+                              Spotlight spotlight) {
     // As far inside as the outline reaches at the round corners.
-    const qreal innerRadius = place.cornerRadius - place.outline.width / 2;
-    const qreal inset = place.cornerRadius - innerRadius / std::numbers::sqrt2;
-    extent.plane = {.outer = place.halo.outer() | place.outline.outer(),
-                    .inner = grown(place.region, -inset),
+    const qreal innerRadius = layout.cornerRadius - layout.outline.width / 2;
+    const qreal inset = layout.cornerRadius - innerRadius / std::numbers::sqrt2;
+    Extent extent;
+    extent.plane = {.outer = layout.halo.outer() | layout.outline.outer(),
+                    .inner = grown(layout.region, -inset),
                     .paint = spotlight == Spotlight::on ? std::nullopt : std::optional(marker.color)};
-    extent.add(place.badgeShadow | place.badgeRing.outer() | place.number);
-    if (place.label) {
-        extent.add(place.label->shadow);
-        extent.addTypedText(place.label->capsule, marker.label, scale);
+    extent.add(layout.badgeShadow | layout.badgeRing.outer() | layout.number);
+    if (layout.label) {
+        extent.add(layout.label->shadow);
+        extent.addTypedText(layout.label->capsule, marker.label, scale);
     }
     return extent;
 }
 
 void marker_painter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
                           const MarkerStyle& style, Spotlight spotlight) {
-    if (!isFinite(rect))
-        return;
+    if (isFinite(rect))
+        draw(painter, marker, layout(marker, rect, scale, style, spotlight), scale, style, spotlight);
+}
+
+void marker_painter::draw(QPainter& painter, const Marker& marker, const MarkerLayout& layout, qreal scale,
+                          const MarkerStyle& style, Spotlight spotlight) {
     const PainterState state(painter);
-    const MarkerLayout place = layout(marker, rect, scale, style, spotlight);
-    MarkerDrawing drawing(painter, marker, place, scale, style);
+    MarkerDrawing drawing(painter, marker, layout, scale, style);
     drawing.drawHalo();
     if (spotlight == Spotlight::off)
         drawing.drawTint();
     drawing.drawOutline();
     drawing.drawBadge();
-    if (place.label)
-        drawing.drawLabel(*place.label);
+    if (layout.label)
+        drawing.drawLabel(*layout.label);
 }
 
 bool marker_painter::looksSame(const Marker& left, const Marker& right) {

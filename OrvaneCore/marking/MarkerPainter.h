@@ -86,6 +86,12 @@ Extent extent(const Marker& marker, const QRectF& rect, qreal scale, const Marke
 void draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
           Spotlight spotlight);
 
+// The same of a layout that is there already, of that marker in that style and under that spotlight.
+
+Extent extent(const Marker& marker, const MarkerLayout& layout, qreal scale, Spotlight spotlight);
+void draw(QPainter& painter, const Marker& marker, const MarkerLayout& layout, qreal scale,
+          const MarkerStyle& style, Spotlight spotlight);
+
 /// True when both look the same wherever they are shown alike.
 bool looksSame(const Marker& left, const Marker& right);
 

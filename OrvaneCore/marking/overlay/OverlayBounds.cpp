@@ -18,9 +18,9 @@ VisualBounds OverlayBounds::marker(const Marker& marker) const {
     const auto region = regionInView(m_scene, marker);
     if (!region)
         return {};
-    const MarkerStyle& style = MarkerStyle::onOverlay;
-    const MarkerLayout layout = marker_painter::layout(marker, *region, 1, style, spotlight(m_scene));
-    Extent extent = marker_painter::extent(marker, *region, 1, style, spotlight(m_scene));
+    const MarkerLayout layout =
+        marker_painter::layout(marker, *region, 1, MarkerStyle::onOverlay, spotlight(m_scene));
+    Extent extent = marker_painter::extent(marker, layout, 1, spotlight(m_scene));
     extent.add(overlay_layout::sizeTag(layout, m_scene.shapes.size));
     if (hasHint(m_scene, marker))
         extent.add(overlay_layout::hint(layout));

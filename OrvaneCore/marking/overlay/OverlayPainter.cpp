@@ -82,7 +82,7 @@ private:
         m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
         const MarkerStyle& style = MarkerStyle::onOverlay;
         const MarkerLayout layout = marker_painter::layout(marker, *region, 1, style, spotlight(m_scene));
-        marker_painter::draw(m_painter, marker, *region, 1, style, spotlight(m_scene));
+        marker_painter::draw(m_painter, marker, layout, 1, style, spotlight(m_scene));
         drawPlate(overlay_layout::sizeTag(layout, m_scene.shapes.size), 3, gray(0.12F, 1),
                   OverlayFont::sizeTag, sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
         if (hasHint(m_scene, marker)) {
@@ -144,9 +144,11 @@ private:
         const qreal period = dashes.length + dashes.gap;
         const auto [first, end] = dashesWithin(shown.left() - bar.left(),
                                                std::min(bar.right(), shown.right()) - bar.left(), period);
+        const bool isExposed = isWhollyExposed(bar);
         for (int i = first; i < end; ++i) {
             const qreal x = bar.left() + i * period;
-            drawDash({x, bar.top(), std::min(dashes.length, bar.right() - x), bar.height()}, color);
+            drawDash({x, bar.top(), std::min(dashes.length, bar.right() - x), bar.height()}, isExposed,
+                     color);
         }
     }
 
@@ -155,9 +157,11 @@ private:
         const qreal period = dashes.length + dashes.gap;
         const auto [first, end] =
             dashesWithin(shown.top() - bar.top(), std::min(bar.bottom(), shown.bottom()) - bar.top(), period);
+        const bool isExposed = isWhollyExposed(bar);
         for (int i = first; i < end; ++i) {
             const qreal y = bar.top() + i * period;
-            drawDash({bar.left(), y, bar.width(), std::min(dashes.length, bar.bottom() - y)}, color);
+            drawDash({bar.left(), y, bar.width(), std::min(dashes.length, bar.bottom() - y)}, isExposed,
+                     color);
         }
     }
 
@@ -167,8 +171,15 @@ private:
         return {std::max(0, qFloor(from / period)), std::max(0, qCeil(to / period))};
     }
 
-    void drawDash(const QRectF& dash, const QColor& color) {
-        if (m_exposed.intersects(dash.adjusted(-1, -1, 1, 1).toAlignedRect()))
+    /// Whether a bar shows from end to end, so that nobody need ask for each of its dashes.
+    bool isWhollyExposed(const QRectF& bar) const {
+        const QRect place = bar.toAlignedRect() & m_bounds.view();
+        return std::any_of(m_exposed.begin(), m_exposed.end(),
+                           [&place](const QRect& exposed) { return exposed.contains(place); });
+    }
+
+    void drawDash(const QRectF& dash, bool isExposed, const QColor& color) {
+        if (isExposed || m_exposed.intersects(dash.adjusted(-1, -1, 1, 1).toAlignedRect()))
             m_painter.fillRect(dash, color);
     }
 
