@@ -85,9 +85,10 @@ std::vector<Sample> Corpus::englishPanels() const {
         for (const QString& family : m_fonts) {
             for (const bool isDark : {false, true}) {
                 for (Panel& panel :
-                     drawPanels(pool, family, fontFor(u"code"_s, family), size, isDark, random))
+                     drawPanels(pool, family, fontFor(u"code"_s, family), size, isDark, random)) {
                     samples.push_back(
                         {panel.picture, panel.lines, u"eng"_s, panel.kind, family, isDark, size});
+                }
             }
         }
     }

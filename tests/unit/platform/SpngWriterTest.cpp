@@ -44,9 +44,10 @@ TEST(SpngWriter, WritesTransparencyStraight) {
 
 TEST(SpngWriter, WritesAnySize) {
     for (const QSize& size :
-         {QSize(1, 1), QSize(1, 300), QSize(4000, 1), QSize(7, 32), QSize(7, 33), QSize(7, 64)})
+         {QSize(1, 1), QSize(1, 300), QSize(4000, 1), QSize(7, 32), QSize(7, 33), QSize(7, 64)}) {
         EXPECT_EQ(QImage::fromData(SpngWriter().encode(knownPicture(size.width(), size.height(), false))),
                   knownPicture(size.width(), size.height(), false));
+    }
 }
 
 TEST(SpngWriter, WritesAPartOfALargerPicture) {
