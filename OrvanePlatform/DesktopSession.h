@@ -8,7 +8,7 @@ namespace orvane {
 /// What kind of session this process runs in, as far as its environment tells.
 struct DesktopSession {
     enum class Type {
-        /// Not told, or of a kind that has no screen.
+        /// A session that does not tell, or of a kind that has no screen.
         other,
         x11,
         wayland,

@@ -15,7 +15,7 @@ inline constexpr QRgb purple = 0xFFAF52DE;
 
 } // namespace system_colors
 
-/// From 0, black, to 1, white.
+/// A grey from 0, black, to 1, white.
 inline QColor gray(float white, float alpha = 1) {
     return QColor::fromRgbF(white, white, white, alpha);
 }

@@ -31,7 +31,7 @@ public:
     DrawnText(const DrawnText&) = delete;
     DrawnText& operator=(const DrawnText&) = delete;
 
-    /// In units of the drawing: the widest line, and the height of all lines.
+    /// The extent in units of the drawing: the widest line, and the height of all lines.
     QSizeF size() const { return m_size * m_scale; }
 
     void draw(QPainter& painter, const QPointF& topLeft, const QColor& color) const;

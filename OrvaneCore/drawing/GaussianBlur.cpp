@@ -21,7 +21,7 @@ namespace {
 // level.
 constexpr double fewestCellsPerSigma = 2.2;
 
-// With more the sums of reduce() outgrow sixteen bits.
+// More than these, and the sums of reduce() outgrow sixteen bits.
 constexpr int largestFirstStep = 8;
 
 // Beyond the picture on each side. The outermost cell then lies wholly among the repeated edge pixels, so
@@ -116,7 +116,7 @@ void convolve(const QSize& size, int channels, double sigma, Load load, Store st
     for (size_t tap = 0; tap < shifted.size(); ++tap)
         shifted[tap] = padded.data() + tap * static_cast<size_t>(channels);
 
-    // As many rows, blurred along x, as one row of the result needs.
+    // Rows, blurred along x, as many as one row of the result needs.
     const int held = std::min(height, taps);
     std::vector<float> ring(static_cast<size_t>(held) * length);
     const auto heldRow = [&](int y) { return ring.data() + static_cast<size_t>(y % held) * length; };
@@ -185,7 +185,7 @@ Grid reduce(const QSize& size, int step, RowAt rowAt) {
     return grid;
 }
 
-/// In squared cells of the finer grid.
+/// Squared cells of the finer grid.
 double reduceVariance(double step) {
     return (step * step - 1) / 6 + 0.25;
 }

@@ -37,7 +37,7 @@ struct Annotation {
     /// What a `text` annotation says.
     QString text = {};
     QColor color = {};
-    /// In points.
+    /// Points.
     qreal strokeWidth = 0;
     /// A note attached to the shape; empty for none.
     QString label = {};
@@ -53,7 +53,7 @@ struct Annotation {
     /// The display that it was drawn on.
     std::optional<quint32> displayId = {};
 
-    /// Of everything but colour and picture: recolouring alone is no change.
+    /// Equality of everything but colour and picture: recolouring alone is no change.
     friend bool operator==(const Annotation& left, const Annotation& right);
 
     QPointF center() const;
@@ -70,12 +70,13 @@ struct Annotation {
     /// The nearest handle that is no farther than `tolerance`.
     std::optional<Handle> handle(const QPointF& point, qreal tolerance) const;
     Annotation moved(const QPointF& offset) const;
-    /// With a handle dragged to a point. Corners may change sides, so that `start` and `end` are not sorted.
+    /// The shape with a handle dragged to a point. Corners may change sides, so that `start` and `end` are
+    /// not sorted.
     Annotation reshaped(Handle handle, const QPointF& point) const;
 
     /// The point turned about a centre.
     static QPointF rotate(const QPointF& point, const QPointF& center, qreal angle);
-    /// From a point to the nearest point of the segment between two others.
+    /// The way from a point to the nearest point of the segment between two others.
     static qreal distance(const QPointF& point, const QPointF& segmentStart, const QPointF& segmentEnd);
 };
 

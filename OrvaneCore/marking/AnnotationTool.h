@@ -12,7 +12,7 @@ namespace orvane {
 /// What the pointer does on the overlay.
 enum class AnnotationTool { select, region, arrow, box, ellipse, highlight, text, image };
 
-/// In the order in which they are offered.
+/// The order is the one in which they are offered.
 inline constexpr std::array allAnnotationTools{
     AnnotationTool::select,  AnnotationTool::region,    AnnotationTool::arrow, AnnotationTool::box,
     AnnotationTool::ellipse, AnnotationTool::highlight, AnnotationTool::text,  AnnotationTool::image,

@@ -23,7 +23,7 @@ struct Marker {
     QString label = {};
     /// That of the outline.
     QColor color = {};
-    /// From 1.
+    /// The first is 1.
     int index = 1;
 
     // Found out when the marks are submitted.

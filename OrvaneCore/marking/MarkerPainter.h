@@ -23,9 +23,9 @@ struct MarkerStyle {
     int labelPixelSize;
     QFont::Weight labelWeight;
 
-    /// On a picture that goes to an agent.
+    /// The sizes on a picture that goes to an agent.
     static const MarkerStyle onImage;
-    /// On the live screen.
+    /// The sizes on the live screen.
     static const MarkerStyle onOverlay;
 };
 
@@ -49,7 +49,7 @@ struct MarkerLayout {
 
     /// What is tinted.
     QRectF region;
-    /// Of the region and the lines around it, and of the label's capsule.
+    /// The radius of the region and the lines around it, and of the label's capsule.
     qreal cornerRadius;
     Line halo;
     Line outline;

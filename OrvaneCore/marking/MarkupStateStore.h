@@ -30,7 +30,7 @@ public:
     virtual void setMarkupStrokeWidth(qreal width) = 0;
     virtual std::optional<QUuid> selectedAnnotationId() const = 0;
     virtual void setSelectedAnnotationId(const std::optional<QUuid>& id) = 0;
-    /// In the order of creation; later ones lie on top.
+    /// The order is that of creation; later ones lie on top.
     virtual const std::vector<Annotation>& annotations() const = 0;
     virtual void setAnnotations(std::vector<Annotation> annotations) = 0;
     /// Whether the user may move, reshape, restyle and remove it.

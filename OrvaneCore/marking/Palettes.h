@@ -12,7 +12,7 @@ namespace markup_colors {
 inline constexpr std::array<QRgb, 6> presets{0xFFEF4444, 0xFFF59E0B, 0xFF3B82F6,
                                              0xFF10B981, 0xFFFFFFFF, 0xFF000000};
 inline constexpr QRgb defaultColor = presets[0];
-/// In points.
+/// Points.
 inline constexpr std::array<qreal, 3> strokePresets{3, 6, 11};
 
 } // namespace markup_colors

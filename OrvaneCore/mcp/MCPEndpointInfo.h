@@ -24,7 +24,7 @@ struct MCPEndpointInfo {
     /// ISO 8601; for people, read by no program.
     QString startedAt;
 
-    /// Of a host of this version on that port of the loopback interface.
+    /// That of a host of this version on that port of the loopback interface.
     static MCPEndpointInfo ofHost(int port, const QString& token, qint32 pid, const QDateTime& startedAt);
 
     /// JSON with sorted keys, for people to read as well.

@@ -11,7 +11,7 @@ namespace orvane {
 
 /// What a movie is to be.
 struct VideoFormat {
-    /// Of the picture in pixels. An odd width or height is stored one larger, its last column or row twice,
+    /// The picture's, in pixels. An odd width or height is stored one larger, its last column or row twice,
     /// because the pixel format of the movie knows even sizes only.
     QSize sizePixels;
     /// The rate at which frames are expected; what counts for each frame is its own time.

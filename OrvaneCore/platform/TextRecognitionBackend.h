@@ -12,9 +12,9 @@ namespace orvane {
 /// One line of text in a picture.
 struct TextLine {
     QString text;
-    /// In pixels of the picture, y down.
+    /// Pixels of the picture, y down.
     QRectF box;
-    /// From 0, a guess, to 1, certain.
+    /// A number from 0, a guess, to 1, certain.
     float confidence = 0;
 };
 

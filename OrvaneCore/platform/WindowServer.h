@@ -48,7 +48,7 @@ struct WindowEntry {
 
 /// Everything about windows at one moment.
 struct WindowSnapshot {
-    /// In the order in which the applications appeared.
+    /// The order is the one in which the applications appeared.
     std::vector<RunningApplication> applications;
     /// Front to back; mapped windows of the current desktop, without panels and desktop windows.
     std::vector<WindowEntry> onScreen;

@@ -14,7 +14,7 @@ class TextRecognitionBackend;
 /// One line of text that was read in a picture.
 struct RecognizedText {
     QString text;
-    /// In fractions of the picture's width and height, from its top-left corner, y down.
+    /// Fractions of the picture's width and height, from its top-left corner, y down.
     QRectF boundingBox;
     float confidence = 0;
 };

@@ -79,7 +79,7 @@ private:
     mutable std::mutex m_mutex;
     Timeline m_timeline;
     std::size_t m_newsCursor = 0;
-    /// Of the frame compared last, from 1 on.
+    /// The number of the frame compared last, from 1 on.
     int m_frameIndex = 0;
 };
 

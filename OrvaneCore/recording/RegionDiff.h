@@ -11,9 +11,9 @@ inline constexpr int gridCells = gridCols * gridRows;
 
 /// A cell of the grid that changed between two frames.
 struct RegionDiff {
-    /// From the left, 0 to 7.
+    /// The column from the left, 0 to 7.
     int col = 0;
-    /// From the top, 0 to 5.
+    /// The row from the top, 0 to 5.
     int row = 0;
     /// The part of the compared pixels that changed, 0 to 100.
     double diffPercent = 0;

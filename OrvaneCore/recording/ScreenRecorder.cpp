@@ -36,7 +36,7 @@ struct ScreenRecorder::Recording {
     const RecordingJournal::Head& head() const { return journal->head(); }
 
     const TargetCapture capture;
-    /// Of the target's application, when the recording began.
+    /// The target's application's, when the recording began.
     const std::vector<WindowInfo> windows;
     const std::shared_ptr<RecordingJournal> journal;
 

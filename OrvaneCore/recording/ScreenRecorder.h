@@ -38,7 +38,7 @@ public:
     struct Poll {
         /// One line for each entry of the timeline since the last poll, whoever that was.
         QStringList events;
-        /// Of the last recording, also after its end; empty before the first.
+        /// The last recording's, also after its end; empty before the first.
         QString sessionId;
         /// Empty when no recording is going on.
         QString sessionDir;

@@ -13,7 +13,7 @@ enum class SendTargetKind {
 
 /// An application that marks can be sent to.
 struct SendTarget {
-    /// As the user knows it.
+    /// The name by which the user knows it.
     QString name;
     /// What the platform finds it by.
     QString bundleID;

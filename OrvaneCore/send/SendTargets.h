@@ -14,7 +14,7 @@ public:
     explicit SendTargets(std::vector<SendTarget> running = {})
         : m_running(std::move(running)) {}
 
-    /// In the order of the list of applications that are allowed.
+    /// The order is that of the list of applications that are allowed.
     const std::vector<SendTarget>& runningAllowed() const { return m_running; }
 
     /// The one the user means most likely first.

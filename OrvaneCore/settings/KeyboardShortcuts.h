@@ -31,7 +31,7 @@ struct HotkeyDefinition {
 /// (a newer version may know it), logged once, and the default holds until `setShortcut`.
 class KeyboardShortcuts {
 public:
-    /// In the order in which they are shown.
+    /// The order is the one in which they are shown.
     static constexpr std::array<HotkeyDefinition, 5> definitions{{
         {HotkeyName::toggleOverlay,
          u"toggleOverlay",
@@ -70,7 +70,7 @@ public:
     /// tried again, the same or another.
     void setShortcut(const std::optional<Shortcut>& shortcut, HotkeyName name);
 
-    /// As stored now, else the default. Nothing when the user cleared it.
+    /// The one that is stored now, else the default. Nothing when the user cleared it.
     std::optional<Shortcut> getShortcut(HotkeyName name);
 
     /// Nothing while no key is asked for: it is cleared, or there is no action yet.

@@ -17,14 +17,14 @@ std::filesystem::path toPath(const QString& path);
 /// Whether the name begins with a dot.
 bool isHidden(const Entry& entry);
 
-/// Of the entry itself, also where it is a link; none where it cannot be told.
+/// The entry's own, also where it is a link; none where it cannot be told.
 std::filesystem::file_type typeOf(const Entry& entry);
 
 /// The whole list before anything is done with it: a directory must not change under its own walk. Empty
 /// where the directory cannot be read.
 std::vector<Entry> list(const std::filesystem::path& directory);
 
-/// As `list`, for those who delete: nothing behind a link, which may lead anywhere.
+/// The same for those who delete: nothing behind a link, which may lead anywhere.
 std::vector<Entry> listOwn(const std::filesystem::path& directory);
 
 /// With all that is in it; a link, never what it leads to. A failure is passed over.

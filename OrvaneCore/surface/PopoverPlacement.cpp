@@ -44,7 +44,7 @@ PopoverPlacement popoverPlacement(const QSize& bubble, const QPointF& anchor, co
 
     PopoverPlacement placement;
     placement.side = isAbove ? Side::above : Side::below;
-    // Of all that is drawn, arrow included.
+    // The extent of all that is drawn, arrow included.
     const int height = bubble.height() + arrowHeight;
     const int top = within(isAbove ? point.y() - gap - height : point.y() + gap, view.y() + margin,
                            view.y() + view.height() - margin - height);

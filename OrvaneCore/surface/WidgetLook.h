@@ -11,7 +11,7 @@ namespace orvane::look {
 
 /// The height of a button, in points.
 inline constexpr int buttonHeight = 28;
-/// Of the strips that hold buttons.
+/// The height of the strips that hold buttons.
 inline constexpr int stripHeight = 44;
 /// Between the end of a strip and what it holds; the round ends of strip and buttons then have one centre.
 inline constexpr int stripPadding = (stripHeight - buttonHeight) / 2;

@@ -17,7 +17,7 @@ namespace orvane {
 /// A capture as it is handed on: the whole picture for the disk, a smaller one for the agent.
 struct EncodedCapture {
     QByteArray fullPng;
-    /// At most 1024 pixels on a side; the same bytes as `fullPng` where that is small enough.
+    /// A picture of at most 1024 pixels on a side; the same bytes as `fullPng` where that is small enough.
     QByteArray agentPng;
     QSize agentSize;
 };

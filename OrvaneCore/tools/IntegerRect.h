@@ -21,7 +21,7 @@ struct IntegerRect {
     QString toString() const;
 };
 
-/// From the members `x`, `y`, `width` and `height`; nothing unless all are integers.
+/// The rectangle of the members `x`, `y`, `width` and `height`; nothing unless all are integers.
 std::optional<IntegerRect> readIntegerRect(const TypedObject& object);
 
 } // namespace orvane

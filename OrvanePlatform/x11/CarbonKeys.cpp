@@ -9,7 +9,7 @@ namespace orvane::x11 {
 
 namespace {
 
-// In the order of the codes: the lookup is a binary search.
+// The order is that of the codes: the lookup is a binary search.
 constexpr std::array carbonKeys{
     CarbonKey{0, XK_a, 38},           CarbonKey{1, XK_s, 39},           CarbonKey{2, XK_d, 40},
     CarbonKey{3, XK_f, 41},           CarbonKey{4, XK_h, 43},           CarbonKey{5, XK_g, 42},

@@ -24,7 +24,7 @@ public:
     struct Listener {
         /// Soon after the start, and after each change of the keyboard.
         std::function<void(const KeyboardMap& map)> mapRead;
-        /// Of the combinations asked for, the server refused these; all others are held now.
+        /// Combinations that were asked for and that the server refused; all others are held now.
         std::function<void(const std::set<KeyCombination>& asked, const std::set<KeyCombination>& refused)>
             settled;
         /// A key went down. While one that is held is down this tells of all others, too; it comes again and

@@ -4,7 +4,7 @@ namespace orvane::x11 {
 
 namespace {
 
-// In units of four bytes: a mebibyte holds any window title and any list of windows.
+// Units of four bytes: a mebibyte holds any window title and any list of windows.
 constexpr uint32_t longestProperty = 1U << 18U;
 
 QByteArray bytesOf(const xcb_get_property_reply_t* reply) {

@@ -33,7 +33,7 @@ private:
     X11Session& m_session;
     InputFocus m_focus;
     SurfaceStack m_stack;
-    /// Of the windows that may have the keyboard.
+    /// One for each window that may have the keyboard.
     std::map<const QObject*, std::unique_ptr<KeyboardSeeker>> m_seekers;
     /// Owns the connections to the windows; goes first.
     QObject m_watch;

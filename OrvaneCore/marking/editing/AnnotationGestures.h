@@ -65,7 +65,7 @@ private:
     };
     struct Reshape {
         Annotation::Handle handle;
-        /// As it was when the drag began: a corner may be dragged across the opposite one and back.
+        /// The shape when the drag began: a corner may be dragged across the opposite one and back.
         Annotation annotation;
     };
     struct Draft {

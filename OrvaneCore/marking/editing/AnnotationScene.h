@@ -14,7 +14,7 @@ namespace orvane {
 /// The shapes that a view shows, at one moment. Shapes are in global points, y down. Any number is allowed;
 /// what is not finite is not shown.
 struct AnnotationScene {
-    /// Of the view, in points.
+    /// The view's, in points.
     QSizeF size;
     /// The global point at the view's top-left corner.
     QPointF origin;

@@ -24,7 +24,7 @@ public:
     AnnotationTextEditor(const AnnotationTextEditor&) = delete;
     AnnotationTextEditor& operator=(const AnnotationTextEditor&) = delete;
 
-    /// For a new text, at a point of the view. Closes what is open.
+    /// Opens for a new text, at a point of the view. Closes what is open.
     void open(const QUuid& annotation, const QPointF& viewPoint);
     void close();
 

@@ -51,7 +51,7 @@ private:
     FirstMouseButton* m_sendButton;
     SendHintLabel* m_sendHintLabel;
     FirstMouseButton* m_submitButton;
-    /// In the bar.
+    /// The bar's coordinates.
     QRect m_divider;
     QRect m_viewRect;
     OverlayBarTexts m_texts;

@@ -17,9 +17,9 @@ struct OverlayBarPart {
 
 /// Where the bar and its parts are, in points.
 struct OverlayBarLayout {
-    /// In the view.
+    /// The view's coordinates.
     QRect bar;
-    /// In the bar, in the order in which they were given.
+    /// The bar's coordinates, in the order in which they were given.
     std::vector<QRect> parts;
     /// What a button keeps free on both sides of its title.
     int padding = 0;

@@ -23,7 +23,7 @@ struct OverlayBarTexts {
     bool operator==(const OverlayBarTexts&) const = default;
 };
 
-/// In that state. Pure.
+/// The texts in that state. Pure.
 OverlayBarTexts overlayBarTexts(const MarkupModes& modes, bool markupMode,
                                 const std::optional<SendTarget>& target);
 

@@ -38,7 +38,7 @@ public:
     void pointerPressed(const QPointF& viewPoint);
     void pointerDragged(const QPointF& viewPoint);
     void pointerReleased(const QPointF& viewPoint);
-    /// With no button down.
+    /// A move with no button down.
     void pointerMoved(const QPointF& viewPoint);
     void pointerLeft();
     /// The right button. It does nothing while a gesture of the left one is going on.

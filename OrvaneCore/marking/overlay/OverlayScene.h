@@ -16,7 +16,7 @@ namespace orvane {
 /// All that one overlay view shows, at one moment. Marks are in global points, what is marked "view" is in
 /// points of the view; both y down. Any number is allowed; what is not finite is not shown.
 struct OverlayScene {
-    /// With the place and the size of the view.
+    /// Shapes, with the place and the size of the view.
     AnnotationScene shapes;
     MarkupModes modes;
     std::vector<Marker> markers;

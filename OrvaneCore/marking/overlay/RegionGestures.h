@@ -57,7 +57,7 @@ public:
     std::optional<QRectF> currentRect() const;
 
 private:
-    /// In view space.
+    /// Places in view space.
     struct Draw {
         QPointF start;
         std::optional<QRectF> rect;
@@ -69,7 +69,7 @@ private:
     struct Reshape {
         QUuid id;
         Annotation::Handle handle;
-        /// As it was when the drag began: a corner may be dragged across the opposite one and back.
+        /// The region when the drag began: a corner may be dragged across the opposite one and back.
         QRectF rect;
     };
     using Gesture = std::variant<std::monostate, Draw, Move, Reshape>;

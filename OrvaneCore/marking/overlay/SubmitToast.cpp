@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// As a reader counts them: a letter with its accents is one.
+/// Characters as a reader counts them: a letter with its accents is one.
 qsizetype characterCount(const QString& text) {
     QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
     qsizetype count = 0;

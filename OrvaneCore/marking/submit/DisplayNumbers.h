@@ -12,13 +12,13 @@ namespace orvane {
 // How displays are counted where marks are submitted. All of it is pure; `displays` are as the platform lists
 // them, the primary one first.
 
-/// In the platform's order; the first 16 of them.
+/// The first 16 of them, in the platform's order.
 std::vector<Display> getDisplays(const std::vector<Display>& displays);
 
 /// The same ones from left to right by their left edges; those with equal edges keep their order.
 std::vector<Display> activeDisplaysSorted(const std::vector<Display>& displays);
 
-/// From 1, by the place in a sorted list. A display that is not in the list counts as number 1.
+/// The place in a sorted list, from 1. A display that is not in the list counts as number 1.
 int displayNumber(const std::vector<Display>& sorted, quint32 displayId);
 
 /// True for the primary display.

@@ -23,7 +23,7 @@ struct CaptureWithMarkers {
     quint32 displayId = 0;
     /// The annotated picture as it was written.
     QByteArray pngData = {};
-    /// Of the display, in points, truncated.
+    /// The display's size in points, truncated.
     int width = 0;
     int height = 0;
     std::vector<Marker> markers = {};
@@ -31,17 +31,17 @@ struct CaptureWithMarkers {
 
 /// What came of submitted marks.
 struct SubmitResult {
-    /// In the order of capture.
+    /// The order is that of capture.
     std::vector<CaptureWithMarkers> captures;
-    /// With all that was found out about them.
+    /// Markers with all that was found out about them.
     std::vector<Marker> allMarkers;
     /// The name of the session's folder.
     QString sessionId;
     /// The recognised text, when that is what went to the clipboard.
     std::optional<QString> copiedOcrText;
-    /// With their regions and displays.
+    /// Annotations with their regions and displays.
     std::vector<Annotation> annotations;
-    /// By the index of the region: the size of its picture in pixels.
+    /// The index of the region, and the size of its picture in pixels.
     std::map<int, QSize> cropPixels;
     /// Nothing when nothing was to be sent.
     std::optional<SendOutcome> sendOutcome;

@@ -23,7 +23,7 @@ QString described(const Annotation& annotation) {
     return isSpoken ? kind + u" \""_s + annotation.text + u'"' : kind;
 }
 
-/// Of the captures' applications, each name once.
+/// The names of the captures' applications, each once.
 QString joinedAppNames(const std::vector<CaptureWithMarkers>& captures) {
     QStringList names;
     for (const CaptureWithMarkers& capture : captures)

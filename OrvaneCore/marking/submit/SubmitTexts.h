@@ -15,7 +15,7 @@ namespace orvane {
 /// What is to be said of the pictures where something was drawn, as a line; empty where nothing was.
 QString drawingsNote(const std::vector<Annotation>& annotations);
 
-/// By the index of the region: what was drawn in it, in the order of drawing.
+/// The index of the region, and what was drawn in it, in the order of drawing.
 std::map<int, QString> markupNotes(const std::vector<Annotation>& annotations);
 
 /// The recognised texts in the order of the regions' indices; empty when there are none.

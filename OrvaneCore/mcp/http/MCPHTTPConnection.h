@@ -20,7 +20,7 @@ struct MCPHTTPResponse;
 class MCPHTTPConnection final : public QObject {
 public:
     struct Limits {
-        /// Of a whole request, head and body.
+        /// A whole request's, head and body.
         qsizetype requestBytes;
         /// After this long the connection ends, whatever it is doing.
         std::chrono::milliseconds life;

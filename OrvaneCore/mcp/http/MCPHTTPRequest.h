@@ -10,9 +10,9 @@ namespace orvane {
 /// A request of HTTP/1.x as it came in. Values; parsing is pure and for any thread.
 /// Whitespace is that of ASCII.
 struct MCPHTTPRequest {
-    /// As it stands in the request, "post" is not "POST".
+    /// The word as it stands in the request, "post" is not "POST".
     QByteArray method;
-    /// With the query string.
+    /// The query string is part of it.
     QByteArray path;
     /// What follows the request line, up to the empty line, in valid UTF-8.
     QByteArray headerLines;

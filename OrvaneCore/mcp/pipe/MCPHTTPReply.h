@@ -35,7 +35,7 @@ private:
 
     State m_state = State::head;
     int m_status = 0;
-    /// As the head says.
+    /// The number that the head says.
     std::optional<qint64> m_contentLength;
     /// The body's bytes are not what was sent.
     bool m_encoded = false;

@@ -67,9 +67,9 @@ struct DisplayInfo {
 /// What was in front when a human saved a drawing.
 struct WindowContext {
     QString appName = {};
-    /// Of the application's first window; empty without one.
+    /// The application's first window's; empty without one.
     QString title = {};
-    /// Of the same window; all zero without one.
+    /// The same window's; all zero without one.
     QRectF bounds = {};
 
     friend bool operator==(const WindowContext& left, const WindowContext& right) {
@@ -85,7 +85,7 @@ struct StrokeRecord {
     QString kind = {};
     /// "#RRGGBB"; files may hold anything.
     QString colorHex = {};
-    /// In points.
+    /// Points.
     qreal strokeWidth = 0;
     QString text = {};
     QString label = {};
@@ -126,7 +126,7 @@ struct PresentSessionBundle {
     SessionMeta meta = {};
     std::vector<DisplayInfo> displays = {};
     std::optional<WindowContext> window = {};
-    /// In drawing order.
+    /// Drawing order.
     std::vector<StrokeRecord> strokes = {};
 
     bool operator==(const PresentSessionBundle&) const = default;

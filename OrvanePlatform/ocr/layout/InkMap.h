@@ -10,7 +10,7 @@ namespace orvane::ocr {
 
 /// A connected piece of what is not background: a letter, a stroke, a word whose letters touch, an icon.
 struct InkPiece {
-    /// In pixels of the picture.
+    /// Pixels of the picture.
     QRect box;
     /// The number of the background area that surrounds it, or InkMap::ink where there is none.
     int area = 0;

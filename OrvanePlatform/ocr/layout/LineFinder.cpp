@@ -28,7 +28,7 @@ constexpr double farthestMark = 0.35;
 struct Group {
     QRect box;
     int area = 0;
-    /// Of the tallest piece.
+    /// The tallest piece's.
     int tallest = 0;
 };
 
