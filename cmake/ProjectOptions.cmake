@@ -8,7 +8,9 @@ option(ORVANE_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitiz
 
 find_program(ORVANE_CCACHE ccache)
 if(ORVANE_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVANE_CCACHE}")
+    # Without these allowances nothing is cached that uses a precompiled header.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${ORVANE_CCACHE}")
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
