@@ -31,10 +31,10 @@ AppDelegate::AppDelegate(Platform& platform)
     , m_services(platform)
     , m_endpoint(QDir::homePath(), platform.secretStore())
     , m_hotkeys(platform.makeHotkeys())
-    , m_shortcuts(platform.settingsStore(), *m_hotkeys)
+    , m_shortcuts(platform.settingsStore(), *m_hotkeys, platform.words())
     , m_toast(platform.surfaces())
     , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
-                  [this](const auto& answer) { chooseTarget(answer); })
+                  platform.words(), [this](const auto& answer) { chooseTarget(answer); })
     , m_markers(platform.settingsStore())
     , m_submitPipeline({.storage = m_services.storage(),
                         .discovery = m_services.discovery(),
@@ -51,6 +51,7 @@ AppDelegate::AppDelegate(Platform& platform)
                  .surfaces = platform.surfaces(),
                  .displays = platform.displays(),
                  .capture = m_services.screenCapture(),
+                 .words = platform.words(),
                  .showToast =
                      [this](const SubmitToast& toast) {
                          showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
@@ -91,12 +92,13 @@ void AppDelegate::runCleanup() {
 }
 
 void AppDelegate::setupMenuBar() {
-    m_statusItem = std::make_unique<StatusItem>(
-        [this] { return menuState(); },
-        [this](StatusAction action, const std::optional<QString>& payload) {
-            m_commands.perform(action, payload);
-        },
-        [this] { return m_platform.desktopShell().hasTrayHost(); }, m_platform.surfaces());
+    m_statusItem =
+        std::make_unique<StatusItem>([this] { return menuState(); },
+                                     [this](StatusAction action, const std::optional<QString>& payload) {
+                                         m_commands.perform(action, payload);
+                                     },
+                                     [this] { return m_platform.desktopShell().hasTrayHost(); },
+                                     m_platform.surfaces(), m_platform.words());
 }
 
 void AppDelegate::startMCPHost() {

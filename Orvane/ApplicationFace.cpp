@@ -1,5 +1,6 @@
 #include "Orvane/ApplicationFace.h"
 
+#include "Orvane/AlreadyRunningAlert.h"
 #include "Orvane/AppDelegate.h"
 #include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/ApplicationStarter.h"
@@ -8,7 +9,6 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QMessageBox>
 
 #include <algorithm>
 #include <chrono>
@@ -39,12 +39,6 @@ std::unique_ptr<InstanceLock> acquireLock(Platform& platform, std::chrono::milli
     }
 }
 
-void tellThatOneRunsAlready() {
-    QMessageBox box(QMessageBox::Information, u"Orvane"_s, u"Orvane is already running"_s);
-    box.setInformativeText(u"Look for the pin in your menu bar. Only one instance can run at a time."_s);
-    box.exec();
-}
-
 } // namespace
 
 int runApplicationFace(int argc, char* argv[]) {
@@ -70,7 +64,7 @@ int runApplicationFace(int argc, char* argv[]) {
     if (!lock) {
         // Of several copies that agents start at once one is enough, and nobody is there to read an alert.
         if (!startedByLauncher)
-            tellThatOneRunsAlready();
+            AlreadyRunningAlert(platform->words()).exec();
         return EXIT_SUCCESS;
     }
     AppDelegate delegate(*platform);

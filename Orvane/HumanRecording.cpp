@@ -3,6 +3,7 @@
 #include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/recording/ScreenRecorder.h"
+#include "OrvaneCore/settings/KeyboardShortcuts.h"
 #include "OrvaneCore/storage/StorageManager.h"
 
 #include <exception>
@@ -36,12 +37,13 @@ QString recordingName(const RecordingTarget& target) {
 
 HumanRecording::HumanRecording(ScreenRecorder& recorder, WindowDiscovery& discovery,
                                const StorageManager& storage, TaskRunner& tasks, View& view,
-                               TargetChooser chooseTarget)
+                               const PlatformWords& words, TargetChooser chooseTarget)
     : m_recorder(recorder)
     , m_discovery(discovery)
     , m_storage(storage)
     , m_tasks(tasks)
     , m_view(view)
+    , m_words(words)
     , m_chooseTarget(std::move(chooseTarget)) {}
 
 void HumanRecording::toggle() {
@@ -108,7 +110,9 @@ void HumanRecording::stopped(const QString& sessionId, const QString& appName) {
     logLine(u"human recording stopped (session "_s + sessionId + u')');
     const QString folder = m_storage.displayPath(m_storage.sessionDir(sessionId));
     m_view.copyToClipboard(clipboardText(appName, sessionId, folder));
-    m_view.showToast(u"Recording saved"_s, u"Copied to clipboard · ⌘ Ctrl H for GIF export"_s,
+    const Shortcut& history = KeyboardShortcuts::definition(HotkeyName::toggleHistory).defaultShortcut;
+    m_view.showToast(u"Recording saved"_s,
+                     u"Copied to clipboard · "_s + m_words.hotkeyHint(history) + u" for GIF export"_s,
                      u"checkmark.circle.fill"_s, toastSeconds);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/base/TaskRunner.h"
+#include "OrvaneCore/platform/PlatformWords.h"
 #include "OrvaneCore/recording/RecordingTarget.h"
 
 #include <QString>
@@ -40,7 +41,7 @@ public:
 
     /// All but the chooser outlive this object.
     HumanRecording(ScreenRecorder& recorder, WindowDiscovery& discovery, const StorageManager& storage,
-                   TaskRunner& tasks, View& view, TargetChooser chooseTarget);
+                   TaskRunner& tasks, View& view, const PlatformWords& words, TargetChooser chooseTarget);
 
     /// Starts where nothing is going on, and stops what is.
     void toggle();
@@ -63,6 +64,7 @@ private:
     const StorageManager& m_storage;
     TaskRunner& m_tasks;
     View& m_view;
+    const PlatformWords& m_words;
     TargetChooser m_chooseTarget;
     bool m_isRecording = false;
     /// From the choice of a target until the recorder has answered.

@@ -46,11 +46,13 @@ QString literalTitle(const QString& title) {
 
 } // namespace
 
-StatusItem::StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces)
+StatusItem::StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces,
+                       const PlatformWords& words)
     : m_state(std::move(state))
     , m_handler(std::move(handler))
     , m_hasTrayHost(std::move(hasTrayHost))
     , m_surfaces(surfaces)
+    , m_words(words)
     , m_menu(std::make_unique<KeyMenu>()) {
     QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { refreshMenu(); });
     // What changed while the menu was open has waited; a host on D-Bus may not ask before it shows the menu.
@@ -121,7 +123,7 @@ void StatusItem::moveOntoButton() {
 }
 
 void StatusItem::refreshMenu() {
-    std::vector<StatusMenuRow> rows = statusMenuRows(m_state());
+    std::vector<StatusMenuRow> rows = statusMenuRows(m_state(), m_words);
     // Rows that stay as they are keep what a host on D-Bus knows them by.
     if (rows == m_shownRows)
         return;

@@ -25,8 +25,9 @@ public:
 
     /// `state` is asked each time the menu opens, and by `update`. `hasTrayHost` tells whether any tray is
     /// there now, of whichever kind; it is asked every few seconds. The handler may call `update`. `surfaces`
-    /// outlives this object.
-    StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces);
+    /// and `words` outlive this object.
+    StatusItem(State state, ActionHandler handler, HasTrayHost hasTrayHost, Surfaces& surfaces,
+               const PlatformWords& words);
     ~StatusItem();
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
@@ -53,6 +54,7 @@ private:
     ActionHandler m_handler;
     HasTrayHost m_hasTrayHost;
     Surfaces& m_surfaces;
+    const PlatformWords& m_words;
     bool m_isRecording = false;
     std::vector<StatusMenuRow> m_shownRows;
     // The tray icon goes before the menu that it refers to.

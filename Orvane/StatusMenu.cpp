@@ -1,5 +1,7 @@
 #include "Orvane/StatusMenu.h"
 
+#include "OrvaneCore/settings/KeyboardShortcuts.h"
+
 namespace orvane {
 
 using namespace Qt::StringLiterals;
@@ -12,22 +14,28 @@ StatusMenuRow separator() {
 
 class Builder {
 public:
-    explicit Builder(const StatusMenuState& state)
-        : m_state(state) {}
+    Builder(const StatusMenuState& state, const PlatformWords& words)
+        : m_state(state)
+        , m_words(words) {}
 
     std::vector<StatusMenuRow> build() const {
         std::vector<StatusMenuRow> rows;
         rows.reserve(20);
         if (m_state.isRecording) {
-            rows.push_back(row(u"Stop Recording "_s + m_state.recordingAppName + u" (⌘ Ctrl R)"_s,
-                               StatusAction::toggleRecording));
+            rows.push_back(
+                row(withHotkey(u"Stop Recording "_s + m_state.recordingAppName, HotkeyName::toggleRecording),
+                    StatusAction::toggleRecording));
             rows.push_back(separator());
         } else {
-            rows.push_back(row(u"Record Screen (⌘ Ctrl R)"_s, StatusAction::toggleRecording));
+            rows.push_back(row(withHotkey(u"Record Screen"_s, HotkeyName::toggleRecording),
+                               StatusAction::toggleRecording));
         }
-        rows.push_back(row(u"Annotate Screen (⌘ Ctrl P)"_s, StatusAction::toggleOverlay));
-        rows.push_back(row(u"Present / Draw (⌘ Ctrl D)"_s, StatusAction::togglePresentDraw));
-        rows.push_back(row(u"Screenshot History (⌘ Ctrl H)"_s, StatusAction::toggleHistory));
+        rows.push_back(
+            row(withHotkey(u"Annotate Screen"_s, HotkeyName::toggleOverlay), StatusAction::toggleOverlay));
+        rows.push_back(row(withHotkey(u"Present / Draw"_s, HotkeyName::togglePresentDraw),
+                           StatusAction::togglePresentDraw));
+        rows.push_back(
+            row(withHotkey(u"Screenshot History"_s, HotkeyName::toggleHistory), StatusAction::toggleHistory));
         rows.push_back(separator());
         rows.push_back(devices(u"Camera"_s, m_state.camera, StatusAction::selectCameraDevice));
         rows.push_back(devices(u"Mic"_s, m_state.mic, StatusAction::selectMicDevice));
@@ -46,6 +54,12 @@ public:
     }
 
 private:
+    /// The hotkey that the command has to begin with: a user's own is not followed.
+    QString withHotkey(const QString& title, HotkeyName name) const {
+        const Shortcut& shortcut = KeyboardShortcuts::definition(name).defaultShortcut;
+        return title + u" ("_s + m_words.hotkeyHint(shortcut) + u')';
+    }
+
     StatusMenuRow row(const QString& title, StatusAction action, const QString& keyEquivalent = {}) const {
         return {.title = title,
                 .isEnabled = !m_state.unavailable.contains(action),
@@ -70,12 +84,13 @@ private:
     }
 
     const StatusMenuState& m_state;
+    const PlatformWords& m_words;
 };
 
 } // namespace
 
-std::vector<StatusMenuRow> statusMenuRows(const StatusMenuState& state) {
-    return Builder(state).build();
+std::vector<StatusMenuRow> statusMenuRows(const StatusMenuState& state, const PlatformWords& words) {
+    return Builder(state, words).build();
 }
 
 } // namespace orvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OrvaneCore/platform/PlatformWords.h"
+
 #include <QString>
 
 #include <optional>
@@ -71,6 +73,6 @@ struct StatusMenuRow {
 };
 
 /// The rows from top to bottom. A pure function; any thread.
-std::vector<StatusMenuRow> statusMenuRows(const StatusMenuState& state);
+std::vector<StatusMenuRow> statusMenuRows(const StatusMenuState& state, const PlatformWords& words);
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 #include "OrvanePlatform/DesktopSession.h"
 #include "OrvanePlatform/freedesktop/AutostartFile.h"
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
 #include "OrvanePlatform/freedesktop/JsonSettingsStore.h"
 #include "OrvanePlatform/freedesktop/KeyringSecretStore.h"
 #include "OrvanePlatform/headless/HeadlessDesktop.h"
@@ -61,6 +62,7 @@ public:
     ApplicationStarter& applicationStarter() override { return m_applicationStarter; }
     AutostartEntry& autostartEntry() override { return m_autostart; }
     Clipboard& clipboard() override { return m_clipboard; }
+    const PlatformWords& words() const override { return m_words; }
 
     std::unique_ptr<InstanceLock> acquireInstanceLock(const QString& path) override {
         return posix::SingleInstanceGuard::acquire(path);
@@ -82,6 +84,7 @@ private:
                                                     [this] { return !displayTrouble(); }};
     freedesktop::AutostartFile m_autostart{posix::executablePath()};
     qt::SystemClipboard m_clipboard;
+    PlatformWords m_words = freedesktop::desktopWords();
 };
 
 class X11Platform final : public CommonPlatform {

@@ -9,6 +9,7 @@
 #include "OrvaneCore/platform/GlobalHotkeys.h"
 #include "OrvaneCore/platform/InstanceLock.h"
 #include "OrvaneCore/platform/MediaBackend.h"
+#include "OrvaneCore/platform/PlatformWords.h"
 #include "OrvaneCore/platform/PngWriter.h"
 #include "OrvaneCore/platform/ScreenSource.h"
 #include "OrvaneCore/platform/SecretStore.h"
@@ -60,6 +61,9 @@ public:
     virtual Surfaces& surfaces() = 0;
     virtual Clipboard& clipboard() = 0;
     virtual std::unique_ptr<GlobalHotkeys> makeHotkeys() = 0;
+
+    /// What the human is to read of keys and places.
+    virtual const PlatformWords& words() const = 0;
 
     /// The lock at that path, held; nothing while another process holds it. One that cannot even be made
     /// keeps nobody out.

@@ -26,9 +26,6 @@ struct Shortcut {
     /// do not matter.
     static std::optional<Shortcut> fromJson(QStringView text);
 
-    /// The words for it on a keyboard of this system, such as "Super+Ctrl+P".
-    QString text() const;
-
     friend bool operator==(const Shortcut&, const Shortcut&) = default;
 };
 

@@ -17,10 +17,10 @@ QString settingsKey(HotkeyName name) {
 }
 
 /// The hotkey and what it is for, such as "Super+Ctrl+P (Annotate Screen)".
-QString described(const Shortcut& shortcut, HotkeyName name) {
+QString described(const Shortcut& shortcut, HotkeyName name, const PlatformWords& words) {
     QStringView label = KeyboardShortcuts::definition(name).label;
     label.chop(1);
-    return u"%1 (%2)"_s.arg(shortcut.text(), label);
+    return u"%1 (%2)"_s.arg(words.hotkeyName(shortcut), label);
 }
 
 /// `before` is the state that was told last.
@@ -41,9 +41,11 @@ const HotkeyDefinition& KeyboardShortcuts::definition(HotkeyName name) {
     return definitions.at(static_cast<std::size_t>(name));
 }
 
-KeyboardShortcuts::KeyboardShortcuts(SettingsStore& settings, GlobalHotkeys& hotkeys)
+KeyboardShortcuts::KeyboardShortcuts(SettingsStore& settings, GlobalHotkeys& hotkeys,
+                                     const PlatformWords& words)
     : m_settings(settings)
-    , m_hotkeys(hotkeys) {}
+    , m_hotkeys(hotkeys)
+    , m_words(words) {}
 
 KeyboardShortcuts::~KeyboardShortcuts() {
     for (const HotkeyDefinition& hotkey : definitions)
@@ -78,7 +80,7 @@ std::optional<Shortcut> KeyboardShortcuts::getShortcut(HotkeyName name) {
         return shortcut;
     if (!std::exchange(entry(name).damageLogged, true)) {
         logLine(u"the setting %1 holds no hotkey that this version can read; %2 is used until another one is "
-                "chosen in Settings"_s.arg(key, byDefault.text()));
+                "chosen in Settings"_s.arg(key, m_words.hotkeyName(byDefault)));
     }
     return byDefault;
 }
@@ -100,7 +102,7 @@ void KeyboardShortcuts::hold(HotkeyName name, const std::optional<Shortcut>& sho
         *shortcut,
         {.released = [this, name] { keyUp(name); },
          .stateChanged =
-             [hotkey = described(*shortcut, name), before = GlobalHotkeys::State::pending](
+             [hotkey = described(*shortcut, name, m_words), before = GlobalHotkeys::State::pending](
                  GlobalHotkeys::State now) mutable { logState(std::exchange(before, now), now, hotkey); }});
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/platform/GlobalHotkeys.h"
+#include "OrvaneCore/platform/PlatformWords.h"
 #include "OrvaneCore/platform/SettingsStore.h"
 #include "OrvaneCore/platform/Shortcut.h"
 
@@ -57,8 +58,8 @@ public:
 
     static const HotkeyDefinition& definition(HotkeyName name);
 
-    /// Both must outlive this object.
-    KeyboardShortcuts(SettingsStore& settings, GlobalHotkeys& hotkeys);
+    /// All must outlive this object.
+    KeyboardShortcuts(SettingsStore& settings, GlobalHotkeys& hotkeys, const PlatformWords& words);
     ~KeyboardShortcuts();
     KeyboardShortcuts(const KeyboardShortcuts&) = delete;
     KeyboardShortcuts& operator=(const KeyboardShortcuts&) = delete;
@@ -90,6 +91,7 @@ private:
 
     SettingsStore& m_settings;
     GlobalHotkeys& m_hotkeys;
+    const PlatformWords& m_words;
     std::array<Entry, definitions.size()> m_entries;
 };
 

@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
 #include "OrvanePlatform/x11/X11Connection.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ void X11Hotkeys::place(Id id, Hotkey& hotkey) {
             setState(id, hotkey, State::pending);
     } else if (hotkey.state != State::unsupported) {
         logLine(u"the hotkey %1 does not work: %2. Choose another one in Settings."_s.arg(
-            hotkey.shortcut.text(), keys.problem));
+            freedesktop::desktopWords().hotkeyName(hotkey.shortcut), keys.problem));
         setState(id, hotkey, State::unsupported);
     }
 }

@@ -68,14 +68,14 @@ TEST_F(HotkeyLayouts, WorkInEachOfTwoLayouts) {
         fired.clear();
         setLayout({layouts});
         const auto id = hotkeys->add(
-            overlay, {.released = [&] { ++fired[overlay.text()]; }, .stateChanged = [](State) {}});
+            overlay, {.released = [&] { ++fired[overlay.toJson()]; }, .stateChanged = [](State) {}});
         ASSERT_TRUE(soon([&] { return hotkeys->state(id) == State::active; }));
         int expected = 0;
         for (const std::uint8_t layout : {std::uint8_t(0), std::uint8_t(1), std::uint8_t(0)}) {
             other.lockLayout(layout);
             pressChord(keyP);
             ++expected;
-            EXPECT_TRUE(soon([&] { return fired[overlay.text()] == expected; }))
+            EXPECT_TRUE(soon([&] { return fired[overlay.toJson()] == expected; }))
                 << layouts.toStdString() << " " << int(layout);
         }
     }

@@ -135,21 +135,21 @@ protected:
     /// Adds one that counts into `fired` under its text, and waits until the server has decided on it.
     GlobalHotkeys::Id add(const Shortcut& shortcut, State expected = State::active) {
         const auto id =
-            hotkeys->add(shortcut, {.released = [this, shortcut] { ++fired[shortcut.text()]; },
+            hotkeys->add(shortcut, {.released = [this, shortcut] { ++fired[shortcut.toJson()]; },
                                     .stateChanged = [this](State state) { states.push_back(state); }});
-        EXPECT_TRUE(soon([&] { return hotkeys->state(id) == expected; })) << shortcut.text().toStdString();
+        EXPECT_TRUE(soon([&] { return hotkeys->state(id) == expected; })) << shortcut.toJson().toStdString();
         return id;
     }
 
     /// How often a hotkey has fired, once all that was pressed before has had its effect.
     int firings(const Shortcut& shortcut) {
-        const QString sentinelText = sentinel.text();
+        const QString sentinelText = sentinel.toJson();
         if (!m_sentinel)
             m_sentinel = add(sentinel);
         const int before = fired[sentinelText];
         xdotool({u"key"_s, keyF12});
         EXPECT_TRUE(soon([&] { return fired[sentinelText] == before + 1; })) << "the sentinel did not fire";
-        return fired[shortcut.text()];
+        return fired[shortcut.toJson()];
     }
 
     VirtualDesktop desktop;

@@ -21,9 +21,9 @@ TEST_F(Hotkeys, EachFiresOnceWhenItsKeyGoesUp) {
         const Shortcut& shortcut = entry.second;
         xdotool({u"keydown"_s, superKey, u"keydown"_s, controlKey, u"keydown"_s, key});
         QCoreApplication::processEvents();
-        EXPECT_EQ(fired[shortcut.text()], 0);
+        EXPECT_EQ(fired[shortcut.toJson()], 0);
         xdotool({u"keyup"_s, key});
-        EXPECT_TRUE(soon([&] { return fired[shortcut.text()] == 1; })) << shortcut.text().toStdString();
+        EXPECT_TRUE(soon([&] { return fired[shortcut.toJson()] == 1; })) << shortcut.toJson().toStdString();
         xdotool({u"keyup"_s, controlKey, u"keyup"_s, superKey});
         EXPECT_EQ(firings(shortcut), 1);
         // Nothing but this one and the sentinel.
@@ -44,7 +44,7 @@ TEST_F(Hotkeys, FiresWhenTheModifiersGoUpFirst) {
     xdotool({u"keydown"_s, superKey, u"keydown"_s, controlKey, u"keydown"_s, keyP, u"keyup"_s, superKey,
              u"keyup"_s, controlKey});
     QCoreApplication::processEvents();
-    EXPECT_EQ(fired[overlay.text()], 0);
+    EXPECT_EQ(fired[overlay.toJson()], 0);
     xdotool({u"keyup"_s, keyP});
     EXPECT_EQ(firings(overlay), 1);
 }
@@ -81,7 +81,7 @@ TEST_F(Hotkeys, FiresOnceForAKeyThatRepeats) {
     xdotool({u"keydown"_s, superKey, u"keydown"_s, controlKey, u"keydown"_s, keyP});
     timer.start();
     soon([&] { return timer.hasExpired(2 * fiveRepeats); });
-    EXPECT_EQ(fired[overlay.text()], 0);
+    EXPECT_EQ(fired[overlay.toJson()], 0);
     xdotool({u"keyup"_s, keyP, u"keyup"_s, controlKey, u"keyup"_s, superKey});
     EXPECT_EQ(firings(overlay), 1);
 }
@@ -273,7 +273,7 @@ TEST_F(Hotkeys, DoNotWaitForAServerThatHangs) {
     QElapsedTimer timer;
     timer.start();
     const auto second = hotkeys->add(
-        recording, {.released = [&] { ++fired[recording.text()]; }, .stateChanged = [](State) {}});
+        recording, {.released = [&] { ++fired[recording.toJson()]; }, .stateChanged = [](State) {}});
     hotkeys->remove(first);
     QCoreApplication::processEvents();
     EXPECT_LT(timer.elapsed(), 1000);
@@ -281,7 +281,7 @@ TEST_F(Hotkeys, DoNotWaitForAServerThatHangs) {
     ::kill(server, SIGCONT);
     EXPECT_TRUE(soon([&] { return hotkeys->state(second) == State::active; }));
     pressChord(keyR);
-    EXPECT_TRUE(soon([&] { return fired[recording.text()] == 1; }));
+    EXPECT_TRUE(soon([&] { return fired[recording.toJson()] == 1; }));
     OtherClient other;
     EXPECT_TRUE(soon([&] { return other.grab(keyP, superControl); }));
 }

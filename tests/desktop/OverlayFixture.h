@@ -7,6 +7,7 @@
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/storage/StorageManager.h"
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
 #include "OrvanePlatform/qt/SystemClipboard.h"
 #include "OrvanePlatform/x11/X11DesktopKeyboard.h"
 #include "tests/desktop/GuiFixture.h"
@@ -131,6 +132,7 @@ protected:
                              .clipboard = systemClipboard,
                              .sleep = [this](std::chrono::milliseconds time) { sleep(time); }}};
     BackgroundTasks tasks;
+    PlatformWords words = freedesktop::desktopWords();
     OverlayController controller{
         {.manager = manager,
          .sendTargets = sendTargets,
@@ -140,6 +142,7 @@ protected:
          .surfaces = surfaces,
          .displays = displays,
          .capture = capture,
+         .words = words,
          .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); }}};
 };
 

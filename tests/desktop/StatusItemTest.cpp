@@ -1,5 +1,6 @@
 // The status item in trays of both kinds, and on a desktop that has none.
 #include "Orvane/StatusItem.h"
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
 #include "OrvanePlatform/x11/TrayHost.h"
 #include "tests/desktop/GuiFixture.h"
 
@@ -89,7 +90,7 @@ protected:
                                          [this](StatusAction action, const std::optional<QString>& payload) {
                                              requests.push_back({action, payload});
                                          },
-                                         [this] { return x11::hasTrayHost(session); }, surfaces);
+                                         [this] { return x11::hasTrayHost(session); }, surfaces, words);
     }
 
     testing::AssertionResult comesIntoTray() {
@@ -173,6 +174,7 @@ protected:
 
     StatusMenuState state;
     std::vector<Request> requests;
+    PlatformWords words = freedesktop::desktopWords();
     std::unique_ptr<StatusItem> item;
 };
 
@@ -198,7 +200,7 @@ TEST_F(StatusItems, MenuOpensByEitherButtonOnTheEmbeddedIcon) {
     ASSERT_TRUE(comesIntoTray());
     const QRect icon = embeddedIcon();
     ASSERT_TRUE(icon.isValid());
-    EXPECT_EQ(choose(icon.center(), u"Screenshot History (⌘ Ctrl H)"_s),
+    EXPECT_EQ(choose(icon.center(), u"Screenshot History (Super Ctrl H)"_s),
               (Request{StatusAction::toggleHistory, std::nullopt}));
     EXPECT_EQ(choose(icon.center(), u"Quit Orvane"_s, 3), (Request{StatusAction::quit, std::nullopt}));
 }
@@ -211,7 +213,7 @@ TEST_F(StatusItems, MenuIsRebuiltEachTimeItOpens) {
     ASSERT_TRUE(icon.isValid());
     clickAt(icon.center());
     ASSERT_TRUE(comesToBeOpen());
-    EXPECT_EQ(rows().front(), u"Record Screen (⌘ Ctrl R)"_s);
+    EXPECT_EQ(rows().front(), u"Record Screen (Super Ctrl R)"_s);
     EXPECT_FALSE(rows().contains(u"Clear Markers"_s));
     runCommand(u"xdotool"_s, {u"key"_s, u"Escape"_s});
     ASSERT_TRUE(comesToBeOpen(false));
@@ -298,7 +300,7 @@ TEST_F(StatusItems, TitlesAreShownAsTheyAre) {
     state.isRecording = true;
     state.recordingAppName = u"Salt & Pepper"_s;
     start();
-    EXPECT_EQ(rows().front(), u"Stop Recording Salt && Pepper (⌘ Ctrl R)"_s);
+    EXPECT_EQ(rows().front(), u"Stop Recording Salt && Pepper (Super Ctrl R)"_s);
 }
 
 // ---- a tray on D-Bus
@@ -311,11 +313,11 @@ TEST_F(StatusItems, TrayOnTheBusGetsTheMenuAndTheClicks) {
     ASSERT_TRUE(comesIntoTray());
     ASSERT_TRUE(isOfferedTo(*tray));
     EXPECT_EQ(tray->ask(u"menu"_s),
-              (QStringList{u"Record Screen (⌘ Ctrl R)"_s, u"Annotate Screen (⌘ Ctrl P)"_s,
-                           u"Present / Draw (⌘ Ctrl D)"_s, u"Screenshot History (⌘ Ctrl H)"_s, u"---"_s,
-                           u"Camera"_s, u"Camera > None"_s, u"---"_s, u"Camera > Front*"_s, u"Mic"_s,
-                           u"Mic > None*"_s, u"---"_s, u"---"_s, u"(Settings...)"_s, u"Replay Setup…"_s,
-                           u"---"_s, u"Quit Orvane"_s}));
+              (QStringList{u"Record Screen (Super Ctrl R)"_s, u"Annotate Screen (Super Ctrl P)"_s,
+                           u"Present / Draw (Super Ctrl D)"_s, u"Screenshot History (Super Ctrl H)"_s,
+                           u"---"_s, u"Camera"_s, u"Camera > None"_s, u"---"_s, u"Camera > Front*"_s,
+                           u"Mic"_s, u"Mic > None*"_s, u"---"_s, u"---"_s, u"(Settings...)"_s,
+                           u"Replay Setup…"_s, u"---"_s, u"Quit Orvane"_s}));
     EXPECT_EQ(tray->ask(u"click Camera > Front"_s), QStringList{u"clicked"_s});
     ASSERT_TRUE(eventuallyInLoop([&] { return !requests.empty(); }));
     EXPECT_EQ(requests.front(), (Request{StatusAction::selectCameraDevice, u"cam-1"_s}));
@@ -335,7 +337,7 @@ TEST_F(StatusItems, TrayOnTheBusIsNeverBehindTheState) {
     item->update();
     EXPECT_EQ(tray->ask(u"tooltip"_s), QStringList{u"Orvane (Recording)"_s});
     const QStringList shown = tray->ask(u"menu"_s);
-    EXPECT_EQ(shown.value(0), u"Stop Recording Editor (⌘ Ctrl R)"_s);
+    EXPECT_EQ(shown.value(0), u"Stop Recording Editor (Super Ctrl R)"_s);
     EXPECT_TRUE(shown.contains(u"(4 marker(s) active)"_s));
     EXPECT_EQ(tray->ask(u"click Clear Markers"_s), QStringList{u"clicked"_s});
     ASSERT_TRUE(eventuallyInLoop([&] { return !requests.empty(); }));
@@ -382,7 +384,7 @@ TEST_F(StatusItems, WithoutATrayAButtonOffersTheMenu) {
     EXPECT_EQ(button, QRect(1280 - 12 - 32, 40, 32, 32));
     ASSERT_TRUE(comesToShow(button.center() + QPoint(0, 12), 0xff2b2d31));
     EXPECT_TRUE(comesToShow(button.center() + QPoint(0, 4), white, 40));
-    EXPECT_EQ(choose(button.center(), u"Annotate Screen (⌘ Ctrl P)"_s),
+    EXPECT_EQ(choose(button.center(), u"Annotate Screen (Super Ctrl P)"_s),
               (Request{StatusAction::toggleOverlay, std::nullopt}));
     // Below the button, and wholly on the screen.
     EXPECT_EQ(item->menu().geometry().top(), button.bottom() + 1);

@@ -178,7 +178,7 @@ void OverlayController::submitted(const std::optional<SubmitResult>& result, con
         manager.clearAll();
     m_services.showToast(submitToast(
         count, request.modes, request.sendTarget ? std::optional(request.sendTarget->name) : std::nullopt,
-        result->sendOutcome, result->copiedOcrText));
+        result->sendOutcome, result->copiedOcrText, m_services.words));
     m_services.tasks.run([this, result = *result]() -> TaskRunner::Continuation {
         m_services.pipeline.generateThumbnail(result);
         return {};

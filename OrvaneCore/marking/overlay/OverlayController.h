@@ -36,6 +36,7 @@ public:
         Surfaces& surfaces;
         Displays& displays;
         ScreenCapture& capture;
+        const PlatformWords& words;
         std::function<void(const SubmitToast&)> showToast;
     };
 

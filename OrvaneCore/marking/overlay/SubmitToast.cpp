@@ -32,12 +32,12 @@ SubmitToast sendToast(const QString& target, const SendOutcome& outcome, bool im
 
 SubmitToast submitToast(int markerCount, const MarkupModes& modes, const std::optional<QString>& targetName,
                         const std::optional<SendOutcome>& outcome,
-                        const std::optional<QString>& copiedOcrText) {
+                        const std::optional<QString>& copiedOcrText, const PlatformWords& words) {
     if (modes.directSend && targetName && outcome)
         return sendToast(*targetName, *outcome, modes.image);
     if (modes.image) {
         return {.title = u"Image copied"_s,
-                .subtitle = u"⌘V to paste anywhere"_s,
+                .subtitle = words.keyInWindows(u"V") + u" to paste anywhere"_s,
                 .icon = u"doc.on.clipboard.fill"_s};
     }
     if (copiedOcrText) {

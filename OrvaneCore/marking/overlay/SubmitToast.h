@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/marking/submit/SubmitRequest.h"
+#include "OrvaneCore/platform/PlatformWords.h"
 
 #include <QString>
 
@@ -23,6 +24,6 @@ struct SubmitToast {
 /// was what was copied.
 SubmitToast submitToast(int markerCount, const MarkupModes& modes, const std::optional<QString>& targetName,
                         const std::optional<SendOutcome>& outcome,
-                        const std::optional<QString>& copiedOcrText);
+                        const std::optional<QString>& copiedOcrText, const PlatformWords& words);
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 #include "OrvaneCore/storage/StorageManager.h"
 #include "tests/support/FakeHotkeys.h"
 #include "tests/support/InMemorySettings.h"
+#include "tests/support/MacWords.h"
 
 #include <gtest/gtest.h>
 
@@ -63,7 +64,8 @@ protected:
     FakeHotkeys hotkeys;
     // Apart from the settings of the storage, so that what commands write there stands alone.
     InMemorySettings stored;
-    KeyboardShortcuts shortcuts{stored, hotkeys};
+    PlatformWords words = macWords();
+    KeyboardShortcuts shortcuts{stored, hotkeys, words};
 };
 
 TEST_F(CommandsTest, EveryHotkeyIsServedByOneRow) {
@@ -83,7 +85,8 @@ TEST_F(CommandsTest, EveryActionOfTheMenuIsServedByOneRow) {
             << static_cast<int>(action);
     }
     const std::vector<StatusAction> all = allActions();
-    EXPECT_EQ(actionsOf(statusMenuRows({.markerCount = 1})), std::set<StatusAction>(all.begin(), all.end()));
+    EXPECT_EQ(actionsOf(statusMenuRows({.markerCount = 1}, words)),
+              std::set<StatusAction>(all.begin(), all.end()));
 }
 
 TEST_F(CommandsTest, EveryRowHasAnIdOfItsOwnAndIsReachedSomehow) {

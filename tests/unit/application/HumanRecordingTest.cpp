@@ -1,5 +1,7 @@
 #include "Orvane/HumanRecording.h"
 
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
+#include "tests/support/MacWords.h"
 #include "tests/unit/recording/RecorderFixture.h"
 
 #include <deque>
@@ -85,9 +87,10 @@ protected:
     HeldTasks tasks;
     RecordedView view;
     std::deque<Answer> answers;
-    HumanRecording human{recorder, discovery,
-                         storage,  tasks,
-                         view,     [this](Answer answer) { answers.push_back(std::move(answer)); }};
+    PlatformWords words = test::macWords();
+    HumanRecording human{recorder, discovery, storage, tasks, view, words, [this](Answer answer) {
+                             answers.push_back(std::move(answer));
+                         }};
 
 private:
     bool m_logIsTaken = false;
@@ -119,6 +122,15 @@ TEST_F(HumanRecordingTest, RecordsWhatWasChosenUntilItIsToggledAgain) {
     EXPECT_TRUE(lines.contains(u"orvane: human recording started for Full Screen\n"_s));
     EXPECT_TRUE(lines.endsWith(u"orvane: human recording stopped (session "_s + id + u")\n"_s))
         << qPrintable(lines);
+}
+
+TEST_F(HumanRecordingTest, NamesTheHotkeyAsTheDesktopDoes) {
+    words = freedesktop::desktopWords();
+    record(DisplayTarget{11});
+    human.toggle();
+    tasks.runNext();
+    ASSERT_EQ(view.toasts.size(), 1U);
+    EXPECT_EQ(view.toasts.front().subtitle, u"Copied to clipboard · Super Ctrl H for GIF export"_s);
 }
 
 TEST_F(HumanRecordingTest, NamesEachKindOfTarget) {

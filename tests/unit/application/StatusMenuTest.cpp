@@ -1,4 +1,6 @@
 #include "Orvane/StatusMenu.h"
+#include "OrvanePlatform/freedesktop/DesktopWords.h"
+#include "tests/support/MacWords.h"
 
 #include <QStringList>
 
@@ -13,6 +15,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString line = u"---"_s;
+
+std::vector<StatusMenuRow> menu(const StatusMenuState& state) {
+    return statusMenuRows(state, macWords());
+}
 
 QStringList titles(const std::vector<StatusMenuRow>& rows) {
     QStringList found;
@@ -45,14 +51,14 @@ DeviceChoice twoDevices() {
 
 TEST(StatusMenu, HasTheseRowsWhenNothingIsGoingOn) {
     EXPECT_EQ(
-        titles(statusMenuRows({})),
+        titles(menu({})),
         (QStringList{u"Record Screen (⌘ Ctrl R)"_s, u"Annotate Screen (⌘ Ctrl P)"_s,
                      u"Present / Draw (⌘ Ctrl D)"_s, u"Screenshot History (⌘ Ctrl H)"_s, line, u"Camera"_s,
                      u"Mic"_s, line, u"Settings..."_s, u"Replay Setup…"_s, line, u"Quit Orvane"_s}));
 }
 
 TEST(StatusMenu, OffersToStopARecordingByName) {
-    const auto rows = statusMenuRows({.isRecording = true, .recordingAppName = u"Text Editor"_s});
+    const auto rows = menu({.isRecording = true, .recordingAppName = u"Text Editor"_s});
     EXPECT_EQ(
         titles(rows),
         (QStringList{u"Stop Recording Text Editor (⌘ Ctrl R)"_s, line, u"Annotate Screen (⌘ Ctrl P)"_s,
@@ -61,12 +67,24 @@ TEST(StatusMenu, OffersToStopARecordingByName) {
     EXPECT_EQ(rows.front().action, StatusAction::toggleRecording);
 }
 
+TEST(StatusMenu, NamesHotkeysAsTheDesktopDoes) {
+    const PlatformWords words = freedesktop::desktopWords();
+    EXPECT_EQ(titles(statusMenuRows({.markerCount = 2}, words)),
+              (QStringList{u"Record Screen (Super Ctrl R)"_s, u"Annotate Screen (Super Ctrl P)"_s,
+                           u"Present / Draw (Super Ctrl D)"_s, u"Screenshot History (Super Ctrl H)"_s, line,
+                           u"Camera"_s, u"Mic"_s, line, u"Settings..."_s, u"Replay Setup…"_s, line,
+                           u"2 marker(s) active"_s, u"Clear Markers"_s, line, u"Quit Orvane"_s}));
+    EXPECT_EQ(
+        statusMenuRows({.isRecording = true, .recordingAppName = u"Text Editor"_s}, words).front().title,
+        u"Stop Recording Text Editor (Super Ctrl R)"_s);
+}
+
 TEST(StatusMenu, RecordingNameIsOfNoAccountWhenNotRecording) {
-    EXPECT_EQ(statusMenuRows({.recordingAppName = u"Left over"_s}), statusMenuRows({}));
+    EXPECT_EQ(menu({.recordingAppName = u"Left over"_s}), menu({}));
 }
 
 TEST(StatusMenu, TellsOfMarkersAndClearsThem) {
-    const auto rows = statusMenuRows({.markerCount = 3});
+    const auto rows = menu({.markerCount = 3});
     EXPECT_EQ(titles(rows).mid(11),
               (QStringList{u"3 marker(s) active"_s, u"Clear Markers"_s, line, u"Quit Orvane"_s}));
     EXPECT_EQ(titles(rows).at(10), line);
@@ -79,11 +97,11 @@ TEST(StatusMenu, TellsOfMarkersAndClearsThem) {
 }
 
 TEST(StatusMenu, CountsOneMarkerWithTheSameWords) {
-    EXPECT_TRUE(titles(statusMenuRows({.markerCount = 1})).contains(u"1 marker(s) active"_s));
+    EXPECT_TRUE(titles(menu({.markerCount = 1})).contains(u"1 marker(s) active"_s));
 }
 
 TEST(StatusMenu, EveryRowAsksForItsAction) {
-    const auto rows = statusMenuRows({.markerCount = 1});
+    const auto rows = menu({.markerCount = 1});
     const std::vector<std::pair<QString, StatusAction>> expected = {
         {u"Record Screen (⌘ Ctrl R)"_s, StatusAction::toggleRecording},
         {u"Annotate Screen (⌘ Ctrl P)"_s, StatusAction::toggleOverlay},
@@ -106,7 +124,7 @@ TEST(StatusMenu, EveryRowAsksForItsAction) {
 
 TEST(StatusMenu, KeysAreThoseOfSettingsAndQuitAlone) {
     QStringList keys;
-    for (const StatusMenuRow& row : statusMenuRows({.isRecording = true, .markerCount = 2})) {
+    for (const StatusMenuRow& row : menu({.isRecording = true, .markerCount = 2})) {
         if (!row.keyEquivalent.isEmpty())
             keys << row.title + u'|' + row.keyEquivalent;
     }
@@ -116,7 +134,7 @@ TEST(StatusMenu, KeysAreThoseOfSettingsAndQuitAlone) {
 TEST(StatusMenu, DevicesComeInTheirOrderAfterNone) {
     StatusMenuState state;
     state.camera = twoDevices();
-    const StatusMenuRow camera = rowNamed(statusMenuRows(state), u"Camera"_s);
+    const StatusMenuRow camera = rowNamed(menu(state), u"Camera"_s);
     EXPECT_EQ(titles(camera.submenu), (QStringList{u"None"_s, line, u"Second"_s, u"First"_s}));
     EXPECT_FALSE(camera.action.has_value());
     EXPECT_EQ(camera.submenu[0].action, StatusAction::selectCameraDevice);
@@ -129,7 +147,7 @@ TEST(StatusMenu, DevicesComeInTheirOrderAfterNone) {
 TEST(StatusMenu, MicrophonesAskForTheirOwnAction) {
     StatusMenuState state;
     state.mic = twoDevices();
-    const auto rows = statusMenuRows(state);
+    const auto rows = menu(state);
     const StatusMenuRow mic = rowNamed(rows, u"Mic"_s);
     EXPECT_EQ(titles(mic.submenu), (QStringList{u"None"_s, line, u"Second"_s, u"First"_s}));
     EXPECT_EQ(mic.submenu[0].action, StatusAction::selectMicDevice);
@@ -142,7 +160,7 @@ TEST(StatusMenu, NoneIsCheckedWhenTheDeviceIsOff) {
     StatusMenuState state;
     state.camera = twoDevices();
     state.camera.selectedId = u"id-1"_s;
-    EXPECT_EQ(checked(rowNamed(statusMenuRows(state), u"Camera"_s)), QStringList{u"None"_s});
+    EXPECT_EQ(checked(rowNamed(menu(state), u"Camera"_s)), QStringList{u"None"_s});
 }
 
 TEST(StatusMenu, TheSelectedDeviceIsCheckedWhenOn) {
@@ -150,25 +168,25 @@ TEST(StatusMenu, TheSelectedDeviceIsCheckedWhenOn) {
     state.mic = twoDevices();
     state.mic.isOn = true;
     state.mic.selectedId = u"id-1"_s;
-    EXPECT_EQ(checked(rowNamed(statusMenuRows(state), u"Mic"_s)), QStringList{u"First"_s});
-    EXPECT_EQ(checked(rowNamed(statusMenuRows(state), u"Camera"_s)), QStringList{u"None"_s});
+    EXPECT_EQ(checked(rowNamed(menu(state), u"Mic"_s)), QStringList{u"First"_s});
+    EXPECT_EQ(checked(rowNamed(menu(state), u"Camera"_s)), QStringList{u"None"_s});
 }
 
 TEST(StatusMenu, NothingIsCheckedForADeviceThatIsGoneOrWasNeverChosen) {
     StatusMenuState state;
     state.camera = twoDevices();
     state.camera.isOn = true;
-    EXPECT_EQ(checked(rowNamed(statusMenuRows(state), u"Camera"_s)), QStringList{});
+    EXPECT_EQ(checked(rowNamed(menu(state), u"Camera"_s)), QStringList{});
     state.camera.selectedId = u"unplugged"_s;
-    EXPECT_EQ(checked(rowNamed(statusMenuRows(state), u"Camera"_s)), QStringList{});
+    EXPECT_EQ(checked(rowNamed(menu(state), u"Camera"_s)), QStringList{});
 }
 
 TEST(StatusMenu, UnavailableActionsAreShownDisabled) {
     StatusMenuState state;
     state.camera = twoDevices();
     state.unavailable = {StatusAction::togglePresentDraw, StatusAction::selectCameraDevice};
-    const auto rows = statusMenuRows(state);
-    EXPECT_EQ(titles(rows), titles(statusMenuRows({})));
+    const auto rows = menu(state);
+    EXPECT_EQ(titles(rows), titles(menu({})));
     QStringList disabled;
     for (const StatusMenuRow& row : rows) {
         if (!row.isEnabled)

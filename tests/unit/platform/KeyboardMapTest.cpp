@@ -1,6 +1,7 @@
 #include "OrvanePlatform/x11/KeyboardMap.h"
 
 #include "OrvanePlatform/x11/CarbonKeys.h"
+#include "tests/support/MacWords.h"
 
 #include <gtest/gtest.h>
 
@@ -239,7 +240,7 @@ TEST(CarbonKeys, AreAllDifferentAndHaveNames) {
     int placed = 0;
     for (int code = 0; code < 128; ++code) {
         const x11::CarbonKey* const key = x11::carbonKey(code);
-        EXPECT_EQ(key == nullptr, Shortcut({code, 0}).text().startsWith(u"key ")) << code;
+        EXPECT_EQ(key == nullptr, macWords().hotkeyName({code, 0}).startsWith(u"key ")) << code;
         if (key == nullptr)
             continue;
         ++keys;

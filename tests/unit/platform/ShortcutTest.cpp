@@ -49,17 +49,4 @@ INSTANTIATE_TEST_SUITE_P(Texts, DamagedShortcut,
                                          uR"({"carbonkeycode":35,"carbonmodifiers":4352})",
                                          uR"({"carbonKeyCode":35,"carbonModifiers":4352} x)"));
 
-TEST(ShortcutText, NamesModifiersBeforeTheKey) {
-    EXPECT_EQ((Shortcut{35, 4352}.text()), u"Super+Ctrl+P"_s);
-    EXPECT_EQ((Shortcut{49, 256 | 512 | 2048 | 4096}.text()), u"Super+Ctrl+Alt+Shift+Space"_s);
-    EXPECT_EQ((Shortcut{122, 0}.text()), u"F1"_s);
-    EXPECT_EQ((Shortcut{69, Shortcut::option}.text()), u"Alt+Keypad +"_s);
-    EXPECT_EQ((Shortcut{51, Shortcut::control}.text()), u"Ctrl+Backspace"_s);
-    EXPECT_EQ((Shortcut{117, Shortcut::control}.text()), u"Ctrl+Delete"_s);
-}
-
-TEST(ShortcutText, GivesTheNumberOfWhatHasNoName) {
-    EXPECT_EQ((Shortcut{999, 256 | 65536}.text()), u"Super+modifier 65536+key 999"_s);
-}
-
 } // namespace orvane::test

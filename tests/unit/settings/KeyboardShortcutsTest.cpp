@@ -1,6 +1,7 @@
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
 #include "tests/support/FakeHotkeys.h"
 #include "tests/support/InMemorySettings.h"
+#include "tests/support/MacWords.h"
 
 #include <QStringList>
 
@@ -28,7 +29,8 @@ protected:
 
     InMemorySettings settings;
     FakeHotkeys hotkeys;
-    KeyboardShortcuts shortcuts{settings, hotkeys};
+    PlatformWords words = macWords();
+    KeyboardShortcuts shortcuts{settings, hotkeys, words};
 };
 
 } // namespace
@@ -123,7 +125,7 @@ TEST_F(KeyboardShortcutsTest, AClearedHotkeyFiresNoKey) {
 
 TEST_F(KeyboardShortcutsTest, AClearedHotkeySurvivesARelaunch) {
     shortcuts.setShortcut(std::nullopt, HotkeyName::toggleOverlay);
-    KeyboardShortcuts relaunched(settings, hotkeys);
+    KeyboardShortcuts relaunched(settings, hotkeys, words);
     relaunched.onKeyUp(HotkeyName::toggleOverlay, [] {});
     EXPECT_EQ(relaunched.getShortcut(HotkeyName::toggleOverlay), std::nullopt);
     EXPECT_TRUE(hotkeys.hotkeys.empty());
@@ -154,7 +156,7 @@ TEST_F(KeyboardShortcutsTest, AnActionMayChangeItsOwnShortcut) {
 
 TEST_F(KeyboardShortcutsTest, LetsGoOfItsKeysInTheEnd) {
     {
-        KeyboardShortcuts brief(settings, hotkeys);
+        KeyboardShortcuts brief(settings, hotkeys, words);
         brief.onKeyUp(HotkeyName::toggleOverlay, [] {});
         EXPECT_EQ(hotkeys.hotkeys.size(), 1U);
     }
@@ -167,10 +169,9 @@ TEST_F(KeyboardShortcutsTest, ReportsAConflictInOneLineThatSaysWhatToDo) {
     testing::internal::CaptureStderr();
     hotkeys.tell(overlayDefault, State::active);
     hotkeys.tell(recordingDefault, State::conflicting);
-    EXPECT_EQ(
-        testing::internal::GetCapturedStderr(),
-        "orvane: the hotkey Super+Ctrl+R (Record Screen) is held by another program. Choose another one "
-        "in Settings, or free it in that program and restart Orvane.\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "orvane: the hotkey Cmd+Ctrl+R (Record Screen) is held by another program. Choose another one "
+              "in Settings, or free it in that program and restart Orvane.\n");
     EXPECT_EQ(shortcuts.state(HotkeyName::toggleOverlay), State::active);
     EXPECT_EQ(shortcuts.state(HotkeyName::toggleRecording), State::conflicting);
 }
@@ -183,7 +184,7 @@ TEST_F(KeyboardShortcutsTest, ReportsTheEndOfAConflict) {
     testing::internal::CaptureStderr();
     hotkeys.tell(recordingDefault, State::active);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "orvane: the hotkey Super+Ctrl+R (Record Screen) works now\n");
+              "orvane: the hotkey Cmd+Ctrl+R (Record Screen) works now\n");
 }
 
 TEST_F(KeyboardShortcutsTest, TriesAConflictAgainWhenItIsSetAgain) {
@@ -202,14 +203,15 @@ class DamagedHotkey : public testing::TestWithParam<QJsonValue> {};
 TEST_P(DamagedHotkey, IsKeptWhileItsDefaultHolds) {
     InMemorySettings settings(QJsonObject{{overlayKey, GetParam()}});
     FakeHotkeys hotkeys;
-    KeyboardShortcuts shortcuts(settings, hotkeys);
+    const PlatformWords words = macWords();
+    KeyboardShortcuts shortcuts(settings, hotkeys, words);
     testing::internal::CaptureStderr();
     EXPECT_EQ(shortcuts.getShortcut(HotkeyName::toggleOverlay), overlayDefault);
     shortcuts.onKeyUp(HotkeyName::toggleOverlay, [] {});
     EXPECT_EQ(
         testing::internal::GetCapturedStderr(),
         "orvane: the setting KeyboardShortcuts_toggleOverlay holds no hotkey that this version can read; "
-        "Super+Ctrl+P is used until another one is chosen in Settings\n");
+        "Cmd+Ctrl+P is used until another one is chosen in Settings\n");
     EXPECT_EQ(hotkeys.press(overlayDefault), 1);
     EXPECT_TRUE(settings.writes().empty());
     shortcuts.setShortcut(other, HotkeyName::toggleOverlay);

@@ -1,4 +1,5 @@
 #include "OrvaneCore/marking/overlay/SubmitToast.h"
+#include "tests/support/MacWords.h"
 
 #include <gtest/gtest.h>
 
@@ -24,51 +25,63 @@ const SubmitToast captured{u"3 region(s) captured"_s, u"Paste into your agent to
                            u"checkmark.circle.fill"_s};
 const SubmitToast imageCopied{u"Image copied"_s, u"⌘V to paste anywhere"_s, u"doc.on.clipboard.fill"_s};
 
+SubmitToast toast(int markerCount, const MarkupModes& modes, const std::optional<QString>& targetName,
+                  const std::optional<SendOutcome>& outcome, const std::optional<QString>& copiedOcrText) {
+    return submitToast(markerCount, modes, targetName, outcome, copiedOcrText, test::macWords());
+}
+
 QString subtitleOfText(const QString& text) {
-    return submitToast(1, {.ocr = true}, std::nullopt, std::nullopt, text).subtitle;
+    return toast(1, {.ocr = true}, std::nullopt, std::nullopt, text).subtitle;
 }
 
 } // namespace
 
 TEST(SubmitToast, ASendCountsWhatWasSentAndNotTheMarkers) {
     EXPECT_EQ(
-        submitToast(3, send, u"Notes"_s, sent, std::nullopt),
+        toast(3, send, u"Notes"_s, sent, std::nullopt),
         (SubmitToast{u"Sent 2 region(s) → Notes"_s, u"Images + metadata pasted"_s, u"paperplane.fill"_s}));
 }
 
 TEST(SubmitToast, ASendOfImagesSaysThatThereWasNoMetadata) {
     EXPECT_EQ(
-        submitToast(3, sendImage, u"Notes"_s, sent, std::nullopt),
+        toast(3, sendImage, u"Notes"_s, sent, std::nullopt),
         (SubmitToast{u"Sent 2 region(s) → Notes"_s, u"Image pasted (no metadata)"_s, u"paperplane.fill"_s}));
 }
 
 TEST(SubmitToast, ATargetThatCouldNotBeReachedIsNamed) {
     const SubmitToast expected{u"Couldn't reach Notes"_s, u"Copied paths to clipboard instead"_s,
                                u"exclamationmark.triangle.fill"_s};
-    EXPECT_EQ(submitToast(3, send, u"Notes"_s, failed, std::nullopt), expected);
-    EXPECT_EQ(submitToast(3, sendImage, u"Notes"_s, failed, std::nullopt), expected);
+    EXPECT_EQ(toast(3, send, u"Notes"_s, failed, std::nullopt), expected);
+    EXPECT_EQ(toast(3, sendImage, u"Notes"_s, failed, std::nullopt), expected);
 }
 
 TEST(SubmitToast, ANameIsTakenAsItIs) {
-    EXPECT_EQ(submitToast(1, send, u"100 %1"_s, sent, std::nullopt).title, u"Sent 2 region(s) → 100 %1"_s);
-    EXPECT_EQ(submitToast(1, send, u"100 %1"_s, failed, std::nullopt).title, u"Couldn't reach 100 %1"_s);
+    EXPECT_EQ(toast(1, send, u"100 %1"_s, sent, std::nullopt).title, u"Sent 2 region(s) → 100 %1"_s);
+    EXPECT_EQ(toast(1, send, u"100 %1"_s, failed, std::nullopt).title, u"Couldn't reach 100 %1"_s);
 }
 
 TEST(SubmitToast, WithoutATargetDirectSendIsAsIfItWereOff) {
-    EXPECT_EQ(submitToast(3, send, std::nullopt, std::nullopt, std::nullopt), captured);
-    EXPECT_EQ(submitToast(3, sendImage, std::nullopt, std::nullopt, std::nullopt), imageCopied);
+    EXPECT_EQ(toast(3, send, std::nullopt, std::nullopt, std::nullopt), captured);
+    EXPECT_EQ(toast(3, sendImage, std::nullopt, std::nullopt, std::nullopt), imageCopied);
 }
 
 TEST(SubmitToast, AnOldOutcomeDoesNotCountWhenDirectSendIsOff) {
-    EXPECT_EQ(submitToast(3, {}, u"Notes"_s, sent, std::nullopt), captured);
+    EXPECT_EQ(toast(3, {}, u"Notes"_s, sent, std::nullopt), captured);
 }
 
 TEST(SubmitToast, TheImageModeComesBeforeTheText) {
-    EXPECT_EQ(submitToast(3, {.image = true}, std::nullopt, std::nullopt, u"text"_s), imageCopied);
+    EXPECT_EQ(toast(3, {.image = true}, std::nullopt, std::nullopt, u"text"_s), imageCopied);
+}
+
+TEST(SubmitToast, TheKeysThatPasteAreThoseOfThePlatform) {
+    PlatformWords words = test::macWords();
+    words.commandInWindows = u"Ctrl+"_s;
+    EXPECT_EQ(submitToast(1, {.image = true}, std::nullopt, std::nullopt, std::nullopt, words).subtitle,
+              u"Ctrl+V to paste anywhere"_s);
 }
 
 TEST(SubmitToast, CopiedTextIsCounted) {
-    EXPECT_EQ(submitToast(1, {.ocr = true}, std::nullopt, std::nullopt, u"Hello, world"_s),
+    EXPECT_EQ(toast(1, {.ocr = true}, std::nullopt, std::nullopt, u"Hello, world"_s),
               (SubmitToast{u"Text copied"_s, u"12 character(s) recognized"_s, u"text.viewfinder"_s}));
 }
 
@@ -86,13 +99,13 @@ TEST(SubmitToast, CharactersAreCountedAsAReaderDoes) {
 }
 
 TEST(SubmitToast, RegionsAreCountedWhenTextIsNotRecognised) {
-    EXPECT_EQ(submitToast(3, {}, std::nullopt, std::nullopt, std::nullopt), captured);
-    EXPECT_EQ(submitToast(3, {.spotlight = true}, std::nullopt, std::nullopt, std::nullopt), captured);
-    EXPECT_EQ(submitToast(1, {}, std::nullopt, std::nullopt, std::nullopt).title, u"1 region(s) captured"_s);
+    EXPECT_EQ(toast(3, {}, std::nullopt, std::nullopt, std::nullopt), captured);
+    EXPECT_EQ(toast(3, {.spotlight = true}, std::nullopt, std::nullopt, std::nullopt), captured);
+    EXPECT_EQ(toast(1, {}, std::nullopt, std::nullopt, std::nullopt).title, u"1 region(s) captured"_s);
 }
 
 TEST(SubmitToast, RecognitionThatFoundNothingSaysSo) {
-    EXPECT_EQ(submitToast(3, {.ocr = true}, std::nullopt, std::nullopt, std::nullopt),
+    EXPECT_EQ(toast(3, {.ocr = true}, std::nullopt, std::nullopt, std::nullopt),
               (SubmitToast{u"No text found"_s, u"Copied screenshot instead"_s, u"text.viewfinder"_s}));
 }
 
