@@ -117,6 +117,12 @@ TEST_F(Sessions, LatestPointsToTheAbsolutePathOfTheSession) {
     EXPECT_EQ(m_folders.latest(), QFileInfo(session.dir).canonicalFilePath());
 }
 
+TEST_F(Sessions, LatestOfARelativePathLeadsToTheSame) {
+    const auto session = m_folders.make();
+    m_folders.updateLatestLink(QDir::current().relativeFilePath(session.dir));
+    EXPECT_EQ(m_folders.latest(), QFileInfo(session.dir).canonicalFilePath());
+}
+
 TEST_F(Sessions, ANewLatestReplacesTheOldOneAndLeavesNothingBehind) {
     makeFolder(sessions(QStringLiteral("a")));
     makeFolder(sessions(QStringLiteral("b")));

@@ -145,6 +145,14 @@ TEST_F(Storage, CleansUpByTheSettingOfTheMoment) {
     EXPECT_EQ(m_storage.cleanupExpired(), 1);
 }
 
+TEST_F(Storage, CleansUpCapturesAndSessionsAlike) {
+    writeFile(captures(QStringLiteral("a.png")));
+    writeFile(sessions(QStringLiteral("s/SESSION.md")));
+    EXPECT_EQ(m_storage.cleanupAll(), 2);
+    EXPECT_FALSE(isThere(captures(QStringLiteral("a.png"))));
+    EXPECT_FALSE(isThere(sessions(QStringLiteral("s"))));
+}
+
 TEST_F(Storage, WorksOnTheBaseFolderOfTheMoment) {
     writeFile(captures(QStringLiteral("kept.png")));
     m_storage.setBaseDirectory(under(QStringLiteral("other")));

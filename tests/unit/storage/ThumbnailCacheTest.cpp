@@ -12,6 +12,15 @@ namespace orvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+class BrokenWriter final : public PngWriter {
+public:
+    QByteArray encode(const QImage& /*image*/) const override { return {}; }
+};
+
+} // namespace
+
 class ThumbnailCacheTest : public testing::Test {
 protected:
     QString source(const QSize& size, QRgb color = qRgb(10, 200, 30)) {
@@ -51,6 +60,12 @@ TEST_F(ThumbnailCacheTest, IsMadeOnce) {
     const QImage loaded = ThumbnailCache::load(folder.path());
     EXPECT_EQ(loaded.size(), QSize(400, 300));
     EXPECT_EQ(loaded.pixel(5, 5), qRgb(10, 200, 30));
+}
+
+TEST_F(ThumbnailCacheTest, IsNotThereWhereItCannotBeEncoded) {
+    const BrokenWriter broken;
+    ThumbnailCache(broken).generate(source({800, 600}), folder.path());
+    EXPECT_FALSE(QFile::exists(thumbnail()));
 }
 
 TEST_F(ThumbnailCacheTest, IsNotMadeFromWhatIsNoPicture) {
