@@ -3,6 +3,7 @@
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/capture/RegionSize.h"
 #include "OrvanePlatform/png/SpngWriter.h"
+#include "tests/support/BrokenPngWriter.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/KnownPicture.h"
 
@@ -102,6 +103,21 @@ TEST_F(ScreenCaptureTest, BelievesTheContentsOverAStaleFrame) {
     EXPECT_EQ(capture.captureWindow(10, false).image.size(), QSize(400, 300));
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "orvane: window frame too small (50x300), using 400x300\n");
+}
+
+TEST_F(ScreenCaptureTest, BelievesContentsOnlyAboveAHundredPoints) {
+    for (const auto& [pixels, expected] : std::vector<std::pair<QSize, QSize>>{
+             {{101, 101}, {101, 101}}, {{100, 300}, {2560, 1440}}, {{300, 100}, {2560, 1440}}}) {
+        resizeWindow({0, 0, 50, 300}, pixels);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(capture.captureWindow(10, false).image.size(), expected) << pixels.width();
+        testing::internal::GetCapturedStderr();
+    }
+    // On the display of scale 2 it takes twice the pixels.
+    resizeWindow({1000, 0, 40, 300}, {200, 400});
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(capture.captureWindow(10, false).image.size(), QSize(2560, 1440));
+    testing::internal::GetCapturedStderr();
 }
 
 TEST_F(ScreenCaptureTest, CapturesARegionOfTheDisplayItBeginsOn) {
@@ -240,6 +256,12 @@ TEST_F(ScreenCaptureTest, LeavesAloneWhatIsNoImage) {
     EXPECT_EQ(capture.resizeForLLM(QByteArray(), 1024), QByteArray());
     const QByteArray broken = pngWriter.encode(knownPicture(1100, 500, false)).left(40);
     EXPECT_EQ(capture.resizeForLLM(broken, 1024), broken);
+}
+
+TEST_F(ScreenCaptureTest, LeavesAloneWhatCannotBeEncodedAgain) {
+    const QByteArray png = pngWriter.encode(knownPicture(1100, 500, false));
+    const test::BrokenPngWriter broken;
+    EXPECT_EQ(ScreenCapture(desktop, desktop, broken).resizeForLLM(png, 1024), png);
 }
 
 TEST_F(ScreenCaptureTest, KeepsAtLeastOnePixelOfAStrip) {

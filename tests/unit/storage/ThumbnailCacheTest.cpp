@@ -1,6 +1,7 @@
 #include "OrvaneCore/storage/ThumbnailCache.h"
 
 #include "OrvanePlatform/png/SpngWriter.h"
+#include "tests/support/BrokenPngWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -11,15 +12,6 @@
 namespace orvane {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-class BrokenWriter final : public PngWriter {
-public:
-    QByteArray encode(const QImage& /*image*/) const override { return {}; }
-};
-
-} // namespace
 
 class ThumbnailCacheTest : public testing::Test {
 protected:
@@ -63,7 +55,7 @@ TEST_F(ThumbnailCacheTest, IsMadeOnce) {
 }
 
 TEST_F(ThumbnailCacheTest, IsNotThereWhereItCannotBeEncoded) {
-    const BrokenWriter broken;
+    const test::BrokenPngWriter broken;
     ThumbnailCache(broken).generate(source({800, 600}), folder.path());
     EXPECT_FALSE(QFile::exists(thumbnail()));
 }

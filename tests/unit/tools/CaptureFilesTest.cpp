@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvanePlatform/png/SpngWriter.h"
+#include "tests/support/BrokenPngWriter.h"
 #include "tests/support/InMemorySettings.h"
 #include "tests/support/KnownPicture.h"
 
@@ -32,11 +33,6 @@ protected:
     CaptureFiles files{storage, pngWriter, [] { return QDateTime({2026, 3, 4}, {5, 6, 7, 890}); }};
 };
 
-class BrokenWriter final : public PngWriter {
-public:
-    QByteArray encode(const QImage& /*image*/) const override { return {}; }
-};
-
 } // namespace
 
 TEST_F(CaptureFilesTest, HandsOutTheSameBytesOfASmallPicture) {
@@ -54,7 +50,7 @@ TEST_F(CaptureFilesTest, ShrinksALargePictureForTheAgentOnly) {
 }
 
 TEST_F(CaptureFilesTest, FailsWhereNothingCanBeEncoded) {
-    const BrokenWriter broken;
+    const test::BrokenPngWriter broken;
     const CaptureFiles brokenFiles(storage, broken, &QDateTime::currentDateTime);
     EXPECT_THROW(brokenFiles.encode(knownPicture(10, 10, false)), OrvaneError);
     EXPECT_THROW(brokenFiles.encode(knownPicture(2000, 10, false)), OrvaneError);
