@@ -73,7 +73,9 @@ void HumanRecording::start(const std::optional<RecordingTarget>& target) {
         try {
             m_recorder.startRecording(target, intervalMs, RecordingSource::human);
         } catch (const std::exception& error) {
-            return [this, text = QString::fromUtf8(error.what())] { failed(text); };
+            logLine(u"recording failed: "_s + QString::fromUtf8(error.what()));
+            clearFailedStart();
+            return [this] { m_isStarting = false; };
         }
         return [this, name] { started(name); };
     });
@@ -87,26 +89,48 @@ void HumanRecording::started(const QString& name) {
     logLine(u"human recording started for "_s + name);
 }
 
-void HumanRecording::failed(const QString& error) {
-    logLine(u"recording failed: "_s + error);
-    m_isStarting = false;
+/// A recording whose first picture cannot be taken counts as going on until somebody stops it. Nobody but the
+/// human starts recordings of the human's, so one that is there now is the one that has failed.
+void HumanRecording::clearFailedStart() {
+    if (m_recorder.recordingSource() != RecordingSource::human)
+        return;
+    try {
+        m_recorder.stopRecording();
+    } catch (const std::exception& error) {
+        logLine(u"stop recording failed: "_s + QString::fromUtf8(error.what()));
+    }
 }
 
 void HumanRecording::stop() {
+    ++m_stops;
     m_tasks.run([this, name = m_appName]() -> TaskRunner::Continuation {
         try {
-            return [this, sessionId = m_recorder.stopRecording(), name] { stopped(sessionId, name); };
+            return [this, sessionId = m_recorder.stopRecording(), name] {
+                --m_stops;
+                stopped(sessionId, name);
+            };
+        } catch (const NotRecording& error) {
+            logLine(u"stop recording failed: "_s + error.description());
+            return [this] {
+                // The human may have asked twice, and then the other stop has the end to tell.
+                if (--m_stops == 0)
+                    takeBack();
+            };
         } catch (const std::exception& error) {
             logLine(u"stop recording failed: "_s + QString::fromUtf8(error.what()));
-            return {};
+            return [this] { --m_stops; };
         }
     });
 }
 
-void HumanRecording::stopped(const QString& sessionId, const QString& appName) {
+void HumanRecording::takeBack() {
     m_isRecording = false;
     m_appName.clear();
     m_view.recordingChanged();
+}
+
+void HumanRecording::stopped(const QString& sessionId, const QString& appName) {
+    takeBack();
     logLine(u"human recording stopped (session "_s + sessionId + u')');
     const QString folder = m_storage.displayPath(m_storage.sessionDir(sessionId));
     m_view.copyToClipboard(clipboardText(appName, sessionId, folder));

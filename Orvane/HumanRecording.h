@@ -46,7 +46,8 @@ public:
     /// Starts where nothing is going on, and stops what is.
     void toggle();
 
-    /// Brings a recording to its end; what it was stays as it is where that fails.
+    /// Brings a recording to its end. Where that fails everything stays as it is, so that the human can try
+    /// again; where there is nothing to end, because an agent has ended it, it counts as ended.
     void stop();
 
     bool isRecording() const { return m_isRecording; }
@@ -56,8 +57,9 @@ public:
 private:
     void start(const std::optional<RecordingTarget>& target);
     void started(const QString& name);
-    void failed(const QString& error);
+    void clearFailedStart();
     void stopped(const QString& sessionId, const QString& appName);
+    void takeBack();
 
     ScreenRecorder& m_recorder;
     WindowDiscovery& m_discovery;
@@ -69,6 +71,8 @@ private:
     bool m_isRecording = false;
     /// From the choice of a target until the recorder has answered.
     bool m_isStarting = false;
+    /// Which the recorder has not answered yet.
+    int m_stops = 0;
     QString m_appName;
 };
 

@@ -43,15 +43,18 @@ void RecordingJournal::tellStart(const QString& description) {
             .keyframe = startFrameName});
 }
 
-void RecordingJournal::compare(const QImage& previous, const QImage& current, const QDateTime& time) {
-    int frameIndex = 0;
-    {
-        const std::scoped_lock lock(m_mutex);
-        frameIndex = ++m_frameIndex;
-    }
-    m_work.post([journal = shared_from_this(), previous, current, frameIndex, time] {
+bool RecordingJournal::compare(const QImage& previous, const QImage& current, const QDateTime& time) {
+    const int frameIndex = framesAnalysed() + 1;
+    const bool taken = m_work.offer([journal = shared_from_this(), previous, current, frameIndex, time] {
         journal->analyse(previous, current, frameIndex, time);
     });
+    const std::scoped_lock lock(m_mutex);
+    if (taken) {
+        m_frameIndex = frameIndex;
+    } else {
+        ++m_framesLeftOut;
+    }
+    return taken;
 }
 
 void RecordingJournal::analyse(const QImage& previous, const QImage& current, int frameIndex,
@@ -121,6 +124,14 @@ void RecordingJournal::writeReport(const QDateTime& time) const {
         report.timeline = m_timeline;
     }
     writeFile(m_head.folder, u"SESSION.md"_s, recordingMarkdown(report).toUtf8());
+}
+
+void RecordingJournal::logFramesLeftOut() const {
+    const std::scoped_lock lock(m_mutex);
+    if (m_framesLeftOut > 0) {
+        logLine(QString::number(m_framesLeftOut) +
+                u" frame(s) came faster than they could be searched for changes"_s);
+    }
 }
 
 void RecordingJournal::makeThumbnail() {

@@ -45,9 +45,10 @@ public:
     /// `description` of what is recorded.
     void tellStart(const QString& description);
 
-    /// Has two frames that follow one another compared; `time` is that of the later one. Waits while too many
-    /// comparisons wait.
-    void compare(const QImage& previous, const QImage& current, const QDateTime& time);
+    /// Has two frames that follow one another compared, unless too many comparisons wait; whether it has.
+    /// `time` is that of the later frame. One that is not compared counts as not seen: nothing tells of it
+    /// but the log.
+    bool compare(const QImage& previous, const QImage& current, const QDateTime& time);
 
     /// Has the activity told that went on until `time` and was only counted.
     void tellPendingChanges(const QDateTime& time);
@@ -59,6 +60,9 @@ public:
 
     /// SESSION.md with everything told until now. `time` is that of the end.
     void writeReport(const QDateTime& time) const;
+
+    /// Tells the log how many frames were not compared, where there are any.
+    void logFramesLeftOut() const;
 
     /// Has the small picture of the session made.
     void makeThumbnail();
@@ -81,6 +85,7 @@ private:
     std::size_t m_newsCursor = 0;
     /// The number of the frame compared last, from 1 on.
     int m_frameIndex = 0;
+    qint64 m_framesLeftOut = 0;
 };
 
 } // namespace orvane

@@ -90,9 +90,9 @@ void RecordingLoop::run(const std::stop_token& stop, RecordingVideo* video, qint
             continue;
         if (video != nullptr)
             video->append(*current);
-        if (tick % pace.stride == 0)
-            m_journal->compare(previous, *current, m_clock.now());
-        previous = *current;
+        // A frame that is left out counts as not seen, so that the next one is compared with what was.
+        if (tick % pace.stride != 0 || m_journal->compare(previous, *current, m_clock.now()))
+            previous = *current;
     }
     leave();
 }

@@ -1,7 +1,6 @@
 #include "OrvaneCore/recording/ScreenRecorder.h"
 
 #include "OrvaneCore/base/Log.h"
-#include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/recording/RecordingJournal.h"
 #include "OrvaneCore/recording/RecordingLoop.h"
 #include "OrvaneCore/recording/TargetCapture.h"
@@ -17,12 +16,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Comparisons that may wait; each holds two pictures.
-constexpr std::size_t waitingComparisons = 2;
 // How long the end of a recording waits for a look that is under way.
 constexpr std::chrono::milliseconds lookGrace{500};
 
 } // namespace
+
+NotRecording::NotRecording()
+    : OrvaneError(OrvaneError::invalidArguments(u"Not recording."_s)) {}
 
 struct ScreenRecorder::Recording {
     Recording(TargetCapture targetCapture, std::vector<WindowInfo> windowsOfTarget,
@@ -54,7 +54,7 @@ struct ScreenRecorder::Recording {
 
 ScreenRecorder::ScreenRecorder(WindowDiscovery& discovery, ScreenCapture& screenCapture,
                                StorageManager& storage, const PngWriter& pngWriter, MediaBackend& media,
-                               Clock& clock)
+                               Clock& clock, std::size_t waitingComparisons)
     : m_discovery(discovery)
     , m_screenCapture(screenCapture)
     , m_storage(storage)
@@ -143,7 +143,7 @@ QString ScreenRecorder::stopRecording() {
     {
         const std::scoped_lock lock(m_mutex);
         if (!m_recording || !m_recording->active)
-            throw OrvaneError::invalidArguments(u"Not recording."_s);
+            throw NotRecording();
         recording = m_recording;
         recording->active = false;
     }
@@ -170,6 +170,7 @@ QString ScreenRecorder::stopRecording() {
     journal.writeReport(m_clock.now());
     m_storage.updateLatestLink(recording->head().folder);
     journal.makeThumbnail();
+    journal.logFramesLeftOut();
     logLine(u"recording stopped (session "_s + recording->head().sessionId + u')');
     const std::scoped_lock lock(m_mutex);
     recording->folderIsOpen = false;
@@ -219,6 +220,11 @@ std::optional<QString> ScreenRecorder::framePath(const QString& fileName) const 
 std::optional<QString> ScreenRecorder::recordingSessionId() const {
     const auto recording = activeRecording();
     return recording ? std::optional(recording->head().sessionId) : std::nullopt;
+}
+
+std::optional<RecordingSource> ScreenRecorder::recordingSource() const {
+    const auto recording = activeRecording();
+    return recording ? std::optional(recording->head().source) : std::nullopt;
 }
 
 std::optional<QString> ScreenRecorder::currentSessionDir() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrvaneCore/base/Clock.h"
+#include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/capture/ScreenCapture.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/platform/MediaBackend.h"
@@ -16,6 +17,13 @@
 #include <optional>
 
 namespace orvane {
+
+/// What a stop throws when no recording is going on: an OrvaneError::invalidArguments that a caller can tell
+/// from others.
+class NotRecording final : public OrvaneError {
+public:
+    NotRecording();
+};
 
 /// The one recorder of a process: pictures and a timeline of what visibly happens to a window, a display or a
 /// region, in a session folder, and a movie beside it where the settings want one.
@@ -44,9 +52,15 @@ public:
         QString sessionDir;
     };
 
-    /// Everything handed in outlives the recorder.
+    /// Each comparison holds two frames, and one more is under way: with the frame whose changes are being
+    /// marked and the last two of the loop, a recording keeps nine frames in memory at most.
+    static constexpr std::size_t mostWaitingComparisons = 2;
+
+    /// Everything handed in outlives the recorder. `waitingComparisons`: how many may wait; a frame that
+    /// comes when so many do is left out.
     ScreenRecorder(WindowDiscovery& discovery, ScreenCapture& screenCapture, StorageManager& storage,
-                   const PngWriter& pngWriter, MediaBackend& media, Clock& clock);
+                   const PngWriter& pngWriter, MediaBackend& media, Clock& clock,
+                   std::size_t waitingComparisons = mostWaitingComparisons);
     /// A recording that is going on ends without a report.
     ~ScreenRecorder();
     ScreenRecorder(const ScreenRecorder&) = delete;
@@ -63,20 +77,23 @@ public:
     /// a later one throws ends in the log: that look is left out, and the next one is taken when it is due.
     QString startRecording(const RecordingTarget& target, qint64 intervalMs, RecordingSource source);
 
-    /// Takes the last picture, writes the report and gives the session id. Throws
-    /// OrvaneError::invalidArguments when no recording is going on.
+    /// Takes the last picture, writes the report and gives the session id. Throws NotRecording when no
+    /// recording is going on.
     QString stopRecording();
 
     /// While paused nothing is captured; all times go on as wall-clock time. Ignored where it makes no sense.
     void pauseRecording();
     void resumeRecording();
 
-    /// Waits until the changes seen up to now are written, so that every picture it names is there.
+    /// Waits until the changes seen up to the call are written, so that every picture it names is there, and
+    /// never for those seen later.
     Poll pollTimeline();
 
     /// Where a picture of the recording lies; nothing when no recording is going on.
     std::optional<QString> framePath(const QString& fileName) const;
     std::optional<QString> recordingSessionId() const;
+    /// Who started the recording that is going on.
+    std::optional<RecordingSource> recordingSource() const;
     std::optional<QString> currentSessionDir() const;
     QString currentAppName() const;
     bool recordingIsPaused() const;

@@ -17,18 +17,28 @@ WorkQueue::~WorkQueue() {
     m_thread.join();
 }
 
+bool WorkQueue::offer(std::function<void()> job) {
+    const std::scoped_lock lock(m_mutex);
+    if (m_waiting.size() >= m_limit)
+        return false;
+    take(std::move(job));
+    return true;
+}
+
 void WorkQueue::post(std::function<void()> job) {
-    {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_waiting.size() < m_limit; });
-        m_waiting.push_back(std::move(job));
-    }
+    const std::scoped_lock lock(m_mutex);
+    take(std::move(job));
+}
+
+void WorkQueue::take(std::function<void()> job) {
+    m_waiting.push_back(std::move(job));
+    ++m_taken;
     m_changed.notify_all();
 }
 
 void WorkQueue::drain() {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_waiting.empty() && !m_busy; });
+    m_changed.wait(lock, [this, last = m_taken] { return m_done >= last; });
 }
 
 void WorkQueue::run() {
@@ -37,17 +47,15 @@ void WorkQueue::run() {
         m_changed.wait(lock, [this] { return m_ending || !m_waiting.empty(); });
         if (m_waiting.empty())
             return;
-        // Gone, with the pictures it holds, before the queue counts as drained.
+        // Gone, with the pictures it holds, before it counts as done.
         {
             const std::function<void()> job = std::move(m_waiting.front());
             m_waiting.pop_front();
-            m_busy = true;
             lock.unlock();
-            m_changed.notify_all();
             job();
         }
         lock.lock();
-        m_busy = false;
+        ++m_done;
         m_changed.notify_all();
     }
 }

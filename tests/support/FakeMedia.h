@@ -4,6 +4,7 @@
 #include "OrvaneCore/platform/PlatformError.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -34,6 +35,8 @@ public:
     bool ready = true;
     /// While set movies cannot be finished.
     std::optional<QString> finishFailure;
+    /// Happens while a movie is finished; may throw what no movie should.
+    std::function<void()> duringFinish = [] {};
 
     std::unique_ptr<VideoWriter> createMp4(const QString& path, const VideoFormat& format) override {
         if (refusal)
@@ -61,6 +64,7 @@ private:
 
         void finish() override {
             ++m_movie.finishes;
+            m_media.duringFinish();
             if (m_media.finishFailure)
                 throw PlatformError(*m_media.finishFailure);
         }

@@ -2,7 +2,8 @@
 // commands on its standard input, one a line, each answered by "done" once the X server has dealt with it:
 //   color #rrggbb | picture | fill X Y W H #rrggbb | move X Y | resize W H | iconify | title TEXT | quit
 // A fill appears at once as a whole and stays until the next "color" or "picture".
-// It prints "ready WINDOW-ID" when it has been mapped and drawn.
+// It prints "ready WINDOW-ID" when it has been mapped and drawn. With --noise it shows noise from then on,
+// another one a hundred times a second.
 #include "tests/support/Eventually.h"
 #include "tests/support/KnownPicture.h"
 
@@ -14,13 +15,16 @@
 #include <QSocketNotifier>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -43,6 +47,7 @@ struct Options {
     bool undecorated = false;
     bool aboveWithoutTaskbar = false;
     bool tellsNoPid = false;
+    bool noise = false;
     std::optional<QColor> color;
 };
 
@@ -108,6 +113,19 @@ public:
         sync();
         std::puts("done");
         std::fflush(stdout);
+    }
+
+    /// The next of a few pictures of noise, as a whole at once. The window keeps the size that it began with.
+    void showNoise() {
+        constexpr std::size_t pictures = 5;
+        const QSize size = m_options.geometry.size();
+        while (m_noise.size() < pictures)
+            m_noise.push_back(makeNoise(size));
+        std::rotate(m_noise.begin(), m_noise.begin() + 1, m_noise.end());
+        xcb_copy_area(m_connection, m_noise.front(), m_window, m_graphics, 0, 0, 0, 0,
+                      static_cast<uint16_t>(size.width()), static_cast<uint16_t>(size.height()));
+        // So that no more of them are on their way than the server can show.
+        sync();
     }
 
 private:
@@ -206,16 +224,33 @@ private:
         for (const Fill& fill : m_fills)
             painter.fillRect(fill.rect, fill.color);
         painter.end();
+        put(picture, m_window);
+        xcb_flush(m_connection);
+    }
+
+    void put(const QImage& picture, xcb_drawable_t drawable) const {
         // A request may hold 256 KiB at least, and a strip of 16 rows is below that up to 4096 pixels' width.
         constexpr int stripRows = 16;
-        for (int top = 0; top < size.height(); top += stripRows) {
-            const int rows = std::min(stripRows, size.height() - top);
-            xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, m_graphics,
-                          static_cast<uint16_t>(size.width()), static_cast<uint16_t>(rows), 0,
+        for (int top = 0; top < picture.height(); top += stripRows) {
+            const int rows = std::min(stripRows, picture.height() - top);
+            xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, m_graphics,
+                          static_cast<uint16_t>(picture.width()), static_cast<uint16_t>(rows), 0,
                           static_cast<int16_t>(top), 0, static_cast<uint8_t>(m_options.depth),
                           static_cast<uint32_t>(picture.bytesPerLine() * rows), picture.constScanLine(top));
         }
-        xcb_flush(m_connection);
+    }
+
+    xcb_pixmap_t makeNoise(const QSize& size) {
+        QImage picture(size, QImage::Format_RGB32);
+        for (int y = 0; y < size.height(); ++y) {
+            auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
+            std::generate_n(line, size.width(), [this] { return m_random() | 0xff000000U; });
+        }
+        const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+        xcb_create_pixmap(m_connection, static_cast<uint8_t>(m_options.depth), pixmap, m_window,
+                          static_cast<uint16_t>(size.width()), static_cast<uint16_t>(size.height()));
+        put(picture, pixmap);
+        return pixmap;
     }
 
     /// One request, so that nobody sees a part of it.
@@ -235,6 +270,11 @@ private:
             return;
         m_ready = true;
         awaitManager();
+        if (m_options.noise) {
+            showNoise();
+            QObject::connect(&m_noiseTimer, &QTimer::timeout, &m_noiseTimer, [this] { showNoise(); });
+            m_noiseTimer.start(std::chrono::milliseconds(10));
+        }
         std::printf("ready %u\n", m_window);
         std::fflush(stdout);
     }
@@ -286,6 +326,10 @@ private:
     xcb_window_t m_window = XCB_WINDOW_NONE;
     xcb_gcontext_t m_graphics = XCB_NONE;
     bool m_ready = false;
+    std::vector<xcb_pixmap_t> m_noise;
+    /// The same noise at every start.
+    std::mt19937 m_random;
+    QTimer m_noiseTimer;
 };
 
 Options parse(const QCoreApplication& application) {
@@ -300,7 +344,7 @@ Options parse(const QCoreApplication& application) {
     value("depth", "24");
     value("shadow", "0");
     value("color", "");
-    for (const char* flag : {"override-redirect", "undecorated", "above-without-taskbar", "no-pid"})
+    for (const char* flag : {"override-redirect", "undecorated", "above-without-taskbar", "no-pid", "noise"})
         parser.addOption({QLatin1String(flag), {}});
     parser.process(application);
 
@@ -326,6 +370,7 @@ Options parse(const QCoreApplication& application) {
     options.undecorated = parser.isSet(QStringLiteral("undecorated"));
     options.aboveWithoutTaskbar = parser.isSet(QStringLiteral("above-without-taskbar"));
     options.tellsNoPid = parser.isSet(QStringLiteral("no-pid"));
+    options.noise = parser.isSet(QStringLiteral("noise"));
     return options;
 }
 

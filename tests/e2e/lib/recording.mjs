@@ -1,10 +1,15 @@
 // What tests of recordings share: windows that change on command, and what an agent hears of one recording.
 import assert from "node:assert/strict";
+import { spawn } from "node:child_process";
+import { once } from "node:events";
 import { existsSync, readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
+import { fileURLToPath } from "node:url";
 import { until } from "./desktop.mjs";
 import { RawProcess, call, connect } from "./orvane.mjs";
 import { decodePng } from "./png.mjs";
+
+const TEST_WINDOW = fileURLToPath(new URL("../../../build/release/bin/test-window", import.meta.url));
 
 /// What the screen is divided into where changes are sought.
 export const GRID = { columns: 8, rows: 6 };
@@ -43,6 +48,21 @@ export const withWindowAndClient = (desktop, className, body, options) => withWi
         await client.close();
     }
 }, options);
+
+/// Opens a window of that size in the screen's corner that never shows the same twice. Call close() in the end.
+export async function openNoise(desktop, className, [width, height]) {
+    const program = spawn(TEST_WINDOW, ["--class", className, "--geometry", `${width}x${height}+0+0`, "--undecorated",
+                                        "--noise"], { env: desktop.env, stdio: ["pipe", "pipe", "inherit"] });
+    const exit = once(program, "exit");
+    const [line] = await once(program.stdout.setEncoding("utf8"), "data");
+    assert.match(line, /^ready \d+\n$/);
+    return {
+        close: async () => {
+            program.kill("SIGTERM");
+            await exit;
+        },
+    };
+}
 
 /// Fills two characters in the middle of one cell of the grid with a colour of the terminal's palette. A terminal
 /// does so in one step, so that no picture shows half of it.
@@ -104,6 +124,12 @@ export class Recording {
 
     picture(name) {
         return decodePng(readFileSync(this.file(name)));
+    }
+
+    /// As the file's header has it.
+    sizeOfPicture(name) {
+        const header = readFileSync(this.file(name)).subarray(16, 24);
+        return [header.readUInt32BE(0), header.readUInt32BE(4)];
     }
 
     /// The text of SESSION.md.

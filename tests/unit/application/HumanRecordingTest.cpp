@@ -5,11 +5,13 @@
 #include "tests/unit/recording/RecorderFixture.h"
 
 #include <deque>
+#include <stdexcept>
 
 namespace orvane {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using test::RecorderFixture;
 
 /// Tasks that the test runs, one after the other.
@@ -19,11 +21,16 @@ public:
 
     std::size_t count() const { return m_waiting.size(); }
 
-    /// The first task and what follows from it.
-    void runNext() {
+    /// The first task; gives what follows from it.
+    Continuation runWork() {
         const auto work = std::move(m_waiting.front());
         m_waiting.pop_front();
-        if (const Continuation next = work())
+        return work();
+    }
+
+    /// The first task and what follows from it.
+    void runNext() {
+        if (const Continuation next = runWork())
             next();
     }
 
@@ -179,9 +186,40 @@ TEST_F(HumanRecordingTest, AFailedStartLeavesNothingBehind) {
     EXPECT_TRUE(log().contains(u"orvane: recording failed: Invalid arguments: Already recording. "_s));
 }
 
-TEST_F(HumanRecordingTest, AFailedStopLeavesEverythingAsItWas) {
+TEST_F(HumanRecordingTest, AStartWhoseFirstPictureFailsIsNoneForTheRecorderEither) {
+    desktop.consent = test::FakeDesktop::Consent::refused;
+    human.toggle();
+    choose(DisplayTarget{11});
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(recorder.recordingSessionId(), std::nullopt);
+    EXPECT_EQ(view.changes, 0);
+    EXPECT_TRUE(view.toasts.empty());
+    desktop.consent = test::FakeDesktop::Consent::given;
+    clock.jump(5ms);
     record(DisplayTarget{11});
-    recorder.stopRecording();
+    EXPECT_TRUE(human.isRecording());
+    EXPECT_TRUE(recorder.recordingSessionId());
+    const QString lines = log();
+    EXPECT_TRUE(
+        lines.contains(u"orvane: recording failed: The human has refused to let the screen be "
+                       "captured. Ask them before you try again.\norvane: recording stopped (session "_s))
+        << qPrintable(lines);
+}
+
+TEST_F(HumanRecordingTest, AFailedStartNeverEndsAnAgentsRecording) {
+    const QString theirs = recorder.startRecording(DisplayTarget{11}, 1000, RecordingSource::mcp);
+    human.toggle();
+    choose(DisplayTarget{11});
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(recorder.recordingSessionId(), theirs);
+}
+
+TEST_F(HumanRecordingTest, AFailedStopLeavesEverythingAsItWas) {
+    storage.setSaveRawVideo(true);
+    record(DisplayTarget{11});
+    media.duringFinish = [] { throw std::runtime_error("no memory"); };
     human.toggle();
     tasks.runNext();
     EXPECT_TRUE(human.isRecording());
@@ -189,7 +227,45 @@ TEST_F(HumanRecordingTest, AFailedStopLeavesEverythingAsItWas) {
     EXPECT_EQ(view.changes, 1);
     EXPECT_TRUE(view.copied.empty());
     EXPECT_TRUE(view.toasts.empty());
-    EXPECT_TRUE(log().endsWith(u"orvane: stop recording failed: Invalid arguments: Not recording.\n"_s));
+    // The next try ends it, whatever comes of that.
+    human.toggle();
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_TRUE(log().contains(u"orvane: stop recording failed: no memory\n"_s));
+}
+
+TEST_F(HumanRecordingTest, IsOverWhenSomebodyElseHasEndedIt) {
+    record(DisplayTarget{11});
+    recorder.stopRecording();
+    EXPECT_TRUE(human.isRecording()) << "nobody has told";
+    human.toggle();
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(human.appName(), QString());
+    EXPECT_EQ(view.changes, 2);
+    EXPECT_TRUE(view.copied.empty());
+    EXPECT_TRUE(view.toasts.empty());
+    clock.jump(5ms);
+    record(DisplayTarget{11});
+    EXPECT_TRUE(human.isRecording());
+    EXPECT_TRUE(recorder.recordingSessionId());
+    EXPECT_TRUE(log().contains(u"orvane: stop recording failed: Invalid arguments: Not recording.\n"_s));
+}
+
+TEST_F(HumanRecordingTest, AskedTwiceToStopItIsOverWhenTheFirstStopIs) {
+    record(DisplayTarget{11});
+    human.toggle();
+    human.toggle();
+    // The second stop is answered first, while the first one is still at it.
+    const TaskRunner::Continuation ended = tasks.runWork();
+    const TaskRunner::Continuation refused = tasks.runWork();
+    refused();
+    EXPECT_TRUE(human.isRecording());
+    EXPECT_EQ(view.changes, 1);
+    ended();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(view.changes, 2);
+    EXPECT_EQ(view.toasts.size(), 1U);
 }
 
 } // namespace

@@ -84,7 +84,9 @@ protected:
     FakeMedia media;
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{desktop, desktop, pngWriter};
-    ScreenRecorder recorder{discovery, screenCapture, storage, pngWriter, media, clock};
+    /// Time takes none here, so that everything would come too fast to be compared.
+    static constexpr std::size_t everyComparison = 1000;
+    ScreenRecorder recorder{discovery, screenCapture, storage, pngWriter, media, clock, everyComparison};
 
 private:
     bool m_blinkOn = false;

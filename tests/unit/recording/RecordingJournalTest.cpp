@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <future>
+
 namespace orvane::test {
 
 namespace {
@@ -20,14 +22,14 @@ class RecordingJournalTest : public testing::Test {
 protected:
     RecordingJournalTest() { frame.fill(Qt::black); }
 
-    std::shared_ptr<RecordingJournal> make(const QString& path) {
+    std::shared_ptr<RecordingJournal> make(const QString& path, WorkQueue* queue = nullptr) {
         return std::make_shared<RecordingJournal>(
             RecordingJournal::Head{.sessionId = u"20260304-050607.000"_s,
                                    .folder = path,
                                    .startTime = begin,
                                    .source = RecordingSource::human,
                                    .appName = u"Terminal"_s},
-            pngWriter, tracker, work);
+            pngWriter, tracker, queue == nullptr ? work : *queue);
     }
 
     /// The frame with a fifth of that cell of the grid in white: too little for a major change.
@@ -47,7 +49,8 @@ protected:
     QImage frame{800, 600, QImage::Format_RGB32};
     png::SpngWriter pngWriter;
     ChangeTracker tracker;
-    WorkQueue work{2};
+    /// More than any test asks for at once.
+    WorkQueue work{100};
     std::shared_ptr<RecordingJournal> journal = make(folder.path());
 };
 
@@ -102,6 +105,35 @@ TEST_F(RecordingJournalTest, ReportsAnEndWithoutAPicture) {
             HasSubstr("- **Frames captured:** 0\n"),
             HasSubstr(
                 "| T+5.0s | recording_end | Recording stopped (end frame capture failed: it closed) | — |")));
+}
+
+TEST_F(RecordingJournalTest, LeavesOutWhatIsTooMuch) {
+    std::promise<void> gate;
+    std::promise<void> begun;
+    WorkQueue busy(1);
+    busy.post([&] {
+        begun.set_value();
+        gate.get_future().wait();
+    });
+    begun.get_future().wait();
+    const auto hurried = make(folder.path(), &busy);
+    EXPECT_TRUE(hurried->compare(frame, changedIn(0, 0), begin.addSecs(1)));
+    EXPECT_FALSE(hurried->compare(changedIn(0, 0), changedIn(1, 1), begin.addSecs(2)));
+    EXPECT_FALSE(hurried->compare(changedIn(0, 0), changedIn(2, 2), begin.addSecs(3)));
+    gate.set_value();
+    busy.drain();
+    EXPECT_TRUE(hurried->compare(changedIn(0, 0), changedIn(3, 3), begin.addSecs(4)));
+    // What holds no pictures is never left out.
+    hurried->tellPendingChanges(begin.addSecs(5));
+    busy.drain();
+    EXPECT_EQ(files(), (QStringList{u"change-001.png"_s, u"change-002.png"_s}));
+    hurried->tellEnd(pngWriter.encode(frame), begin.addSecs(6));
+    EXPECT_TRUE(hurried->takeNews().last().endsWith(u" 2 frames analyzed. | frame-003-end.png"_s));
+    testing::internal::CaptureStderr();
+    hurried->logFramesLeftOut();
+    journal->logFramesLeftOut();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "orvane: 2 frame(s) came faster than they could be searched for changes\n");
 }
 
 TEST_F(RecordingJournalTest, GoesOnWithoutAFolder) {

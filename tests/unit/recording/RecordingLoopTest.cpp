@@ -72,6 +72,32 @@ TEST_F(RecordingLoopTest, LooksAtThePaceOfItsMovie) {
     EXPECT_EQ(media.movies.back().finishes, 1);
 }
 
+TEST_F(RecordingLoopTest, FindsWhatChangedInAFrameThatWasLeftOut) {
+    std::promise<void> gate;
+    std::promise<void> begun;
+    work.post([&] {
+        begun.set_value();
+        gate.get_future().wait();
+    });
+    begun.get_future().wait();
+    for (int i = 0; i < 2; ++i)
+        work.post([] {});
+    begin();
+    frame.fill(Qt::white);
+    // Neither look waits for room, and neither is compared.
+    clock.advance(2s);
+    EXPECT_EQ(looks, 2);
+    gate.set_value();
+    work.drain();
+    EXPECT_TRUE(journal->takeNews().isEmpty());
+    clock.advance(1s);
+    work.drain();
+    const QStringList news = journal->takeNews();
+    ASSERT_EQ(news.size(), 1);
+    EXPECT_TRUE(news.front().startsWith(u"T+3.0s | major_change | "_s)) << qPrintable(news.front());
+    EXPECT_TRUE(news.front().endsWith(u" | change-001.png"_s)) << qPrintable(news.front());
+}
+
 TEST_F(RecordingLoopTest, LooksAtNothingWhilePaused) {
     loop.setPaused(true);
     begin();

@@ -453,13 +453,59 @@ TEST_F(ScreenRecorderTest, LooksAtItsInterval) {
 }
 
 TEST_F(ScreenRecorderTest, SurvivesEveryInterval) {
-    for (const qint64 interval : {0LL, -5LL, 1LL, 1'000'000'000'000LL, std::numeric_limits<qint64>::max(),
-                                  std::numeric_limits<qint64>::min()}) {
+    // What is shorter than a sixtieth of a second becomes one; after 100 ms, six looks are over.
+    for (const auto& [interval, looks] : std::vector<std::pair<qint64, int>>{
+             {0, 6},
+             {-5, 6},
+             {1, 6},
+             {16, 6},
+             {17, 5},
+             {std::numeric_limits<qint64>::min(), 6},
+             {1'000'000'000'000, 0},
+             {std::numeric_limits<qint64>::max(), 0},
+         }) {
         clock.jump(5ms);
-        start(interval);
+        desktop.capturedWindows.clear();
+        const QString id = start(interval);
         clock.advance(100ms);
+        EXPECT_EQ(desktop.capturedWindows.size(), 1U + looks) << interval;
         recorder.stopRecording();
+        EXPECT_EQ(desktop.capturedWindows.size(), 2U + looks) << interval;
+        EXPECT_THAT(report(id).toStdString(),
+                    HasSubstr("- **Frames captured:** " + std::to_string(looks) + "\n"))
+            << interval;
     }
+}
+
+TEST_F(ScreenRecorderTest, TellsTheLogWhatItCouldNotCompare) {
+    ScreenRecorder hurried(discovery, screenCapture, storage, pngWriter, media, clock, 0);
+    testing::internal::CaptureStderr();
+    const QString id =
+        hurried.startRecording(WindowTarget{u"Terminal"_s, windowId}, 1000, RecordingSource::mcp);
+    clock.awaitSleeper();
+    show({{0, 0}});
+    clock.advance(3s);
+    EXPECT_EQ(hurried.pollTimeline().events.size(), 1);
+    hurried.stopRecording();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("orvane: 3 frame(s) came faster than they could be searched for changes\n"
+                          "orvane: recording stopped (session "));
+    EXPECT_THAT(report(id).toStdString(), HasSubstr("- **Frames captured:** 0\n"));
+    // A poll waits for what is being written.
+    hurried.pollTimeline();
+    EXPECT_EQ(files(id), (QStringList{u"SESSION.md"_s, u"frame-000-start.png"_s, u"frame-001-end.png"_s,
+                                      u"thumbnail.png"_s}));
+}
+
+TEST_F(ScreenRecorderTest, KnowsWhoStartedIt) {
+    EXPECT_EQ(recorder.recordingSource(), std::nullopt);
+    start(DisplayTarget{11}, RecordingSource::human);
+    EXPECT_EQ(recorder.recordingSource(), RecordingSource::human);
+    recorder.stopRecording();
+    EXPECT_EQ(recorder.recordingSource(), std::nullopt);
+    clock.jump(5ms);
+    start();
+    EXPECT_EQ(recorder.recordingSource(), RecordingSource::mcp);
 }
 
 TEST_F(ScreenRecorderTest, CanBeStoppedDuringItsFirstCapture) {

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <future>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace orvane {
@@ -30,26 +31,72 @@ TEST(WorkQueueTest, RunsWhatWaitsBeforeItEnds) {
     EXPECT_EQ(done, 5);
 }
 
-TEST(WorkQueueTest, TakesNoMoreThanItsLimit) {
+TEST(WorkQueueTest, TakesNoMoreThanItsLimitOfWhatIsOffered) {
     std::promise<void> gate;
     std::promise<void> begun;
-    WorkQueue queue(1);
-    queue.post([&] {
+    int done = 0;
+    WorkQueue queue(2);
+    EXPECT_TRUE(queue.offer([&] {
         begun.set_value();
         gate.get_future().wait();
-    });
+    }));
     begun.get_future().wait();
-    queue.post([] {});
-    std::atomic<bool> posted = false;
-    auto third = std::async(std::launch::async, [&] {
-        queue.post([] {});
-        posted = true;
-    });
-    EXPECT_EQ(third.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-    EXPECT_FALSE(posted);
+    EXPECT_TRUE(queue.offer([&done] { ++done; }));
+    EXPECT_TRUE(queue.offer([&done] { ++done; }));
+    EXPECT_FALSE(queue.offer([&done] { done = 100; }));
+    // What is posted is taken all the same.
+    queue.post([&done] { ++done; });
+    EXPECT_FALSE(queue.offer([&done] { done = 100; }));
     gate.set_value();
-    third.wait();
-    EXPECT_TRUE(posted);
+    queue.drain();
+    EXPECT_EQ(done, 3);
+    EXPECT_TRUE(queue.offer([&done] { ++done; }));
+    queue.drain();
+    EXPECT_EQ(done, 4);
+}
+
+TEST(WorkQueueTest, IsDrainedHoweverFastOtherJobsCome) {
+    std::atomic<int> taken = 0;
+    std::atomic<bool> enough = false;
+    WorkQueue queue(2);
+    // No job is done before the next one waits, so that there is always one that waits or runs.
+    const auto bring = [&] {
+        while (!enough) {
+            const int number = taken;
+            const auto job = [&taken, &enough, number] {
+                while (!enough && taken <= number + 1)
+                    std::this_thread::yield();
+            };
+            if (queue.offer(job)) {
+                ++taken;
+            } else {
+                std::this_thread::yield();
+            }
+        }
+    };
+    auto bringer = std::async(std::launch::async, bring);
+    while (taken < 2)
+        std::this_thread::yield();
+    auto drained = std::async(std::launch::async, [&queue] { queue.drain(); });
+    EXPECT_EQ(drained.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    enough = true;
+    bringer.wait();
+}
+
+TEST(WorkQueueTest, ADrainWaitsForAllThatWasTakenBefore) {
+    std::promise<void> gate;
+    std::atomic<int> done = 0;
+    WorkQueue queue(1);
+    queue.post([&] { gate.get_future().wait(); });
+    for (int i = 0; i < 5; ++i)
+        queue.post([&done] { ++done; });
+    auto drained = std::async(std::launch::async, [&] {
+        queue.drain();
+        return done.load();
+    });
+    EXPECT_EQ(drained.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    gate.set_value();
+    EXPECT_EQ(drained.get(), 5);
 }
 
 TEST(WorkQueueTest, IsDrainedWhenWhatItsJobsHoldIsGone) {
