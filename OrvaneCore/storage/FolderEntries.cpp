@@ -31,11 +31,6 @@ std::vector<Entry> list(const fs::path& directory) {
     return entries;
 }
 
-std::vector<Entry> listOwn(const fs::path& directory) {
-    std::error_code error;
-    return fs::is_symlink(fs::symlink_status(directory, error)) ? std::vector<Entry>() : list(directory);
-}
-
 void remove(const fs::path& path) {
     std::error_code error;
     fs::remove_all(path, error);

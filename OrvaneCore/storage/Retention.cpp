@@ -31,9 +31,11 @@ bool isOlderThan(const fs::directory_entry& entry, FileMilliseconds cutoff) {
     return !error && std::chrono::floor<std::chrono::milliseconds>(modified) < cutoff;
 }
 
-int sweep(const QString& folder, FileMilliseconds cutoff, Links links) {
+int sweep(const QString& folder, FileMilliseconds cutoff, Links links, const std::stop_token& stop) {
     int removed = 0;
-    for (const fs::directory_entry& entry : folder_entries::listOwn(folder_entries::toPath(folder))) {
+    for (const fs::directory_entry& entry : folder_entries::list(folder_entries::toPath(folder))) {
+        if (stop.stop_requested())
+            break;
         const bool exempt = folder_entries::isHidden(entry) ||
                             (links == Links::keep && folder_entries::typeOf(entry) == fs::file_type::symlink);
         if (!exempt && isOlderThan(entry, cutoff)) {
@@ -45,7 +47,7 @@ int sweep(const QString& folder, FileMilliseconds cutoff, Links links) {
 }
 
 int clear(const QString& folder) {
-    const std::vector<fs::directory_entry> entries = folder_entries::listOwn(folder_entries::toPath(folder));
+    const std::vector<fs::directory_entry> entries = folder_entries::list(folder_entries::toPath(folder));
     for (const fs::directory_entry& entry : entries)
         folder_entries::remove(entry.path());
     return static_cast<int>(entries.size());
@@ -53,10 +55,12 @@ int clear(const QString& folder) {
 
 } // namespace
 
-int removeExpired(const QString& capturesDir, const QString& sessionsDir, const QDateTime& now, int days) {
+int removeExpired(const QString& capturesDir, const QString& sessionsDir, const QDateTime& now, int days,
+                  const std::stop_token& stop) {
     const FileMilliseconds cutoff =
         toFileTime(std::chrono::milliseconds(now.toMSecsSinceEpoch() - days * millisecondsADay));
-    return sweep(capturesDir, cutoff, Links::sweep) + sweep(sessionsDir, cutoff, Links::keep);
+    const int captures = sweep(capturesDir, cutoff, Links::sweep, stop);
+    return captures + sweep(sessionsDir, cutoff, Links::keep, stop);
 }
 
 int removeAll(const QString& capturesDir, const QString& sessionsDir) {

@@ -28,8 +28,8 @@ StorageManager::UsageStats StorageManager::usageStats() const {
     return measureUsage(capturesDir(), sessionsDir());
 }
 
-int StorageManager::cleanupExpired() const {
-    return retention::removeExpired(capturesDir(), sessionsDir(), m_clock(), retentionDays());
+int StorageManager::cleanupExpired(const std::stop_token& stop) const {
+    return retention::removeExpired(capturesDir(), sessionsDir(), m_clock(), retentionDays(), stop);
 }
 
 int StorageManager::cleanupAll() const {

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stop_token>
 #include <thread>
 
 namespace orvane {
@@ -55,7 +56,7 @@ public:
 
     /// Deletes every capture and every session last changed more than `retentionDays()` ago, as
     /// `retention::removeExpired` does, and gives the number of deletions tried.
-    int cleanupExpired() const;
+    int cleanupExpired(const std::stop_token& stop = {}) const;
 
     /// Deletes everything in `captures` and `sessions`, as `retention::removeAll` does, and gives the number
     /// of deletions tried.

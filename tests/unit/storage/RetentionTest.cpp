@@ -142,17 +142,68 @@ TEST_F(Retention, NeverReachesThroughALink) {
     EXPECT_TRUE(isThere(captures(QStringLiteral("dangling"))));
 }
 
-TEST_F(Retention, DoesNothingWhereTheFolderItselfIsALink) {
+TEST_F(Retention, SweepsAFolderThatIsItselfALinkAndNoLinkInIt) {
     const QString precious = under(QStringLiteral("precious/file"));
     writeFile(precious);
     makeOld(precious);
+    makeOld(under(QStringLiteral("precious")));
+    const auto onDisk = [this](const QString& name) { return under(QStringLiteral("disk/") + name); };
+    for (const QString& name : {QStringLiteral("captures"), QStringLiteral("sessions")}) {
+        ASSERT_TRUE(QDir().rmdir(under(QStringLiteral(".orvane/") + name)));
+        makeFolder(onDisk(name));
+        makeLink(onDisk(name), under(QStringLiteral(".orvane/") + name));
+    }
+    writeFile(onDisk(QStringLiteral("captures/old.png")));
+    writeFile(onDisk(QStringLiteral("captures/new.png")));
+    makeLink(under(QStringLiteral("precious")), onDisk(QStringLiteral("captures/folder-link")));
+    makeFolder(onDisk(QStringLiteral("sessions/old")));
+    makeLink(under(QStringLiteral("precious")), onDisk(QStringLiteral("sessions/old/link")));
+    makeFolder(onDisk(QStringLiteral("sessions/new")));
+    makeLink(under(QStringLiteral("precious")), onDisk(QStringLiteral("sessions/latest")));
+    makeOld(onDisk(QStringLiteral("captures/old.png")));
+    makeOld(onDisk(QStringLiteral("sessions/old")));
+    datePast(onDisk(QStringLiteral("captures/new.png")), -1h);
+    datePast(onDisk(QStringLiteral("sessions/new")), -1h);
+
+    EXPECT_EQ(removeExpired(), 3);
+
+    EXPECT_FALSE(isThere(onDisk(QStringLiteral("captures/old.png"))));
+    EXPECT_FALSE(isThere(onDisk(QStringLiteral("captures/folder-link"))));
+    EXPECT_FALSE(isThere(onDisk(QStringLiteral("sessions/old"))));
+    EXPECT_TRUE(isThere(onDisk(QStringLiteral("captures/new.png"))));
+    EXPECT_TRUE(isThere(onDisk(QStringLiteral("sessions/new"))));
+    EXPECT_TRUE(isThere(onDisk(QStringLiteral("sessions/latest"))));
+
+    EXPECT_EQ(removeAll(), 3);
+
+    EXPECT_FALSE(isThere(onDisk(QStringLiteral("sessions/latest"))));
+    EXPECT_TRUE(isThere(m_paths.capturesDir()));
+    EXPECT_TRUE(isThere(m_paths.sessionsDir()));
+    EXPECT_TRUE(isThere(precious));
+}
+
+TEST_F(Retention, ALinkToNowhereIsAnEmptyFolder) {
     for (const QString& root : {m_paths.capturesDir(), m_paths.sessionsDir()}) {
         ASSERT_TRUE(QDir().rmdir(root));
-        makeLink(under(QStringLiteral("precious")), root);
+        makeLink(QStringLiteral("/no/where"), root);
     }
     EXPECT_EQ(removeExpired(), 0);
     EXPECT_EQ(removeAll(), 0);
-    EXPECT_TRUE(isThere(precious));
+    EXPECT_TRUE(isThere(m_paths.capturesDir()));
+}
+
+TEST_F(Retention, StopsWhenItIsAskedTo) {
+    for (const QString& root : {captures(), sessions()}) {
+        writeFile(root + QStringLiteral("old"));
+        makeOld(root + QStringLiteral("old"));
+    }
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_EQ(
+        retention::removeExpired(m_paths.capturesDir(), m_paths.sessionsDir(), m_now, 30, stop.get_token()),
+        0);
+    EXPECT_TRUE(isThere(captures(QStringLiteral("old"))));
+    EXPECT_EQ(removeExpired(), 2);
 }
 
 TEST_F(Retention, DeletesNamesThatAreNotValidText) {
