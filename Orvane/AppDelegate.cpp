@@ -60,14 +60,18 @@ AppDelegate::AppDelegate(Platform& platform)
                                .toggleOverlay = [this] { m_overlay.toggleOverlay(); },
                                .clearMarkers = [this] { m_markers.clearAll(); },
                                .quit = [this] { quit(); },
-                               .storage = m_services.storage()})) {}
+                               .storage = m_services.storage()}))
+    , m_retentionSweep(
+          [this](const std::stop_token& stop) { return m_services.storage().cleanupExpired(stop); },
+          [&platform] { platform.giveWay(); }) {}
 
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
     m_services.storage().ensureDirectories();
-    runCleanup();
-    QObject::connect(&m_cleanupTimer, &QTimer::timeout, &m_cleanupTimer, [this] { runCleanup(); });
+    m_retentionSweep.begin();
+    QObject::connect(&m_cleanupTimer, &QTimer::timeout, &m_cleanupTimer,
+                     [this] { m_retentionSweep.begin(); });
     m_cleanupTimer.start(cleanupPeriod);
     setupMenuBar();
     m_commands.bindHotkeys(m_shortcuts);
@@ -80,15 +84,6 @@ void AppDelegate::finishLaunching() {
     m_markers.restoreImageMode();
     tellOfFirstLaunch();
     logLine(u"running. Cmd+Ctrl+P to annotate, Cmd+Ctrl+R to record.");
-}
-
-void AppDelegate::runCleanup() {
-    m_tasks.run([this]() -> TaskRunner::Continuation {
-        const int count = m_services.storage().cleanupExpired();
-        if (count >= 1)
-            logLine(u"cleaned up "_s + QString::number(count) + u" expired item(s)"_s);
-        return {};
-    });
 }
 
 void AppDelegate::setupMenuBar() {

@@ -3,6 +3,7 @@
 #include "Orvane/BackgroundTasks.h"
 #include "Orvane/Commands.h"
 #include "Orvane/HumanRecording.h"
+#include "Orvane/RetentionSweep.h"
 #include "Orvane/StatusItem.h"
 #include "Orvane/StatusMenu.h"
 #include "Orvane/ToolServices.h"
@@ -40,7 +41,6 @@ public:
     void quit();
 
 private:
-    void runCleanup();
     void setupMenuBar();
     /// What is left of the launch follows when the host is there.
     void startMCPHost();
@@ -72,6 +72,7 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     /// Null where no port is free.
     std::unique_ptr<MCPHTTPServer> m_mcpHTTPServer;
+    RetentionSweep m_retentionSweep;
     QTimer m_cleanupTimer;
     bool m_hasQuit = false;
     /// Last, so that it ends first: tasks use all the others.

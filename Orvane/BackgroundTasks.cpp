@@ -1,8 +1,13 @@
 #include "Orvane/BackgroundTasks.h"
 
+#include <limits>
 #include <utility>
 
 namespace orvane {
+
+BackgroundTasks::BackgroundTasks() {
+    m_threads.setMaxThreadCount(std::numeric_limits<int>::max());
+}
 
 BackgroundTasks::~BackgroundTasks() {
     m_threads.waitForDone();

@@ -7,10 +7,11 @@
 
 namespace orvane {
 
-/// Tasks on a few threads of its own.
+/// Tasks on threads of its own, as many as there are tasks under way: most of them wait for something, and a
+/// human does not begin many at once.
 class BackgroundTasks final : public TaskRunner {
 public:
-    BackgroundTasks() = default;
+    BackgroundTasks();
     /// Waits for the work that has begun or waits its turn; what it gives is not called any more.
     ~BackgroundTasks() override;
 

@@ -13,6 +13,7 @@
 #include "OrvanePlatform/png/SpngWriter.h"
 #include "OrvanePlatform/posix/DetachedApplication.h"
 #include "OrvanePlatform/posix/EndNotifier.h"
+#include "OrvanePlatform/posix/GiveWay.h"
 #include "OrvanePlatform/posix/PosixStreams.h"
 #include "OrvanePlatform/posix/SingleInstanceGuard.h"
 #include "OrvanePlatform/posix/ThisProcess.h"
@@ -71,6 +72,7 @@ public:
     std::unique_ptr<EndRequests> whenAskedToEnd(std::function<void()> handler) override {
         return std::make_unique<SignalRequests>(std::move(handler));
     }
+    void giveWay() const override { posix::giveWay(); }
     bool standardErrorIsTerminal() const override { return posix::standardErrorIsTerminal(); }
 
 private:

@@ -14,7 +14,7 @@ public:
     using Continuation = std::function<void()>;
 
     /// Runs `work`, which may block and must not throw, on another thread, and what it gives, unless that is
-    /// empty, on the main thread afterwards.
+    /// empty, on the main thread afterwards. It begins at once, whatever other work does.
     virtual void run(std::function<Continuation()> work) = 0;
 
 protected:

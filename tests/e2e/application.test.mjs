@@ -1,7 +1,7 @@
 // The tray application: what it leaves where others find it, one copy at a time, how it ends, and the human's recording.
 import assert from "node:assert/strict";
 import { createServer } from "node:net";
-import { existsSync, readFileSync, rmSync, statSync } from "node:fs";
+import { existsSync, mkdirSync, readFileSync, readdirSync, rmSync, statSync, utimesSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { after, before, describe, it } from "node:test";
 import { Client } from "@modelcontextprotocol/sdk/client/index.js";
@@ -90,6 +90,33 @@ describe("the application", () => {
         await Promise.all(holders.map((holder) => new Promise((resolve) => { holder.close(resolve); })));
     });
 
+    it("hosts the tools before it has deleted what has expired", async () => {
+        const captures = join(desktop.home, ".orvane/captures");
+        mkdirSync(captures, { recursive: true });
+        const count = 60000;
+        for (let i = 0; i < count; i++) {
+            const file = join(captures, `old-${i}.png`);
+            writeFileSync(file, "");
+            utimesSync(file, 1e9, 1e9);
+        }
+        // On one processor nothing is done beside another thing by chance.
+        const [processor] = readFileSync("/proc/self/status", "utf8").match(/(?<=^Cpus_allowed_list:\s*)\d+/m);
+        const application = new Application(desktop, desktop.applicationEnv, ["taskset", "--cpu-list", processor]);
+        try {
+            const said = (text) => until(text, () => application.stderr.includes(text), 60);
+            await said("orvane: running.");
+            const ping = await application.post({ jsonrpc: "2.0", id: 7, method: "ping" });
+            assert.deepEqual(JSON.parse(ping.body), { id: 7, jsonrpc: "2.0", result: {} });
+            const left = readdirSync(captures).length;
+            assert.ok(left > 0, "there was nothing to wait for any more");
+            await said(`orvane: cleaned up ${count} expired item(s)\n`);
+            assert.deepEqual(readdirSync(captures), []);
+            assert.equal(await application.stop(), 0);
+        } finally {
+            application.process.kill("SIGKILL");
+        }
+    });
+
     for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
         it(`quits as from its menu on ${signal}`, async () => {
             const application = await Application.start(desktop);
@@ -160,6 +187,25 @@ describe("the human's recording", () => {
             });
             const report = new Recording(desktop, null, id).report();
             assert.match(report, /^- \*\*Source:\*\* human$/m);
+        }));
+
+    it("is over when an agent has stopped it, and another one can begin", () =>
+        withApplication(desktop, async (application) => {
+            const started = () => application.stderr.split("orvane: human recording started for Full Screen\n").length - 1;
+            press();
+            await until("it records", () => started() === 1);
+            const { body } = await application.post({ jsonrpc: "2.0", id: 1, method: "tools/call", params: {
+                name: "stop_recording", arguments: {} } });
+            assert.match(JSON.parse(body).result.content[0].text, /^Recording stopped\./);
+            press();
+            await until("the application is told", () => application.stderr.includes(
+                "orvane: stop recording failed: Invalid arguments: Not recording.\n"));
+            // The answer reaches the main thread a moment later, and a press before it would be another stop.
+            await until("another one begins", async () => {
+                press();
+                await pause(300);
+                return started() === 2;
+            });
         }));
 
     it("is not the only one that is finished when the application quits", async () => {

@@ -94,9 +94,11 @@ export class Application {
         return application;
     }
 
-    constructor(desktop, env = desktop.applicationEnv) {
+    /// `through`: a command that runs the program that follows it.
+    constructor(desktop, env = desktop.applicationEnv, through = []) {
         this.home = desktop.home;
-        this.process = spawn(EXECUTABLE, [], { env, stdio: ["ignore", "pipe", "pipe"] });
+        const [command, ...args] = [...through, EXECUTABLE];
+        this.process = spawn(command, args, { env, stdio: ["ignore", "pipe", "pipe"] });
         this.stderr = "";
         this.stdout = "";
         this.process.stderr.setEncoding("utf8").on("data", (block) => { this.stderr += block; });

@@ -6,6 +6,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <future>
 
 namespace orvane {
 namespace {
@@ -34,6 +35,25 @@ TEST(BackgroundTasksTest, NothingNeedsToFollow) {
         });
     }
     EXPECT_TRUE(ran);
+}
+
+TEST(BackgroundTasksTest, NoneWaitsForOthersHoweverManyTheyAre) {
+    std::promise<void> gate;
+    const std::shared_future<void> opened = gate.get_future().share();
+    std::atomic<bool> ran = false;
+    BackgroundTasks tasks;
+    for (int i = 0; i < 50; ++i) {
+        tasks.run([opened]() -> TaskRunner::Continuation {
+            opened.wait();
+            return {};
+        });
+    }
+    tasks.run([&ran]() -> TaskRunner::Continuation {
+        ran = true;
+        return {};
+    });
+    EXPECT_TRUE(test::eventuallyInLoop([&] { return ran.load(); }));
+    gate.set_value();
 }
 
 TEST(BackgroundTasksTest, TheEndWaitsForWorkAndDropsWhatFollows) {
