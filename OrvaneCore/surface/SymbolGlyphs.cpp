@@ -155,6 +155,14 @@ QPainterPath scribble() {
     return stroked(path, 2.6);
 }
 
+QPainterPath textInCorners() {
+    const QPainterPath corners =
+        line({{3, 9}, {3, 4.5}, {8.5, 4.5}}) | line({{19.5, 4.5}, {25, 4.5}, {25, 9}}) |
+        line({{25, 19}, {25, 23.5}, {19.5, 23.5}}) | line({{8.5, 23.5}, {3, 23.5}, {3, 19}});
+    return corners | line({{8.5, 10}, {19.5, 10}}) | line({{8.5, 14}, {19.5, 14}}) |
+           line({{8.5, 18}, {15, 18}});
+}
+
 QPainterPath tiltedPhotographs() {
     QTransform tilt;
     tilt.translate(12, 10);
@@ -180,6 +188,7 @@ const QHash<QString, Drawing>& drawings() {
         {u"photo.on.rectangle.angled"_s, &tiltedPhotographs},
         {u"record.circle.fill"_s, &recordDisc},
         {u"scribble.variable"_s, &scribble},
+        {u"text.viewfinder"_s, &textInCorners},
         {u"trash"_s, &trashCan},
         {u"video.slash"_s, &crossedCamera},
         {u"xmark.circle.fill"_s, &crossDisc},

@@ -26,6 +26,7 @@ const QStringList& names() {
         u"photo.on.rectangle.angled"_s,
         u"record.circle.fill"_s,
         u"scribble.variable"_s,
+        u"text.viewfinder"_s,
         u"trash"_s,
         u"video.slash"_s,
         u"xmark.circle.fill"_s,
