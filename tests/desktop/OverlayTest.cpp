@@ -236,16 +236,44 @@ TEST_F(Overlay, ObeysItsKeysAndButtons) {
     EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().image && !manager.modes().ocr; }));
     press(u"s"_s);
     EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().directSend; }));
-    buttonAt(u"Send: no app (S)"_s);
-    press(u"Tab"_s);
-    press(u"d"_s);
-    press(u"a"_s);
-    press(u"Right"_s);
     clickAt(buttonAt(u"Send: no app (S)"_s));
     EXPECT_TRUE(eventuallyInLoop([&] { return !manager.modes().directSend; }));
     EXPECT_EQ(manager.currentSendTarget(), std::nullopt);
     EXPECT_TRUE(controller.isShown());
     EXPECT_EQ(settings.value(u"ImageMode"_s), QJsonValue(true));
+}
+
+TEST_F(Overlay, StepsThroughTheApplicationsThatMarksCanBeSentTo) {
+    sendTargets = SendTargets({{.name = u"First"_s, .bundleID = u"1"_s},
+                               {.name = u"Second"_s, .bundleID = u"2"_s},
+                               {.name = u"Third"_s, .bundleID = u"3"_s},
+                               {.name = u"Fourth"_s, .bundleID = u"4"_s}});
+    show();
+    const auto comesToSendTo = [&](const QString& name) {
+        return eventuallyInLoop(
+            [&] { return manager.currentSendTarget() && manager.currentSendTarget()->name == name; });
+    };
+    press(u"Tab"_s);
+    press(u"s"_s);
+    ASSERT_TRUE(comesToSendTo(u"First"_s));
+    buttonAt(u"Send → First (S)"_s);
+    for (const auto& [key, name] :
+         {std::pair(u"Tab"_s, u"Second"_s), std::pair(u"d"_s, u"Third"_s), std::pair(u"Right"_s, u"Fourth"_s),
+          std::pair(u"a"_s, u"Third"_s), std::pair(u"Left"_s, u"Second"_s)}) {
+        press(key);
+        EXPECT_TRUE(comesToSendTo(name)) << key.toStdString();
+        buttonAt(u"Send → %1 (S)"_s.arg(name));
+    }
+    clickAt(buttonAt(u"Send → Second (S)"_s));
+    ASSERT_TRUE(eventuallyInLoop([&] { return !manager.modes().directSend; }));
+    // Nothing is stepped to while nothing is to be sent.
+    press(u"Tab"_s);
+    press(u"d"_s);
+    press(u"b"_s);
+    ASSERT_TRUE(eventuallyInLoop([&] { return manager.modes().spotlight; }));
+    ASSERT_TRUE(manager.currentSendTarget());
+    EXPECT_EQ(manager.currentSendTarget()->name, u"Second"_s);
+    EXPECT_TRUE(controller.isShown());
 }
 
 TEST_F(Overlay, FindsKeysByTheirPlaceOnTheKeyboard) {
