@@ -55,7 +55,8 @@ AppDelegate::AppDelegate(Platform& platform)
                  .showToast =
                      [this](const SubmitToast& toast) {
                          showToast(toast.title, toast.subtitle, toast.icon, submitToastSeconds);
-                     }})
+                     },
+                 .holdWindowsBack = [this](bool areHeldBack) { holdWindowsBack(areHeldBack); }})
     , m_commands(commandTable({.toggleRecording = [this] { m_recording.toggle(); },
                                .toggleOverlay = [this] { m_overlay.toggleOverlay(); },
                                .clearMarkers = [this] { m_markers.clearAll(); },
@@ -161,6 +162,12 @@ void AppDelegate::copyToClipboard(const QString& text) {
 void AppDelegate::showToast(const QString& title, const QString& subtitle, const QString& icon,
                             double seconds) {
     m_toast.showRich(title, subtitle, icon, std::chrono::duration<double>(seconds));
+}
+
+/// The overlay's pictures are to show what the human sees of other programs, and nothing of ours.
+void AppDelegate::holdWindowsBack(bool areHeldBack) {
+    m_toast.setHeldBack(areHeldBack);
+    m_statusItem->setButtonHeldBack(areHeldBack);
 }
 
 void AppDelegate::quit() {

@@ -51,6 +51,8 @@ private:
     StatusMenuState menuState();
     void chooseTarget(const std::function<void(std::optional<RecordingTarget>)>& answer);
 
+    void holdWindowsBack(bool areHeldBack);
+
     void recordingChanged() override;
     void copyToClipboard(const QString& text) override;
     void showToast(const QString& title, const QString& subtitle, const QString& icon,

@@ -80,6 +80,12 @@ void StatusItem::update() {
         refreshMenu();
 }
 
+void StatusItem::setButtonHeldBack(bool isHeldBack) {
+    m_isButtonHeldBack = isHeldBack;
+    if (m_pinButton)
+        m_pinButton->setVisible(!isHeldBack);
+}
+
 void StatusItem::chooseHome() {
     // Qt looks for a tray on D-Bus when it is asked for the first time and keeps to what it found: asked too
     // early in a session it would never see such a tray.
@@ -119,7 +125,7 @@ void StatusItem::moveOntoButton() {
     m_pinButton =
         std::make_unique<PinButton>(m_surfaces, [this](const QPoint& place) { m_menu->popup(place); });
     m_pinButton->setRecording(m_isRecording);
-    m_pinButton->show();
+    m_pinButton->setVisible(!m_isButtonHeldBack);
 }
 
 void StatusItem::refreshMenu() {

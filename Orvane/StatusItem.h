@@ -35,6 +35,10 @@ public:
     /// The state has changed: brings the icon, its description and the menu up to date.
     void update();
 
+    /// While it is held back no pin button is on the screen, from the moment of this call on, whether or not
+    /// the desktop has a tray. The tray's icon is part of the tray, and stays.
+    void setButtonHeldBack(bool isHeldBack);
+
     /// False when the pin button stands in for the tray.
     bool isInTray() const { return m_tray && m_tray->isVisible(); }
 
@@ -56,6 +60,7 @@ private:
     Surfaces& m_surfaces;
     const PlatformWords& m_words;
     bool m_isRecording = false;
+    bool m_isButtonHeldBack = false;
     std::vector<StatusMenuRow> m_shownRows;
     // The tray icon goes before the menu that it refers to.
     std::unique_ptr<QMenu> m_menu;

@@ -13,6 +13,7 @@
 #include <QScreen>
 
 #include <cmath>
+#include <utility>
 
 namespace orvane {
 
@@ -93,6 +94,22 @@ ToastPanel::~ToastPanel() = default;
 void ToastPanel::showFor(std::chrono::milliseconds duration) {
     show();
     m_dismissTimer.start(duration);
+}
+
+void ToastPanel::setHeldBack(bool isHeldBack) {
+    if (isHeldBack == m_timeLeft.has_value())
+        return;
+    if (!isHeldBack) {
+        showFor(*std::exchange(m_timeLeft, std::nullopt));
+    } else if (m_dismissTimer.isActive()) {
+        m_timeLeft = m_dismissTimer.remainingTimeAsDuration();
+        m_dismissTimer.stop();
+        hide();
+    } else {
+        // Its end is told as ever, and by then the screen is clear of it.
+        hide();
+        m_fade.setCurrentTime(m_fade.totalDuration());
+    }
 }
 
 void ToastPanel::paintEvent(QPaintEvent* /*event*/) {

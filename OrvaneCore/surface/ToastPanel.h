@@ -10,6 +10,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QPainter;
 class QScreen;
@@ -43,6 +44,10 @@ public:
     /// Shows the panel for that time, after which it fades out, where it can, and closes.
     void showFor(std::chrono::milliseconds duration);
 
+    /// Keeps the panel from the screen, at once, or lets it come back for what is left of its time. One that
+    /// fades out already closes.
+    void setHeldBack(bool isHeldBack);
+
     /// The toast itself in global points, without the shadow around it.
     QRect frame() const { return m_layout.frame; }
 
@@ -61,6 +66,8 @@ private:
     /// From the window's corner to the toast's.
     int m_margin;
     QTimer m_dismissTimer;
+    /// Of a panel that is held back.
+    std::optional<std::chrono::milliseconds> m_timeLeft;
     QVariantAnimation m_fade;
     /// What fades out: the whole at once, and not part over part.
     QPixmap m_fadingPicture;

@@ -29,14 +29,23 @@ public:
                   const std::optional<QString>& icon, std::chrono::duration<double> duration);
     void show(const QString& title, std::chrono::duration<double> duration);
 
-    /// Those that are on a screen now, the oldest first.
+    /// While they are held back no notice is on a screen, from the moment of this call on. Those that were
+    /// have what is left of their time afterwards, and those that come meanwhile all of theirs.
+    void setHeldBack(bool areHeldBack);
+
+    /// Those that have been shown and not gone yet, the oldest first.
     std::vector<const ToastPanel*> panels() const;
 
 private:
     void remove(ToastPanel* panel);
 
+    struct Waiting;
+
     Surfaces& m_surfaces;
     std::vector<std::unique_ptr<ToastPanel>> m_panels;
+    bool m_areHeldBack = false;
+    /// Those that have come while they are held back.
+    std::vector<Waiting> m_waiting;
 };
 
 } // namespace orvane

@@ -119,6 +119,8 @@ protected:
     MarkerManager manager{settings};
     SendTargets sendTargets;
     std::vector<SubmitToast> toasts;
+    /// Called when other windows are to be away, or may come back.
+    std::function<void(bool)> holdWindowsBack = [](bool) {};
     /// Called on the thread of the submission.
     std::function<void(std::chrono::milliseconds)> sleep = [](std::chrono::milliseconds time) {
         std::this_thread::sleep_for(time);
@@ -142,8 +144,9 @@ protected:
          .surfaces = surfaces,
          .displays = displays,
          .capture = capture,
-         .words = words,
-         .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); }}};
+          .words = words,
+          .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); },
+          .holdWindowsBack = [this](bool areHeldBack) { holdWindowsBack(areHeldBack); }}};
 };
 
 } // namespace orvane::test

@@ -1,4 +1,7 @@
+#include "Orvane/StatusItem.h"
 #include "OrvaneCore/marking/Palettes.h"
+#include "OrvaneCore/surface/ToastPanel.h"
+#include "OrvaneCore/surface/ToastWindow.h"
 #include "tests/desktop/OverlayFixture.h"
 
 #include <QTimer>
@@ -6,6 +9,8 @@
 #include <atomic>
 
 namespace orvane::test {
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -215,6 +220,80 @@ TEST_F(Submission, MayBeginBeforeTheLastOneHasEnded) {
         QDir(storage.sessionsDir()).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks).size(),
         2);
     EXPECT_EQ(picture(u"region-1.png"_s).size(), QSize(200, 150));
+}
+
+TEST_F(Submission, HasNoOtherWindowOfOursInItsPictures) {
+    // As large as the screen it would be above the button.
+    const auto ground = cover(u"1280x780+0+0"_s);
+    ToastWindow notices(surfaces);
+    StatusItem item([] { return StatusMenuState(); }, [](StatusAction, const std::optional<QString>&) {},
+                    [] { return false; }, surfaces);
+    holdWindowsBack = [&](bool areHeldBack) {
+        notices.setHeldBack(areHeldBack);
+        item.setButtonHeldBack(areHeldBack);
+    };
+    notices.show(u"That before"_s, 60s);
+    const QRect noticeFrame = notices.panels().front()->frame();
+    const QPoint notice(noticeFrame.left() + 8, noticeFrame.center().y());
+    const QPoint button(1280 - 12 - 16, 40 + 28);
+    const QRgb plate = blended(0xFF1F1F1F, 0.9, white);
+    const QRgb buttonGround = 0xFF2B2D31;
+    ASSERT_TRUE(comesToShow(notice, plate));
+    ASSERT_TRUE(comesToShow(button, buttonGround));
+
+    show();
+    EXPECT_TRUE(comesToShow(notice, blended(black, 38.0 / 255, white)));
+    EXPECT_TRUE(comesToShow(button, blended(black, 38.0 / 255, white)));
+    mark({100, 200}, {300, 300});
+    notices.show(u"Meanwhile"_s, 60s);
+    press(u"Return"_s);
+    ASSERT_TRUE(isSubmitted());
+    const QImage display = picture(u"display-annotated.png"_s);
+    EXPECT_TRUE(isFilled(display, QRect(0, 0, 1280, 180), white));
+    EXPECT_TRUE(isFilled(display, QRect(0, 340, 1280, 440), white));
+
+    EXPECT_TRUE(comesToShow(notice, plate, 60));
+    EXPECT_TRUE(comesToShow(button, buttonGround));
+    ASSERT_EQ(notices.panels().size(), 2U);
+    EXPECT_EQ(notices.panels()[1]->accessibleName(), u"Meanwhile"_s);
+    EXPECT_TRUE(notices.panels()[0]->isVisible() && notices.panels()[1]->isVisible());
+}
+
+TEST_F(Submission, HoldsOtherWindowsBackFromTheFirstMomentUntilItsPicturesAreTaken) {
+    std::vector<bool> told;
+    holdWindowsBack = [&](bool areHeldBack) {
+        EXPECT_FALSE(areHeldBack && controller.isShown());
+        told.push_back(areHeldBack);
+    };
+    std::atomic<bool> isWaiting = false;
+    std::atomic<bool> goOn = false;
+    sleep = [&](std::chrono::milliseconds) {
+        isWaiting = true;
+        eventually([&] { return goOn.load(); });
+    };
+    show();
+    EXPECT_EQ(told, std::vector{true});
+    controller.cancelOverlay();
+    EXPECT_EQ(told, (std::vector{true, false}));
+
+    told.clear();
+    show();
+    mark({100, 200}, {300, 300});
+    press(u"Return"_s);
+    ASSERT_TRUE(eventuallyInLoop([&] { return isWaiting.load(); }));
+    EXPECT_FALSE(controller.isShown());
+    EXPECT_EQ(told, std::vector{true});
+    // The overlay is to come back at once.
+    controller.toggleOverlay();
+    goOn = true;
+    ASSERT_TRUE(eventuallyInLoop([&] { return controller.isShown(); }));
+    EXPECT_EQ(told, std::vector{true});
+    ASSERT_TRUE(isSubmitted());
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow(); }));
+    mark({100, 200}, {300, 300});
+    press(u"Return"_s);
+    ASSERT_TRUE(isSubmitted(2));
+    EXPECT_EQ(told, (std::vector{true, false}));
 }
 
 TEST_F(SubmissionUncomposited, ShowsTheScreenAndNotItsFrozenPicture) {

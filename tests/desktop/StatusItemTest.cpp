@@ -439,6 +439,40 @@ TEST_F(StatusItems, ButtonIsDraggedAsideAndStaysThere) {
     EXPECT_TRUE(choose(to, u"Quit Orvane"_s));
 }
 
+TEST_F(StatusItems, ButtonThatIsHeldBackIsNotOnTheScreen) {
+    const auto window = colorWindow(u"600x400+660+10"_s, u"white"_s);
+    start();
+    const QPoint from = buttonPlace();
+    ASSERT_TRUE(comesToShow(from + QPoint(0, 12), 0xff2b2d31));
+    moveMouse(from);
+    runCommand(u"xdotool"_s, {u"mousedown"_s, u"1"_s});
+    moveMouse(from - QPoint(50, -20));
+    moveMouse(from - QPoint(300, -100));
+    runCommand(u"xdotool"_s, {u"mouseup"_s, u"1"_s});
+    const QPoint place = from - QPoint(300, -100) + QPoint(0, 12);
+    ASSERT_TRUE(comesToShow(place, 0xff2b2d31));
+    item->setButtonHeldBack(true);
+    EXPECT_TRUE(comesToShow(place, white));
+    item->update();
+    EXPECT_FALSE(item->pinButton()->isVisible());
+    item->setButtonHeldBack(false);
+    EXPECT_TRUE(comesToShow(place, 0xff2b2d31));
+    EXPECT_TRUE(choose(place, u"Quit Orvane"_s));
+}
+
+TEST_F(StatusItems, ButtonThatATrayLeavesToIsHeldBackToo) {
+    auto tray = embeddingTray();
+    start();
+    ASSERT_TRUE(comesIntoTray());
+    item->setButtonHeldBack(true);
+    EXPECT_TRUE(item->isInTray());
+    tray.reset();
+    ASSERT_TRUE(comesOntoButton());
+    EXPECT_FALSE(item->pinButton()->isVisible());
+    item->setButtonHeldBack(false);
+    EXPECT_TRUE(item->pinButton()->isVisible());
+}
+
 TEST_F(StatusItems, ButtonGivesWayToATrayAndComesBack) {
     start();
     ASSERT_TRUE(comesOntoButton());

@@ -160,6 +160,56 @@ TEST_F(Toasts, DoNotWaitForEachOther) {
     EXPECT_TRUE(lasting->isVisible());
 }
 
+TEST_F(Toasts, HeldBackHaveWhatIsLeftOfTheirTimeAfterwards) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    QElapsedTimer shown;
+    shown.start();
+    toast.show(u"Earlier"_s, 2s);
+    const QPoint place = besideText(frame(*toast.panels().front()));
+    ASSERT_TRUE(comesToShow(place, plateOverBackdrop));
+    toast.setHeldBack(true);
+    toast.setHeldBack(true);
+    EXPECT_TRUE(comesToShow(place, backdrop));
+    EXPECT_FALSE(toast.panels().front()->isVisible());
+    // Longer than it would have been there.
+    ASSERT_TRUE(eventuallyInLoop([&] { return shown.elapsed() > 2500; }));
+    ASSERT_EQ(toast.panels().size(), 1U);
+    toast.setHeldBack(false);
+    EXPECT_TRUE(comesToShow(place, plateOverBackdrop));
+    EXPECT_TRUE(eventuallyInLoop([&] { return toast.panels().empty(); }));
+    EXPECT_TRUE(comesToShow(place, backdrop));
+}
+
+TEST_F(Toasts, HeldBackComeLater) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    toast.setHeldBack(true);
+    toast.show(u"First"_s, longTime);
+    toast.showRich(u"Second"_s, u"with all"_s, u"trash"_s, longTime);
+    EXPECT_TRUE(toast.panels().empty());
+    toast.setHeldBack(false);
+    ASSERT_EQ(toast.panels().size(), 2U);
+    EXPECT_EQ(toast.panels()[0]->accessibleName(), u"First"_s);
+    EXPECT_EQ(toast.panels()[1]->accessibleDescription(), u"with all"_s);
+    EXPECT_TRUE(comesToShow(besideText(frame(*toast.panels()[1])), plateOverBackdrop, 40));
+    toast.setHeldBack(true);
+    toast.setHeldBack(false);
+    EXPECT_EQ(toast.panels().size(), 2U);
+}
+
+TEST_F(Toasts, ThatFadeWhenTheyAreHeldBackAreOver) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    toast.show(u"Fading"_s, 0.5s);
+    const QPoint place = besideText(frame(*toast.panels().front()));
+    ASSERT_TRUE(comesToShow(place, plateOverBackdrop));
+    ASSERT_TRUE(eventuallyInLoop(
+        [&] { return toast.panels().empty() || screen().pixel(place) != plateOverBackdrop; }));
+    toast.setHeldBack(true);
+    EXPECT_TRUE(toast.panels().empty());
+    EXPECT_TRUE(comesToShow(place, backdrop));
+    toast.setHeldBack(false);
+    EXPECT_TRUE(toast.panels().empty());
+}
+
 TEST_F(Toasts, GoWithTheirOwner) {
     const auto ground = cover(u"1280x800+0+0"_s);
     auto owner = std::make_unique<ToastWindow>(surfaces);

@@ -7,7 +7,7 @@ import { withApplication } from "./lib/application.mjs";
 import { startDesktop, until } from "./lib/desktop.mjs";
 import { call, connect } from "./lib/orvane.mjs";
 import { Human } from "./lib/overlay.mjs";
-import { blend, crop, decodePng, samePixels } from "./lib/png.mjs";
+import { blend, crop, decodePng, nearly, samePixels } from "./lib/png.mjs";
 import { sessionsFolder } from "./lib/recording.mjs";
 
 const GROUND = "#406080";
@@ -58,6 +58,28 @@ describe("the overlay", () => {
         assert.deepEqual(images.map(({ width, height }) => [width, height]), [[300, 200], [300, 200]]);
         await client.close();
         assert.ok(application.stderr === "" || !application.stderr.includes("rror"), application.stderr);
+    }));
+
+    it("keeps notices and the pin button out of its pictures", () => withHuman(async (human) => {
+        const button = [1280 - 12 - 32 + 6, 40 + 28];
+        const notice = [640, 18];
+        const screen = (place) => desktop.picture("root").at(...place);
+        await until("there is a pin button", () => nearly(screen(button), "#2b2d31"));
+        const free = screen(notice);
+        const pictures = [];
+        for (let turn = 0; turn < 2; ++turn) {
+            await human.openOverlay(DIMMED);
+            await human.mark([200, 200], [500, 400]);
+            human.press("Return");
+            pictures.push(decodePng(human.file(await human.submitted(), "display-annotated.png")));
+            await until("there is a notice", () => !nearly(screen(notice), free));
+            await until("the pin button is back", () => nearly(screen(button), "#2b2d31"));
+        }
+        for (const picture of pictures) {
+            assert.ok(nearly(picture.at(...button), GROUND), picture.at(...button));
+            assert.ok(nearly(picture.at(...notice), free), picture.at(...notice));
+        }
+        assert.ok(samePixels(crop(pictures[0], 0, 0, 1280, 180), crop(pictures[1], 0, 0, 1280, 180)));
     }));
 
     it("is sent away with Escape and leaves nothing behind", () => withHuman(async (human) => {

@@ -49,22 +49,22 @@ void OverlayController::showOverlay() {
     if (manager.modes().directSend && !m_services.sendTargets.runningTargetsOrdered().empty())
         target = m_services.sendTargets.runningTargetsOrdered().front();
     manager.setCurrentSendTarget(target);
+    m_isPreparing = true;
+    shareScreen();
     if (m_services.surfaces.canBeTranslucent()) {
         openWindows({});
         return;
     }
-    m_isPreparing = true;
     m_services.tasks.run([this, showing = ++m_showing]() -> TaskRunner::Continuation {
         return [this, showing, frozen = freezeScreens()] {
-            if (showing != m_showing)
-                return;
-            m_isPreparing = false;
-            openWindows(frozen);
+            if (showing == m_showing)
+                openWindows(frozen);
         };
     });
 }
 
 void OverlayController::openWindows(const FrozenScreens& frozen) {
+    m_isPreparing = false;
     m_screenWatch = std::make_unique<QObject>();
     QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, m_screenWatch.get(),
                      [this](const QScreen* screen) { screenRemoved(screen); });
@@ -72,6 +72,8 @@ void OverlayController::openWindows(const FrozenScreens& frozen) {
         openWindow(*screen, frozen.value(screen->geometry().topLeft()),
                    m_windows.empty() ? SurfaceKeyboard::atOnce : SurfaceKeyboard::onClick);
     }
+    // Without a screen there are no windows.
+    shareScreen();
 }
 
 void OverlayController::openWindow(QScreen& screen, const QImage& frozen, SurfaceKeyboard keyboard) {
@@ -125,6 +127,7 @@ void OverlayController::hideOverlay() {
     m_services.manager.setOverlayActive(false);
     if (!windows.empty())
         m_services.surfaces.giveKeyboardBack();
+    shareScreen();
 }
 
 void OverlayController::cancelOverlay() {
@@ -150,8 +153,8 @@ void OverlayController::submit() {
     for (const auto& window : m_windows)
         window->view().closeEditors();
     SubmitRequest request = m_services.manager.submitRequest();
-    hideOverlay();
     m_isCapturing = true;
+    hideOverlay();
     m_services.tasks.run([this, request = std::move(request)]() -> TaskRunner::Continuation {
         std::optional<SubmitResult> result =
             m_services.pipeline.submit(request, [this] { m_mainThread.post([this] { picturesTaken(); }); });
@@ -163,6 +166,13 @@ void OverlayController::picturesTaken() {
     m_isCapturing = false;
     if (std::exchange(m_showAfterCapture, false))
         showOverlay();
+    shareScreen();
+}
+
+void OverlayController::shareScreen() {
+    const bool isOverlays = isShown() || m_isPreparing || m_isCapturing;
+    if (std::exchange(m_areWindowsHeldBack, isOverlays) != isOverlays)
+        m_services.holdWindowsBack(isOverlays);
 }
 
 void OverlayController::submitted(const std::optional<SubmitResult>& result, const SubmitRequest& request) {

@@ -38,6 +38,9 @@ public:
         ScreenCapture& capture;
         const PlatformWords& words;
         std::function<void(const SubmitToast&)> showToast;
+        /// Told with true before the overlay comes up, when all other windows of ours are to leave the screen
+        /// at once and to stay away, and with false when the overlay is gone and its pictures are taken.
+        std::function<void(bool)> holdWindowsBack = [](bool) {};
     };
 
     explicit OverlayController(const Services& services);
@@ -73,6 +76,8 @@ private:
     void screenRemoved(const QScreen* screen);
     FrozenScreens freezeScreens() const;
     void picturesTaken();
+    /// Tells the other windows of ours, where that has changed, whether the screen is the overlay's.
+    void shareScreen();
     void submitted(const std::optional<SubmitResult>& result, const SubmitRequest& request);
 
     Services m_services;
@@ -83,6 +88,7 @@ private:
     bool m_isPreparing = false;
     bool m_isCapturing = false;
     bool m_showAfterCapture = false;
+    bool m_areWindowsHeldBack = false;
     CallReceiver m_mainThread;
     /// Owns the connections to the application's displays while the overlay is shown.
     std::unique_ptr<QObject> m_screenWatch;
