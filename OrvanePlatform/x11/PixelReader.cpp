@@ -6,6 +6,7 @@
 #include <atomic>
 #include <deque>
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -83,27 +84,26 @@ struct PixelReader::Layout {
 class PixelReader::Segment {
 public:
     static std::unique_ptr<Segment> make(const std::shared_ptr<X11Connection>& connection, qsizetype bytes) {
-        const xcb_shm_seg_t id = xcb_generate_id(connection->raw());
-        const auto reply = connection->reply<xcb_shm_create_segment_reply>(
-            xcb_shm_create_segment(connection->raw(), id, static_cast<uint32_t>(bytes), 0));
-        if (!reply || reply->nfd != 1)
+        const auto length = static_cast<size_t>(bytes);
+        const int descriptor = ::memfd_create("orvane-pixels", MFD_CLOEXEC);
+        if (descriptor < 0)
             return nullptr;
-        const int descriptor = xcb_shm_create_segment_reply_fds(connection->raw(), reply.get())[0];
-        void* memory =
-            ::mmap(nullptr, static_cast<size_t>(bytes), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-        ::close(descriptor);
-        std::unique_ptr<Segment> segment(new Segment(connection, id, bytes));
-        if (memory == MAP_FAILED)
+        void* memory = MAP_FAILED;
+        // Space that the machine does not have is refused here, and not by a signal at the first write to it.
+        if (::posix_fallocate(descriptor, 0, static_cast<off_t>(bytes)) == 0)
+            memory = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+        if (memory == MAP_FAILED) {
+            ::close(descriptor);
             return nullptr;
-        segment->m_memory = static_cast<uchar*>(memory);
-        return segment;
+        }
+        std::unique_ptr<Segment> segment(new Segment(connection, static_cast<uchar*>(memory), bytes));
+        return connection->attachSharedMemory(segment->m_id, descriptor) ? std::move(segment) : nullptr;
     }
 
     ~Segment() {
         xcb_shm_detach(m_connection->raw(), m_id);
         xcb_flush(m_connection->raw());
-        if (m_memory != nullptr)
-            ::munmap(m_memory, static_cast<size_t>(m_bytes));
+        ::munmap(m_memory, static_cast<size_t>(m_bytes));
     }
     Segment(const Segment&) = delete;
     Segment& operator=(const Segment&) = delete;
@@ -113,15 +113,16 @@ public:
     uchar* memory() const { return m_memory; }
 
 private:
-    Segment(std::shared_ptr<X11Connection> connection, xcb_shm_seg_t id, qsizetype bytes)
+    Segment(std::shared_ptr<X11Connection> connection, uchar* memory, qsizetype bytes)
         : m_connection(std::move(connection))
-        , m_id(id)
+        , m_id(xcb_generate_id(m_connection->raw()))
+        , m_memory(memory)
         , m_bytes(bytes) {}
 
     std::shared_ptr<X11Connection> m_connection;
     xcb_shm_seg_t m_id;
+    uchar* m_memory;
     qsizetype m_bytes;
-    uchar* m_memory = nullptr;
 };
 
 /// Keeps the segments of pictures that were given up, so that a series of captures maps memory once: several

@@ -22,6 +22,14 @@ QString displayName() {
     return qEnvironmentVariable("DISPLAY");
 }
 
+/// Whether a socket ends on this machine and can pass descriptors.
+bool isLocal(int descriptor) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof(address);
+    return ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+           address.ss_family == AF_UNIX;
+}
+
 } // namespace
 
 std::shared_ptr<X11Connection> X11Connection::connect() {
@@ -118,7 +126,9 @@ void X11Connection::queryExtensions() {
     }
     if (present(&xcb_shm_id)) {
         const auto version = reply<xcb_shm_query_version_reply>(xcb_shm_query_version(m_connection));
-        m_extensions.sharedMemory = version && (version->major_version > 1 || version->minor_version >= 2);
+        // A server on another machine has the extension, too, and no way to share memory.
+        m_extensions.sharedMemory = version && isLocal(xcb_get_file_descriptor(m_connection)) &&
+                                    (version->major_version > 1 || version->minor_version >= 2);
     }
 }
 
@@ -140,11 +150,26 @@ QString X11Connection::atomName(xcb_atom_t atom) const {
 }
 
 bool X11Connection::lost() const {
-    return xcb_connection_has_error(m_connection) != 0;
+    if (xcb_connection_has_error(m_connection) == 0)
+        return false;
+    // What made xcb give up may have left the socket open, and others waiting for answers on it.
+    abandon();
+    return true;
 }
 
-void X11Connection::abandon() {
+void X11Connection::abandon() const {
     ::shutdown(xcb_get_file_descriptor(m_connection), SHUT_RDWR);
+}
+
+bool X11Connection::attachSharedMemory(uint32_t id, int descriptor) const {
+    // The memory is ours and its descriptor goes with the request. Memory of the server's comes with a reply,
+    // and xcb loses descriptors that arrive before their reply or behind a long one: that reply never comes,
+    // or the connection is given up, and numbers are closed that belong to others by then.
+    const std::scoped_lock lock(m_descriptorMutex);
+    const auto cookie = xcb_shm_attach_fd_checked(m_connection, id, descriptor, 0);
+    const Owned<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+    throwIfLost();
+    return error == nullptr;
 }
 
 void X11Connection::sync() const {

@@ -67,11 +67,16 @@ public:
     /// The name of an atom; the server is asked once. Empty when there is no such atom.
     QString atomName(xcb_atom_t atom) const;
 
-    /// True once the server is gone or `abandon` was called; the connection is of no use from then on.
+    /// True once the server is gone, xcb has given up or `abandon` was called; the connection is of no use
+    /// from then on, and whoever waits for a reply on it gets an error.
     bool lost() const;
 
     /// Ends the connection under all threads that wait for a reply on it: they get an error at once.
-    void abandon();
+    void abandon() const;
+
+    /// Lets the server write to the memory of that descriptor, which is closed, as the segment `id` (MIT-SHM
+    /// 1.2). False when the server refuses. Throws PlatformError when the connection is lost.
+    bool attachSharedMemory(uint32_t id, int descriptor) const;
 
     /// Waits for the reply to a request, for example `reply<xcb_get_geometry_reply>(cookie)`.
     /// Null when the server refused this request (the window is gone, say); throws PlatformError when the
@@ -107,6 +112,8 @@ private:
     xcb_screen_t* m_screen = nullptr;
     Atoms m_atoms;
     Extensions m_extensions;
+    /// Descriptors go to the server one at a time: xcb keeps no more than a few.
+    mutable std::mutex m_descriptorMutex;
     mutable std::mutex m_atomNamesMutex;
     mutable QHash<xcb_atom_t, QString> m_atomNames;
 };
