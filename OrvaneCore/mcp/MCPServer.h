@@ -1,9 +1,8 @@
 #pragma once
 
+#include "OrvaneCore/mcp/MCPReply.h"
+
 #include <QByteArrayView>
-#include <QJsonObject>
-#include <QJsonValue>
-#include <QString>
 
 #include <optional>
 
@@ -29,17 +28,14 @@ public:
 
     /// Handles one message in UTF-8, without a newline at its end. Gives the reply, or nothing for a
     /// notification. Blocks as long as the tool takes. Throws MessageError when the line is not JSON.
-    std::optional<QJsonObject> handleMessage(QByteArrayView line) const;
+    std::optional<MCPReply> handleMessage(QByteArrayView line) const;
 
     /// As `handleMessage`, with an error reply in place of anything thrown.
-    std::optional<QJsonObject> process(QByteArrayView line) const;
-
-    /// An error reply. An undefined id counts as null.
-    static QJsonObject jsonRpcError(const QJsonValue& id, int code, const QString& message);
+    std::optional<MCPReply> process(QByteArrayView line) const;
 
     /// Writes one reply as one line, in one write. A reply that cannot be made into JSON is logged and not
     /// written. False when nobody reads the replies any more.
-    static bool send(StandardStreams& streams, const QJsonObject& reply);
+    static bool send(StandardStreams& streams, const MCPReply& reply);
 
 private:
     ToolCallHandler& m_toolHandler;

@@ -56,6 +56,8 @@ describe("the application", () => {
         const ping = await application.post({ jsonrpc: "2.0", id: 7, method: "ping" });
         assert.equal(ping.status, 200);
         assert.deepEqual(JSON.parse(ping.body), { id: 7, jsonrpc: "2.0", result: {} });
+        const odd = await application.post('{"method":"ping","id":-123456789012345678901234567890}');
+        assert.equal(odd.body, '{"id":-123456789012345678901234567890,"jsonrpc":"2.0","result":{}}');
         assert.equal((await application.post({ method: "notifications/initialized" })).status, 202);
         const refused = await application.post({ id: 1, method: "ping" }, { authorization: "Bearer 0123" });
         assert.deepEqual([refused.status, refused.body], [401, "Unauthorized"]);

@@ -40,6 +40,9 @@ describe("a tool server beside the running application", () => {
             server.send({ jsonrpc: "2.0", method: "notifications/initialized" });
             server.send("");
             await server.assertAlive();
+            const long = '{"id":12345678901234567890123.0,"jsonrpc":"2.0","result":{}}';
+            server.send('{"id":12345678901234567890123.0,"method":"ping"}');
+            assert.equal((await server.line()).toString(), long);
             const { error } = await server.request("not json");
             assert.equal(error.code, -32603);
             assert.equal((await server.callTool("list_windows", {})).error, false);

@@ -41,6 +41,8 @@ describe("replies byte for byte", () => {
         ['{"id":{"b":[1,null],"a":true},"method":"ping"}', '{"id":{"a":true,"b":[1,null]},"jsonrpc":"2.0","result":{}}'],
         ['{"id":9007199254740991,"method":"ping"}', '{"id":9007199254740991,"jsonrpc":"2.0","result":{}}'],
         ['{"id":9223372036854775807,"method":"ping"}', '{"id":9223372036854775807,"jsonrpc":"2.0","result":{}}'],
+        ...["12345678901234567890123", "-9223372036854775809", "1.0", "1e3", "-0", "1E400"].map((id) =>
+            [`{"id":${id},"method":"ping"}`, `{"id":${id},"jsonrpc":"2.0","result":{}}`]),
         ['{"id":-1.5,"method":"ping","params":[1]}', '{"id":-1.5,"jsonrpc":"2.0","result":{}}'],
         ['{"id":"窓 \\ud83e\\ude9f","method":"ping"}', '{"id":"窓 🪟","jsonrpc":"2.0","result":{}}'],
         ["[1,2]", '{"error":{"code":-32600,"message":"Invalid request"},"id":null,"jsonrpc":"2.0"}'],

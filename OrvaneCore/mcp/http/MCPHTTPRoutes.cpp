@@ -1,11 +1,8 @@
 #include "OrvaneCore/mcp/http/MCPHTTPRoutes.h"
 
-#include "OrvaneCore/base/MessageCodec.h"
 #include "OrvaneCore/base/MessageError.h"
 #include "OrvaneCore/mcp/MCPServer.h"
 #include "OrvaneCore/mcp/http/MCPAuth.h"
-
-#include <QJsonObject>
 
 namespace orvane {
 
@@ -23,11 +20,11 @@ std::optional<MCPHTTPResponse> mcp_http_routes::answerAtOnce(const MCPHTTPReques
 }
 
 MCPHTTPResponse mcp_http_routes::answer(const MCPServer& server, QByteArrayView body) {
-    const std::optional<QJsonObject> reply = server.process(body.isValidUtf8() ? body : QByteArrayView(""));
+    const std::optional<MCPReply> reply = server.process(body.isValidUtf8() ? body : QByteArrayView(""));
     if (!reply)
         return MCPHTTPResponse::plain(202, {});
     try {
-        return MCPHTTPResponse::json(message_codec::serialise(*reply));
+        return MCPHTTPResponse::json(reply->serialised());
     } catch (const MessageError&) {
         return MCPHTTPResponse::plain(202, {});
     }

@@ -23,8 +23,8 @@ class MCPServerTest : public testing::Test {
 protected:
     /// The reply as it goes out, or "nothing".
     std::string reply(const QByteArray& line) const {
-        const std::optional<QJsonObject> message = m_server.process(line);
-        return message ? message_codec::serialise(*message).toStdString() : "nothing";
+        const std::optional<MCPReply> message = m_server.process(line);
+        return message ? message->serialised().toStdString() : "nothing";
     }
 
     FakeToolCallHandler m_handler;
@@ -42,9 +42,9 @@ TEST_F(MCPServerTest, NeitherReadsNorChecksTheRequestsVersion) {
 }
 
 TEST_F(MCPServerTest, IntroducesItself) {
-    const QJsonObject message = *m_server.handleMessage(R"({"id":1,"method":"initialize"})");
-    EXPECT_EQ(message.keys(), (QStringList{u"id"_s, u"jsonrpc"_s, u"result"_s}));
-    QJsonObject result = message[u"result"_s].toObject();
+    const MCPReply message = *m_server.handleMessage(R"({"id":1,"method":"initialize"})");
+    EXPECT_EQ(message.outcome.keys(), QStringList{u"result"_s});
+    QJsonObject result = message.outcome[u"result"_s].toObject();
     EXPECT_EQ(result.take(u"instructions"_s).toString(), tool_catalogue::instructions());
     EXPECT_EQ(message_codec::serialise(result).toStdString(),
               R"({"capabilities":{"tools":{"listChanged":false}},"protocolVersion":"2024-11-05",)"
@@ -59,9 +59,9 @@ TEST_F(MCPServerTest, IntroducesItselfTheSameWhateverTheClientWants) {
 }
 
 TEST_F(MCPServerTest, ListsTheCatalogueWithoutHavingBeenInitialized) {
-    const QJsonObject message = *m_server.handleMessage(R"({"id":1,"method":"tools/list"})");
-    EXPECT_EQ(message[u"result"_s].toObject().keys(), QStringList{u"tools"_s});
-    EXPECT_EQ(message[u"result"_s][u"tools"_s].toArray(), tool_catalogue::toolDefinitions());
+    const MCPReply message = *m_server.handleMessage(R"({"id":1,"method":"tools/list"})");
+    EXPECT_EQ(message.outcome[u"result"_s].toObject().keys(), QStringList{u"tools"_s});
+    EXPECT_EQ(message.outcome[u"result"_s][u"tools"_s].toArray(), tool_catalogue::toolDefinitions());
 }
 
 TEST_F(MCPServerTest, HandsAToolCallOnAndItsResultBackUnchanged) {
@@ -116,9 +116,18 @@ TEST_P(MCPServerId, ComesBackAsItCame) {
 
 INSTANTIATE_TEST_SUITE_P(All, MCPServerId,
                          testing::Values("0", "1", "-1", "9223372036854775807", "-9223372036854775808",
-                                         "9007199254740993", "1.5", "0.1", R"("x")", R"("")", R"("\u0000")",
+                                         "9007199254740993", "1.5", "0.1", "1.0", "1e3", "1E+03", "-0",
+                                         "-0.0", "0.10", "12345678901234567890123", "9223372036854775808",
+                                         "18446744073709551616", "0.1234567890123456789012", "1e400",
+                                         "-1e-400", std::string(400, '9'), R"("x")", R"("")", R"("\u0000")",
                                          "\"\xc3\xa9\xf0\x9f\x98\x80\"", "null", "true", "false", "[]",
                                          R"([1,"a"])", "{}", R"({"a":{"b":[null]}})"));
+
+TEST_F(MCPServerTest, TheIdIsThatOfTheRequestItself) {
+    EXPECT_EQ(reply(R"({"params":{"id":1,"x":[{"id":2}]},"method":"ping","a":"\"id\":3","id":4.0})"),
+              R"({"id":4.0,"jsonrpc":"2.0","result":{}})");
+    EXPECT_EQ(reply(R"({"params":{"id":1},"method":"ping"})"), R"({"id":null,"jsonrpc":"2.0","result":{}})");
+}
 
 TEST_F(MCPServerTest, AMissingIdBecomesNull) {
     EXPECT_EQ(reply(R"({"method":"ping"})"), R"({"id":null,"jsonrpc":"2.0","result":{}})");
@@ -163,21 +172,23 @@ class MCPServerParseFailure : public MCPServerTest, public testing::WithParamInt
 TEST_P(MCPServerParseFailure, IsThrownOrAnsweredByTheDoorThatWasTaken) {
     EXPECT_THROW(m_server.handleMessage(GetParam()), MessageError);
 
-    const QJsonObject message = *m_server.process(GetParam());
-    EXPECT_EQ(message.keys(), (QStringList{u"error"_s, u"id"_s, u"jsonrpc"_s}));
-    EXPECT_TRUE(message[u"id"_s].isNull());
-    EXPECT_EQ(message[u"error"_s].toObject().keys(), (QStringList{u"code"_s, u"message"_s}));
-    EXPECT_EQ(message[u"error"_s][u"code"_s], -32603);
-    EXPECT_FALSE(message[u"error"_s][u"message"_s].toString().isEmpty());
+    const MCPReply message = *m_server.process(GetParam());
+    EXPECT_EQ(message.id, "null");
+    EXPECT_EQ(message.outcome.keys(), QStringList{u"error"_s});
+    EXPECT_EQ(message.outcome[u"error"_s].toObject().keys(), (QStringList{u"code"_s, u"message"_s}));
+    EXPECT_EQ(message.outcome[u"error"_s][u"code"_s], -32603);
+    EXPECT_FALSE(message.outcome[u"error"_s][u"message"_s].toString().isEmpty());
     EXPECT_THAT(m_handler.calls(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, MCPServerParseFailure,
-                         testing::Values("not json", " ", "7", "\"ping\"", "null",
-                                         "{\"id\":1,\"method\":\"ping\"", QByteArray(100'000, '['),
-                                         "{\"id\":\"\xff\",\"method\":\"ping\"}",
-                                         "{\"\xff\":1,\"method\":\"ping\"}",
-                                         QByteArray("{\"id\":\"\0\",\"method\":\"ping\"}", 26)));
+INSTANTIATE_TEST_SUITE_P(
+    All, MCPServerParseFailure,
+    testing::Values("{\"id\":1e400,\"method\":\"ping\"", "{\"id\":1e400 1,\"method\":\"ping\"}",
+                    "{\"id\":[1e400,\"method\":\"ping\"}", "{\"id\":01,\"method\":\"ping\"}",
+                    "{\"id\":1e,\"method\":\"ping\"}", "not json", " ", "7", "\"ping\"", "null",
+                    "{\"id\":1,\"method\":\"ping\"", QByteArray(100'000, '['),
+                    "{\"id\":\"\xff\",\"method\":\"ping\"}", "{\"\xff\":1,\"method\":\"ping\"}",
+                    QByteArray("{\"id\":\"\0\",\"method\":\"ping\"}", 26)));
 
 TEST_F(MCPServerTest, AnythingAHandlerThrowsIsAnswered) {
     m_handler.answer = [](const QString&, const QJsonObject&) -> QJsonObject {
@@ -185,12 +196,6 @@ TEST_F(MCPServerTest, AnythingAHandlerThrowsIsAnswered) {
     };
     EXPECT_EQ(reply(R"({"id":1,"method":"tools/call"})"),
               R"({"error":{"code":-32603,"message":"out of luck"},"id":null,"jsonrpc":"2.0"})");
-}
-
-TEST_F(MCPServerTest, AnErrorReplyWithAnUndefinedIdHasANullId) {
-    const QJsonObject message = MCPServer::jsonRpcError(QJsonValue::Undefined, -1, u"no"_s);
-    EXPECT_EQ(message_codec::serialise(message).toStdString(),
-              R"({"error":{"code":-1,"message":"no"},"id":null,"jsonrpc":"2.0"})");
 }
 
 // Each call waits for the other, so this ends only when the two are handled side by side.
