@@ -145,6 +145,11 @@ private:
 
 } // namespace
 
+void prepareProcess() {
+    posix::surviveBrokenPipes();
+    posix::nameHomeFolder();
+}
+
 std::unique_ptr<Platform> makePlatform() {
     const DesktopSession session = desktopSession(QProcessEnvironment::systemEnvironment());
     switch (desktopPorts(session)) {

@@ -95,6 +95,10 @@ protected:
     Platform& operator=(const Platform&) = default;
 };
 
+/// Makes the process one that survives its log's readers and knows its user's home folder. First of all in
+/// main.
+void prepareProcess();
+
 /// What suits the session that this process runs in (DesktopSession.h). Connects to nothing yet.
 std::unique_ptr<Platform> makePlatform();
 

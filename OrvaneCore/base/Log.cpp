@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <cstdio>
 
@@ -25,8 +26,14 @@ void logBareLine(QStringView line) {
 }
 
 void logQtMessages() {
-    qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& message) { logLine(message); });
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+        // Qt looks for a socket of Wayland's in the runtime folder, and complains where an agent's client has
+        // named none. Nothing of ours lies there.
+        if (message.startsWith(u"QStandardPaths: "))
+            return;
+        for (const QString& line : message.split(u'\n', Qt::SkipEmptyParts))
+            logLine(line);
+    });
 }
 
 } // namespace orvane

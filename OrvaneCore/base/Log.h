@@ -12,7 +12,8 @@ void logLine(QStringView message);
 /// The same without the prefix, for the lines whose whole text is fixed.
 void logBareLine(QStringView line);
 
-/// From now on what Qt has to say is logged by logLine as well.
+/// From now on what Qt has to say is logged by logLine as well, line by line, but for what it misses about
+/// the user's runtime folder.
 void logQtMessages();
 
 } // namespace orvane

@@ -1,5 +1,6 @@
 #include "OrvanePlatform/posix/DetachedApplication.h"
 
+#include "OrvanePlatform/posix/ThisProcess.h"
 #include "tests/support/Eventually.h"
 
 #include <QDir>
@@ -11,6 +12,7 @@
 
 #include <array>
 #include <atomic>
+#include <csignal>
 #include <thread>
 #include <vector>
 
@@ -124,6 +126,13 @@ TEST_F(DetachedApplicationTest, WritesNothingToOurStreams) {
 TEST_F(DetachedApplicationTest, IsNoChildOfOurs) {
     EXPECT_TRUE(start(application("ps -o ppid= -p $$ >told.part; mv told.part told")));
     EXPECT_NE(told().trimmed().toLongLong(), ::getpid());
+}
+
+TEST_F(DetachedApplicationTest, SignalsDoToItWhatTheyDoByDefault) {
+    surviveBrokenPipes();
+    EXPECT_TRUE(start(application("sh -c 'kill -s PIPE $$'; echo $? >told.part; mv told.part told")));
+    EXPECT_EQ(told().trimmed().toInt(), 128 + SIGPIPE);
+    std::signal(SIGPIPE, SIG_DFL);
 }
 
 TEST_F(DetachedApplicationTest, IsNotStartedWithoutADisplay) {
