@@ -10,7 +10,7 @@
 #include "OrvanePlatform/headless/NoWindows.h"
 #include "OrvanePlatform/media/LazyMedia.h"
 #include "OrvanePlatform/ocr/LazyTextRecognition.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "OrvanePlatform/posix/DetachedApplication.h"
 #include "OrvanePlatform/posix/EndNotifier.h"
 #include "OrvanePlatform/posix/GiveWay.h"
@@ -78,7 +78,7 @@ public:
 private:
     freedesktop::JsonSettingsStore m_settings{freedesktop::JsonSettingsStore::defaultPath()};
     freedesktop::KeyringSecretStore m_secrets{keyringService(), freedesktop::FileSecretStore::defaultPath()};
-    png::SpngWriter m_pngWriter;
+    png::IgzipWriter m_pngWriter;
     posix::PosixStreams m_streams;
     ocr::LazyTextRecognition m_textRecognition;
     media::LazyMedia m_media;

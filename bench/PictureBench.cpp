@@ -1,5 +1,5 @@
 #include "OrvaneCore/capture/ScreenCapture.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "bench/DesktopPicture.h"
 
 #include <benchmark/benchmark.h>
@@ -7,13 +7,13 @@
 namespace {
 
 using orvane::ScreenCapture;
-using orvane::png::SpngWriter;
+using orvane::png::IgzipWriter;
 
 constexpr QSize fourK(3840, 2160);
 constexpr int agentMaxDimension = 1024;
 
 void encode(benchmark::State& state, const QImage& picture) {
-    const SpngWriter writer;
+    const IgzipWriter writer;
     qsizetype fileBytes = 0;
     for ([[maybe_unused]] auto iteration : state) {
         const QByteArray png = writer.encode(picture);

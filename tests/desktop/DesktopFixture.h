@@ -3,7 +3,7 @@
 #include "OrvaneCore/capture/ScreenCapture.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "OrvanePlatform/x11/ScreenLayout.h"
 #include "OrvanePlatform/x11/WindowPlacement.h"
 #include "OrvanePlatform/x11/X11Displays.h"
@@ -81,7 +81,7 @@ protected:
     x11::X11Displays displays{session};
     x11::X11WindowServer windowServer{session, entries};
     x11::X11ScreenSource screenSource{session};
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     WindowDiscovery discovery{windowServer, displays};
     ScreenCapture capture{screenSource, displays, pngWriter};
 };

@@ -2,7 +2,7 @@
 
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/capture/RegionSize.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/BrokenPngWriter.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/KnownPicture.h"
@@ -35,7 +35,7 @@ protected:
     }
 
     FakeDesktop desktop;
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     ScreenCapture capture{desktop, desktop, pngWriter};
 };
 

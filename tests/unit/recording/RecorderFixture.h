@@ -2,7 +2,7 @@
 
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/recording/ScreenRecorder.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeMedia.h"
@@ -80,7 +80,7 @@ protected:
     StorageManager storage{settings, home.path(), [this] { return clock.now(); },
                            [this](std::chrono::milliseconds time) { clock.jump(time); }};
     FakeDesktop desktop;
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     FakeMedia media;
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{desktop, desktop, pngWriter};

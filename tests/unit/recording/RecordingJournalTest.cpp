@@ -1,6 +1,6 @@
 #include "OrvaneCore/recording/RecordingJournal.h"
 
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -47,7 +47,7 @@ protected:
     QTemporaryDir folder;
     QDateTime begin{{2026, 3, 4}, {5, 6, 7}, Qt::UTC};
     QImage frame{800, 600, QImage::Format_RGB32};
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     ChangeTracker tracker;
     /// More than any test asks for at once.
     WorkQueue work{100};

@@ -1,6 +1,6 @@
 #include "OrvaneCore/recording/RecordingLoop.h"
 
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeMedia.h"
 
@@ -35,7 +35,7 @@ protected:
     FakeClock clock;
     FakeMedia media;
     QImage frame{80, 60, QImage::Format_RGB32};
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     ChangeTracker tracker;
     WorkQueue work{2};
     std::shared_ptr<RecordingJournal> journal = std::make_shared<RecordingJournal>(

@@ -1,6 +1,6 @@
 #include "OrvaneCore/storage/ThumbnailCache.h"
 
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/BrokenPngWriter.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ protected:
     QString thumbnail() const { return folder.filePath(u"thumbnail.png"_s); }
 
     QTemporaryDir folder;
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     ThumbnailCache cache{pngWriter};
 };
 

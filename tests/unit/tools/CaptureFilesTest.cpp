@@ -1,7 +1,7 @@
 #include "OrvaneCore/tools/CaptureFiles.h"
 
 #include "OrvaneCore/capture/OrvaneError.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/BrokenPngWriter.h"
 #include "tests/support/InMemorySettings.h"
 #include "tests/support/KnownPicture.h"
@@ -29,7 +29,7 @@ protected:
     QTemporaryDir home;
     test::InMemorySettings settings;
     StorageManager storage{settings, home.path()};
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     CaptureFiles files{storage, pngWriter, [] { return QDateTime({2026, 3, 4}, {5, 6, 7, 890}); }};
 };
 

@@ -1,7 +1,7 @@
 #include "OrvaneCore/tools/SessionTools.h"
 
 #include "OrvaneCore/capture/OrvaneError.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeMedia.h"
@@ -85,7 +85,7 @@ protected:
     StorageManager storage{settings, home.path(), [this] { return clock.now(); },
                            [this](std::chrono::milliseconds time) { clock.jump(time); }};
     test::FakeDesktop desktop;
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     test::FakeMedia media;
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{desktop, desktop, pngWriter};

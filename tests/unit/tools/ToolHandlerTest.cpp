@@ -4,7 +4,7 @@
 #include "OrvaneCore/tools/CaptureTools.h"
 #include "OrvaneCore/tools/RegionLabels.h"
 #include "OrvaneCore/tools/SessionTools.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeMedia.h"
@@ -62,7 +62,7 @@ protected:
     test::InMemorySettings settings;
     StorageManager storage{settings, home.path()};
     FakeDesktop desktop;
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{desktop, desktop, pngWriter};
     QDateTime now{{2026, 3, 4}, {5, 6, 7}, Qt::UTC};

@@ -147,7 +147,7 @@ public:
 
 private:
     QSize m_refused;
-    png::SpngWriter m_writer;
+    png::IgzipWriter m_writer;
 };
 
 TEST_F(SubmitFailure, PicturesThatCannotBeEncodedHaveNoFile) {

@@ -2,7 +2,7 @@
 
 #include "OrvaneCore/capture/OrvaneError.h"
 #include "OrvaneCore/marking/submit/SubmitPipeline.h"
-#include "OrvanePlatform/png/SpngWriter.h"
+#include "OrvanePlatform/png/IgzipWriter.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeTextRecognition.h"
 #include "tests/support/InMemorySettings.h"
@@ -188,7 +188,7 @@ protected:
                            [this](std::chrono::milliseconds time) { sleep(time); }};
     FakeDesktop desktop;
     FakeScreens screens{desktop};
-    png::SpngWriter pngWriter;
+    png::IgzipWriter pngWriter;
     WindowDiscovery discovery{desktop, desktop};
     ScreenCapture screenCapture{screens, desktop, pngWriter};
     FakeTextRecognition recognition;
