@@ -1,5 +1,7 @@
 #include "OrvanePlatform/png/Deflater.h"
 
+#include "OrvanePlatform/png/UpperHalves.h"
+
 #include <isa-l/igzip_lib.h>
 
 namespace orvane::png {
@@ -38,6 +40,7 @@ bool Deflater::append(std::span<const uchar> input, bool isLast, QByteArray& out
         m_stream->next_out = reinterpret_cast<uint8_t*>(output.data()) + written;
         m_stream->avail_out = static_cast<uint32_t>(room);
         const int result = isal_deflate(m_stream.get());
+        clearUpperHalves();
         output.chop(m_stream->avail_out);
         if (result != COMP_OK)
             return false;

@@ -32,13 +32,15 @@ public:
     std::span<const uchar> read(RowRange range, RowFilter filter);
 
 private:
-    /// Writes the pixels of rows, each `stride` behind the one before it.
-    void copyPixels(RowRange range, uchar* to, qsizetype stride) const;
+    /// Rows of the picture in RGB32, or as the file has them.
+    QImage sourceOf(RowRange range) const;
+    void copyPixels(const QImage& source, int row, uchar* to) const;
 
     const QImage& m_image;
     bool m_hasAlpha;
     qsizetype m_pixelBytes;
-    std::vector<uchar> m_plain;
+    std::vector<uchar> m_row;
+    std::vector<uchar> m_above;
     std::vector<uchar> m_filtered;
 };
 

@@ -1,5 +1,7 @@
 #include "OrvanePlatform/png/PngFile.h"
 
+#include "OrvanePlatform/png/UpperHalves.h"
+
 #include <QtEndian>
 
 #include <utility>
@@ -42,8 +44,9 @@ void PngFile::endChunk(qsizetype start) {
     const qsizetype size = m_bytes.size() - start;
     auto* chunk = reinterpret_cast<uchar*>(m_bytes.data()) + start - typeBytes;
     qToBigEndian(static_cast<quint32>(size), chunk - numberBytes);
-    // Of its type and contents.
-    appendNumber(crc32_gzip_refl(0, chunk, static_cast<uint64_t>(typeBytes + size)));
+    const quint32 ofTypeAndContents = crc32_gzip_refl(0, chunk, static_cast<uint64_t>(typeBytes + size));
+    clearUpperHalves();
+    appendNumber(ofTypeAndContents);
 }
 
 void PngFile::dropChunk(qsizetype start) {
