@@ -62,9 +62,7 @@ AppDelegate::AppDelegate(Platform& platform)
                                .clearMarkers = [this] { m_markers.clearAll(); },
                                .quit = [this] { quit(); },
                                .storage = m_services.storage()}))
-    , m_retentionSweep(
-          [this](const std::stop_token& stop) { return m_services.storage().cleanupExpired(stop); },
-          [&platform] { platform.giveWay(); }) {}
+    , m_retentionSweep([this] { return m_services.storage().expiredCleanup(); }, &giveWay) {}
 
 AppDelegate::~AppDelegate() = default;
 

@@ -4,27 +4,42 @@
 
 #include <QString>
 
+#include <thread>
 #include <utility>
 
 namespace orvane {
 
 using namespace Qt::StringLiterals;
 
-RetentionSweep::RetentionSweep(Sweep sweep, std::function<void()> giveWay)
-    : m_sweep(std::move(sweep))
-    , m_giveWay(std::move(giveWay)) {}
+namespace {
 
-void RetentionSweep::begin() {
-    if (!m_isUnderWay.exchange(true))
-        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
+void run(const RetentionSweep::Sweep& sweep, const std::stop_token& stop) {
+    const int count = sweep(stop);
+    // A process that ends has nothing more to say.
+    if (count >= 1 && !stop.stop_requested())
+        logLine(u"cleaned up "_s + QString::number(count) + u" expired item(s)"_s);
 }
 
-void RetentionSweep::run(const std::stop_token& stop) {
-    m_giveWay();
-    const int count = m_sweep(stop);
-    if (count >= 1)
-        logLine(u"cleaned up "_s + QString::number(count) + u" expired item(s)"_s);
-    m_isUnderWay = false;
+} // namespace
+
+RetentionSweep::RetentionSweep(std::function<Sweep()> prepare, std::function<void()> giveWay)
+    : m_prepare(std::move(prepare))
+    , m_giveWay(std::move(giveWay)) {}
+
+RetentionSweep::~RetentionSweep() {
+    m_stop.request_stop();
+}
+
+void RetentionSweep::begin() {
+    if (m_isUnderWay->exchange(true))
+        return;
+    // Nothing of this object goes along.
+    std::thread([sweep = m_prepare(), giveWay = m_giveWay, stop = m_stop.get_token(),
+                 isUnderWay = m_isUnderWay] {
+        giveWay();
+        run(sweep, stop);
+        *isUnderWay = false;
+    }).detach();
 }
 
 } // namespace orvane

@@ -2,8 +2,8 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <stop_token>
-#include <thread>
 
 namespace orvane {
 
@@ -15,10 +15,13 @@ public:
     /// throw.
     using Sweep = std::function<int(const std::stop_token&)>;
 
-    /// Both are called on the thread: `giveWay` makes the calling thread one that gives way.
-    RetentionSweep(Sweep sweep, std::function<void()> giveWay);
-    /// Asks a sweep that is under way to stop, and waits until it has.
-    ~RetentionSweep() = default;
+    /// `prepare` is called when a sweep begins. What it gives and `giveWay`, which makes the calling thread
+    /// one that gives way, are called on the thread, and may be there still when all else of the process has
+    /// gone.
+    RetentionSweep(std::function<Sweep()> prepare, std::function<void()> giveWay);
+    /// Asks a sweep that is under way to stop, and does not wait for it: a thread that gives way may take
+    /// seconds to get so far.
+    ~RetentionSweep();
     RetentionSweep(const RetentionSweep&) = delete;
     RetentionSweep& operator=(const RetentionSweep&) = delete;
 
@@ -26,13 +29,10 @@ public:
     void begin();
 
 private:
-    void run(const std::stop_token& stop);
-
-    const Sweep m_sweep;
+    const std::function<Sweep()> m_prepare;
     const std::function<void()> m_giveWay;
-    std::atomic<bool> m_isUnderWay = false;
-    /// Last, so that it ends first.
-    std::jthread m_thread;
+    std::stop_source m_stop;
+    const std::shared_ptr<std::atomic<bool>> m_isUnderWay = std::make_shared<std::atomic<bool>>(false);
 };
 
 } // namespace orvane

@@ -72,7 +72,6 @@ public:
     std::unique_ptr<EndRequests> whenAskedToEnd(std::function<void()> handler) override {
         return std::make_unique<SignalRequests>(std::move(handler));
     }
-    void giveWay() const override { posix::giveWay(); }
     bool standardErrorIsTerminal() const override { return posix::standardErrorIsTerminal(); }
 
 private:
@@ -159,6 +158,10 @@ std::unique_ptr<Platform> makePlatform() {
         return std::make_unique<X11Platform>(session.hasWayland);
     }
     return std::make_unique<HeadlessPlatform>();
+}
+
+void giveWay() {
+    posix::giveWay();
 }
 
 } // namespace orvane

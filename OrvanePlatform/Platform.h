@@ -82,10 +82,6 @@ public:
     /// signal asks the process to end. Not together with `endInputOnSignals`.
     virtual std::unique_ptr<EndRequests> whenAskedToEnd(std::function<void()> handler) = 0;
 
-    /// Makes the calling thread give way to all others from now on, for the processor and for the disk. Where
-    /// that cannot be had, it goes on as before.
-    virtual void giveWay() const = 0;
-
     /// Whether what is logged is read on a terminal.
     virtual bool standardErrorIsTerminal() const = 0;
 
@@ -101,5 +97,9 @@ void prepareProcess();
 
 /// What suits the session that this process runs in (DesktopSession.h). Connects to nothing yet.
 std::unique_ptr<Platform> makePlatform();
+
+/// Makes the calling thread give way to all others from now on, for the processor and for the disk. Where
+/// that cannot be had, it goes on as before. Needs no Platform, since the thread may outlive it.
+void giveWay();
 
 } // namespace orvane

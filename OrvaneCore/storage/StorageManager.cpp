@@ -28,8 +28,11 @@ StorageManager::UsageStats StorageManager::usageStats() const {
     return measureUsage(capturesDir(), sessionsDir());
 }
 
-int StorageManager::cleanupExpired(const std::stop_token& stop) const {
-    return retention::removeExpired(capturesDir(), sessionsDir(), m_clock(), retentionDays(), stop);
+StorageManager::Cleanup StorageManager::expiredCleanup() const {
+    return [captures = capturesDir(), sessions = sessionsDir(), now = m_clock(),
+            days = retentionDays()](const std::stop_token& stop) {
+        return retention::removeExpired(captures, sessions, now, days, stop);
+    };
 }
 
 int StorageManager::cleanupAll() const {

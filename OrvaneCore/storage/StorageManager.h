@@ -6,6 +6,7 @@
 #include "OrvaneCore/storage/StorageUsage.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <stop_token>
 #include <thread>
@@ -56,7 +57,12 @@ public:
 
     /// Deletes every capture and every session last changed more than `retentionDays()` ago, as
     /// `retention::removeExpired` does, and gives the number of deletions tried.
-    int cleanupExpired(const std::stop_token& stop = {}) const;
+    int cleanupExpired() const { return expiredCleanup()({}); }
+
+    /// The same for a thread that nobody may wait for: what is expired, and where, is settled now, and the
+    /// call needs nothing of this object any more.
+    using Cleanup = std::function<int(const std::stop_token&)>;
+    Cleanup expiredCleanup() const;
 
     /// Deletes everything in `captures` and `sessions`, as `retention::removeAll` does, and gives the number
     /// of deletions tried.

@@ -7,15 +7,16 @@ namespace orvane::posix {
 
 namespace {
 
-// The most that a process may ask for, setpriority(2). What a thread reads and writes comes last with it,
-// too: the priority for the disk follows from it, ioprio_set(2).
-constexpr int highestNiceValue = 19;
+// Of a processor that is wanted by others too, a tenth is left, and for the disk it comes after them, since
+// that priority follows from this one, see ioprio_set(2). It is not the highest value: a thread that hardly
+// gets a turn can have the lock of a folder meanwhile, for which others then wait.
+constexpr int niceValue = 10;
 
 } // namespace
 
 void giveWay() {
     // On Linux each thread has a nice value of its own, see sched(7).
-    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), highestNiceValue);
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceValue);
 }
 
 } // namespace orvane::posix

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 #include <sys/resource.h>
@@ -21,7 +22,7 @@ TEST(GiveWayTest, TheCallingThreadGivesWayAndNoOther) {
         giveWay();
         after = niceValue();
     }).join();
-    EXPECT_EQ(after, 19);
+    EXPECT_EQ(after, std::max(before, 10));
     EXPECT_EQ(niceValue(), before);
 }
 
