@@ -1,5 +1,7 @@
 #include "OrvaneCore/base/Log.h"
 
+#include "OrvaneCore/base/PlainText.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -18,11 +20,11 @@ void writeLine(const QByteArray& line) {
 } // namespace
 
 void logLine(QStringView message) {
-    writeLine("orvane: " + message.toUtf8() + '\n');
+    writeLine("orvane: " + onOneLine(message).toUtf8() + '\n');
 }
 
 void logBareLine(QStringView line) {
-    writeLine(line.toUtf8() + '\n');
+    writeLine(onOneLine(line).toUtf8() + '\n');
 }
 
 void logQtMessages() {

@@ -4,7 +4,8 @@
 
 namespace orvane {
 
-/// Writes "orvane: ", the message and a line feed to standard error, in one write.
+/// Writes "orvane: ", the message and a line feed to standard error, in one write. A space stands for each
+/// control character of the message, so that it is one line and nothing that a terminal obeys.
 /// Standard output belongs to the tool server's replies, so nothing else may be used for logging.
 /// Any thread.
 void logLine(QStringView message);

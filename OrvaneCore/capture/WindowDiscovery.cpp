@@ -1,6 +1,7 @@
 #include "OrvaneCore/capture/WindowDiscovery.h"
 
 #include "OrvaneCore/base/Log.h"
+#include "OrvaneCore/base/PlainText.h"
 #include "OrvaneCore/capture/Timeout.h"
 #include "OrvaneCore/platform/PlatformError.h"
 
@@ -43,6 +44,26 @@ WindowInfo makeInfo(const QString& appName, const QString& title, qint32 pid, qi
             .height = static_cast<qint64>(bounds.height()),
             .displayId = display.displayId,
             .displayBounds = display.displayBounds};
+}
+
+/// A name or title without its control characters; nothing where nothing is left of it.
+std::optional<QString> plain(const std::optional<QString>& text) {
+    const QString kept = withoutControls(text.value_or(QString()));
+    return kept.isEmpty() ? std::nullopt : std::optional(kept);
+}
+
+/// Every program names its windows as it likes, and the names go on to agents, files and terminals.
+WindowSnapshot withPlainNames(WindowSnapshot desktop) {
+    for (RunningApplication& application : desktop.applications) {
+        application.localizedName = plain(application.localizedName);
+        for (ApplicationWindow& window : application.windows)
+            window.title = withoutControls(window.title);
+    }
+    for (WindowEntry& row : desktop.onScreen) {
+        row.ownerName = plain(row.ownerName);
+        row.title = plain(row.title);
+    }
+    return desktop;
 }
 
 /// Asks the desktop; where it does not answer, logs why and gives an empty answer.
@@ -141,7 +162,7 @@ std::optional<QString> WindowDiscovery::unavailableReason() {
 WindowSnapshot WindowDiscovery::snapshot() {
     return askDesktop([this] {
         return withThrowingTimeout(m_watchdog, listingLimitSeconds, [this](std::stop_token stop) {
-            return m_windowServer.snapshot(std::move(stop));
+            return withPlainNames(m_windowServer.snapshot(std::move(stop)));
         });
     });
 }

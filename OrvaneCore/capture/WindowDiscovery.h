@@ -29,9 +29,10 @@ struct ActivateResult {
     QString message;
 };
 
-/// Which windows exist, where they are, and raising them. All geometry in global points.
-/// Any thread; no state of its own. Nothing here throws: a desktop that cannot be asked (or does not answer
-/// for five seconds) has no windows, and one line in the log says why.
+/// Which windows exist, where they are, and raising them. All geometry in global points. Names and titles
+/// have no control characters (PlainText.h). Any thread; no state of its own. Nothing here throws: a desktop
+/// that cannot be asked (or does not answer for five seconds) has no windows, and one line in the log says
+/// why.
 class WindowDiscovery {
 public:
     WindowDiscovery(WindowServer& windowServer, Displays& displays)

@@ -1,5 +1,6 @@
 #include "OrvanePlatform/freedesktop/DesktopEntries.h"
 
+#include "OrvaneCore/base/PlainText.h"
 #include "OrvanePlatform/freedesktop/DesktopEntryKeys.h"
 
 #include <QDateTime>
@@ -39,12 +40,12 @@ std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArra
     DesktopEntry entry{
         .id = id, .name = {}, .startupWMClass = values.value(QStringLiteral("StartupWMClass"))};
     for (const QString& form : localeForms(locale)) {
-        entry.name = values.value(QStringLiteral("Name[%1]").arg(form));
+        entry.name = withoutControls(values.value(QStringLiteral("Name[%1]").arg(form)));
         if (!entry.name.isEmpty())
             break;
     }
     if (entry.name.isEmpty())
-        entry.name = values.value(QStringLiteral("Name"));
+        entry.name = withoutControls(values.value(QStringLiteral("Name")));
     const bool application = values.value(QStringLiteral("Type")) == u"Application";
     const bool deleted = values.value(QStringLiteral("Hidden")) == u"true";
     if (!application || deleted || entry.name.isEmpty())

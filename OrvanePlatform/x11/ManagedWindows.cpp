@@ -113,8 +113,8 @@ ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, c
     window.title = netTitle.isEmpty() ? oldTitle : netTitle;
 
     const QList<QByteArray> classParts = requests.wmClass.bytes().split('\0');
-    window.instanceName = QString::fromLatin1(classParts.value(0));
-    window.className = QString::fromLatin1(classParts.value(1));
+    window.instanceName = utf8OrLatin1(classParts.value(0));
+    window.className = utf8OrLatin1(classParts.value(1));
 
     const std::vector<uint32_t> types = requests.windowType.numbers();
     const WindowState state = readState(requests.state);

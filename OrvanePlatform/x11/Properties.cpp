@@ -1,5 +1,7 @@
 #include "OrvanePlatform/x11/Properties.h"
 
+#include <QStringDecoder>
+
 namespace orvane::x11 {
 
 namespace {
@@ -14,6 +16,12 @@ QByteArray bytesOf(const xcb_get_property_reply_t* reply) {
 }
 
 } // namespace
+
+QString utf8OrLatin1(const QByteArray& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    return decoder.hasError() ? QString::fromLatin1(bytes) : text;
+}
 
 PendingProperty requestProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property) {
     return {connection,
@@ -37,7 +45,7 @@ QString PendingProperty::text() const {
     const auto reply = m_connection->reply<xcb_get_property_reply>(m_cookie);
     const QByteArray bytes = bytesOf(reply.get());
     const bool utf8 = reply && reply->type == m_connection->atoms().utf8String;
-    return utf8 ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes);
+    return utf8 ? QString::fromUtf8(bytes) : utf8OrLatin1(bytes);
 }
 
 QString PendingProperty::latin1() const {

@@ -20,7 +20,7 @@ public:
     /// 32-bit items (CARDINAL, ATOM, WINDOW, PIXMAP).
     std::vector<uint32_t> numbers() const;
     std::optional<uint32_t> number() const;
-    /// UTF-8 where the property says so, else Latin-1.
+    /// UTF-8 where the property says so, else as `utf8OrLatin1` reads it.
     QString text() const;
     QString latin1() const;
     /// The raw bytes of an 8-bit property.
@@ -30,6 +30,10 @@ private:
     const X11Connection* m_connection;
     xcb_get_property_cookie_t m_cookie;
 };
+
+/// A text of the type STRING, which is Latin-1 by ICCCM 2.0 and yet UTF-8 from many programs: UTF-8 where it
+/// can be that, else Latin-1.
+QString utf8OrLatin1(const QByteArray& bytes);
 
 PendingProperty requestProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property);
 

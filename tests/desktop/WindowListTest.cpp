@@ -43,6 +43,19 @@ TEST_F(WindowList, KnowsTheProcessOfAWindowThatDoesNotTell) {
     EXPECT_EQ(listed(window)->pid, window.pid());
 }
 
+TEST_F(WindowList, ReadsAClassInUtf8) {
+    const TestWindow window({u"--class"_s, u"Größe 日本"_s});
+    EXPECT_EQ(listed(window)->appName, u"Größe 日本");
+    EXPECT_TRUE(discovery.activate(u"日本"_s).success);
+}
+
+TEST_F(WindowList, TakesNoControlCharactersFromAWindow) {
+    const TestWindow window(
+        {u"--class"_s, u"\u001b[201~\nev\u202eil\u0085"_s, u"--title"_s, u"one\u2028two\u0007"_s});
+    EXPECT_EQ(listed(window)->appName, u"[201~evil");
+    EXPECT_EQ(listed(window)->windowTitle, u"onetwo");
+}
+
 TEST_F(WindowList, NamesApplicationsAfterTheirDesktopEntries) {
     const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/applications"_s;
     ASSERT_TRUE(QDir().mkpath(folder));

@@ -186,7 +186,7 @@ private:
 
     void setProperties() const {
         setText("_NET_WM_NAME", "UTF8_STRING", m_options.title);
-        const QByteArray name = m_options.windowClass.toLatin1();
+        const QByteArray name = m_options.windowClass.toUtf8();
         const QByteArray windowClass = name.toLower() + '\0' + name + '\0';
         xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,
                             8, static_cast<uint32_t>(windowClass.size()), windowClass.constData());

@@ -95,6 +95,32 @@ TEST_F(WindowDiscoveryTest, ListsWindowsInTheOrderOfApplications) {
     EXPECT_EQ(desktop.snapshots, 1);
 }
 
+TEST_F(WindowDiscoveryTest, NamesAndTitlesHaveNoControlCharacters) {
+    const QString evil = QStringLiteral("\u001b[201~\nEv\u202eil\u0085\u2029");
+    desktop.addApplication(1, evil, 10, {0, 0, 300, 200});
+    desktop.windows.applications[0].windows[0].title = evil;
+    desktop.windows.onScreen = {row(10, 1, {0, 0, 300, 200})};
+    desktop.windows.onScreen[0].ownerName = evil;
+    desktop.windows.onScreen[0].title = evil;
+    for (const auto& windows : {discovery.listWindows(), discovery.listWindowsByZOrder()}) {
+        ASSERT_EQ(windows.size(), 1U);
+        EXPECT_EQ(windows[0].appName, u"[201~Evil");
+        EXPECT_EQ(windows[0].windowTitle, u"[201~Evil");
+    }
+    EXPECT_EQ(discovery.activate(QStringLiteral("evil")).message,
+              u"Activated [201~Evil (1 window(s) raised)");
+    EXPECT_EQ(discovery.activate(QStringLiteral("none")).message,
+              u"App 'none' not found. Available: [201~Evil");
+}
+
+TEST_F(WindowDiscoveryTest, ANameOfControlCharactersIsNone) {
+    desktop.addApplication(1, QStringLiteral("\n\u202e"), 10, {0, 0, 300, 200});
+    desktop.windows.onScreen = {row(10, 1, {0, 0, 300, 200})};
+    desktop.windows.onScreen[0].ownerName = QStringLiteral("\u001b");
+    EXPECT_TRUE(discovery.listWindows().empty());
+    EXPECT_EQ(discovery.listWindowsByZOrder().front().appName, u"Unknown");
+}
+
 TEST_F(WindowDiscoveryTest, LeavesOutWhatIsNoRealWindow) {
     desktop.addApplication(1, QStringLiteral("App"), 10, {0, 0, 300, 200});
     auto& windows = desktop.windows.applications[0].windows;

@@ -82,6 +82,19 @@ TEST(DesktopEntries, MatchesClassThenId) {
     EXPECT_EQ(name("", ""), std::nullopt);
 }
 
+TEST(DesktopEntries, NamesHaveNoControlCharacters) {
+    const auto entry = parseDesktopEntry(QStringLiteral("x"),
+                                         "[Desktop Entry]\nType=Application\nName=Two\\nlines\n"
+                                         "Name[de]=\x1b[31mRot\xe2\x80\xae\n",
+                                         QStringLiteral("C"));
+    EXPECT_EQ(entry->name, u"Twolines");
+    const auto german = parseDesktopEntry(QStringLiteral("x"),
+                                          "[Desktop Entry]\nType=Application\nName=Red\n"
+                                          "Name[de]=\x1b[31mRot\xe2\x80\xae\n",
+                                          QStringLiteral("de_DE.UTF-8"));
+    EXPECT_EQ(german->name, u"[31mRot");
+}
+
 TEST(DesktopEntries, PrefersTheEarlierFolder) {
     QTemporaryDir user;
     QTemporaryDir system;
