@@ -67,7 +67,9 @@ public:
     virtual std::optional<QRectF> bounds(qint64 windowId) = 0;
 
     /// Brings the application forward and raises the given windows of it, which keep their order among each
-    /// other. Returns when that has happened or half a second later. A window that is gone is passed over.
+    /// other. The first of them becomes the active one, from another virtual desktop, which is shown then, or
+    /// minimised; the others stay where they are. Returns when that has happened or half a second later. A
+    /// window that is gone is passed over.
     virtual void activate(const RunningApplication& application, const std::vector<qint64>& handles) = 0;
 
     /// Why no window can be listed at all, as a sentence that says what to do; nothing when windows can be

@@ -1,5 +1,6 @@
 #include "OrvanePlatform/x11/ManagedWindows.h"
 
+#include "OrvanePlatform/x11/ActiveWindow.h"
 #include "OrvanePlatform/x11/Properties.h"
 
 #include <QList>
@@ -12,7 +13,6 @@ namespace orvane::x11 {
 
 namespace {
 
-constexpr uint32_t allDesktops = 0xffffffffU;
 // WM_STATE values of ICCCM 2.0, section 4.1.3.1.
 constexpr uint32_t iconicState = 3;
 

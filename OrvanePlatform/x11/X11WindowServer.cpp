@@ -99,21 +99,28 @@ void X11WindowServer::activate(const RunningApplication& application, const std:
     if (handles.empty())
         return;
     const auto connection = m_session.connection();
+    const auto front = static_cast<xcb_window_t>(handles.front());
+    const xcb_window_t activeBefore = activeWindow(*connection);
+    requestDesktopOf(*connection, front);
     // The rear-most first, so that the front one ends in front.
     std::for_each(handles.rbegin(), handles.rend(), [&connection](qint64 handle) {
         const uint32_t above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(connection->raw(), static_cast<xcb_window_t>(handle),
                              XCB_CONFIG_WINDOW_STACK_MODE, &above);
     });
-    requestActivation(*connection, static_cast<xcb_window_t>(handles.front()));
+    requestActivation(*connection, front);
     connection->sync();
 
-    const auto isOurs = [&application](xcb_window_t window) {
-        return std::any_of(application.windows.begin(), application.windows.end(),
-                           [window](const ApplicationWindow& own) { return own.handle == window; });
+    // A window manager may choose another window of the application, such as a dialog of the wanted one. One
+    // that was active before says nothing.
+    const auto isDone = [&application, front, activeBefore](xcb_window_t active) {
+        return active == front ||
+               (active != activeBefore &&
+                std::any_of(application.windows.begin(), application.windows.end(),
+                            [active](const ApplicationWindow& own) { return own.handle == active; }));
     };
     const auto limit = std::chrono::steady_clock::now() + activationLimit;
-    while (!isOurs(activeWindow(*connection)) && std::chrono::steady_clock::now() < limit)
+    while (!isDone(activeWindow(*connection)) && std::chrono::steady_clock::now() < limit)
         std::this_thread::sleep_for(activationPoll);
 }
 
