@@ -4,6 +4,7 @@
 #include "OrvanePlatform/x11/ManagedWindows.h"
 #include "OrvanePlatform/x11/TopLevelPixels.h"
 #include "OrvanePlatform/x11/X11Displays.h"
+#include "OrvanePlatform/x11/XWayland.h"
 
 #include <QPainter>
 
@@ -137,6 +138,7 @@ QImage X11ScreenSource::captureDisplay(const Display& display, bool showsCursor)
 
 QImage X11ScreenSource::captureArea(const QRect& area, bool showsCursor) {
     const auto own = tools();
+    requireOwnScreen(*own->connection);
     QImage picture = readScreen(*own->connection, own->reader, area);
     if (showsCursor)
         paintCursor(picture, *own->connection, area);
@@ -145,6 +147,7 @@ QImage X11ScreenSource::captureArea(const QRect& area, bool showsCursor) {
 
 QImage X11ScreenSource::captureWithoutOwnWindows(const Display& display) {
     const auto own = tools();
+    requireOwnScreen(*own->connection);
     const QRect area = ScreenLayout::pixelBounds(display);
     if (auto picture = composeWithoutOwnWindows(*own->connection, own->reader, own->redirection, area))
         return *picture;

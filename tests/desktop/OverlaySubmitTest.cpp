@@ -155,6 +155,19 @@ TEST_F(Submission, BlursAllButTheRegionsUnderSpotlight) {
     EXPECT_TRUE(isColor(display, QPoint(100, 600), white));
 }
 
+TEST_F(Submission, SaysWhyNothingCouldBeCaptured) {
+    const auto connection = DesktopFixture::session.connection();
+    show();
+    mark({200, 200}, {400, 300});
+    // By this name an X server knows that a Wayland compositor has the screen.
+    connection->reply<xcb_intern_atom_reply>(xcb_intern_atom(connection->raw(), 0, 13, "WL_SURFACE_ID"));
+    press(u"Return"_s);
+    ASSERT_TRUE(isSubmitted());
+    EXPECT_EQ(toasts.front().title, u"Nothing was captured");
+    EXPECT_TRUE(toasts.front().subtitle.contains(u"Wayland"_s));
+    EXPECT_EQ(sessionFiles(), QStringList{u"SESSION.md"_s});
+}
+
 TEST_F(Submission, DoesNothingWithoutARegion) {
     show();
     press(u"Return"_s);

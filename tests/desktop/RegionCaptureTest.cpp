@@ -1,6 +1,7 @@
 // Pictures of parts of the screen and of whole displays.
 #include "tests/desktop/DesktopFixture.h"
 
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -28,6 +29,38 @@ protected:
 };
 
 } // namespace
+
+// The X server of a Wayland session, which has no picture of what the human sees.
+TEST_F(RegionCapture, IsRefusedWhereTheScreenIsNotTheXServers) {
+    const auto refusal = [](const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const PlatformError& error) {
+            return error.message();
+        }
+        return QString();
+    };
+    for (const QByteArray& message : {QByteArray("WL_SURFACE_ID"), QByteArray("WL_SURFACE_SERIAL")}) {
+        const VirtualDesktop other({u"--size"_s, u"640x480"_s});
+        x11::X11Session wayland;
+        x11::X11Displays otherDisplays(wayland);
+        x11::X11ScreenSource source(wayland);
+        ScreenCapture otherCapture(source, otherDisplays, pngWriter);
+        const TestWindow otherWindow({u"--undecorated"_s});
+        const quint32 id = otherDisplays.list().front().id;
+        ASSERT_EQ(otherCapture.captureRegion(0, 0, 20, 10, false).size(), QSize(20, 10));
+        const auto raw = wayland.connection()->raw();
+        wayland.connection()->reply<xcb_intern_atom_reply>(
+            xcb_intern_atom(raw, 0, static_cast<uint16_t>(message.size()), message.constData()));
+        const QString text =
+            u"A Wayland session shows X11 programs nothing but X11 windows. Log in to an X11 "
+            "session to capture the screen."_s;
+        EXPECT_EQ(refusal([&] { otherCapture.captureRegion(0, 0, 20, 10, false); }), text);
+        EXPECT_EQ(refusal([&] { otherCapture.captureDisplay(id, true); }), text);
+        EXPECT_EQ(refusal([&] { otherCapture.captureDisplayExcludingOwnApp(id); }), text);
+        EXPECT_EQ(otherCapture.captureWindow(otherWindow.id(), false).image, knownPicture(300, 200, false));
+    }
+}
 
 TEST_F(RegionCapture, HoldsEveryPixel) {
     const TestWindow window({u"--undecorated"_s});

@@ -186,9 +186,13 @@ void OverlayController::submitted(const std::optional<SubmitResult>& result, con
     // The human may be at the next marks already.
     if (!manager.isOverlayActive())
         manager.clearAll();
-    m_services.showToast(submitToast(
-        count, request.modes, request.sendTarget ? std::optional(request.sendTarget->name) : std::nullopt,
-        result->sendOutcome, result->copiedOcrText, m_services.words));
+    if (result->captures.empty() && result->captureError) {
+        m_services.showToast(captureFailedToast(*result->captureError));
+    } else {
+        m_services.showToast(submitToast(
+            count, request.modes, request.sendTarget ? std::optional(request.sendTarget->name) : std::nullopt,
+            result->sendOutcome, result->copiedOcrText, m_services.words));
+    }
     m_services.tasks.run([this, result = *result]() -> TaskRunner::Continuation {
         m_services.pipeline.generateThumbnail(result);
         return {};

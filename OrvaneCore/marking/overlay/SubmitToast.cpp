@@ -55,4 +55,9 @@ SubmitToast submitToast(int markerCount, const MarkupModes& modes, const std::op
             .icon = u"text.viewfinder"_s};
 }
 
+SubmitToast captureFailedToast(const QString& error) {
+    return {
+        .title = u"Nothing was captured"_s, .subtitle = error, .icon = u"exclamationmark.triangle.fill"_s};
+}
+
 } // namespace orvane

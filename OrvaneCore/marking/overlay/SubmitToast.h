@@ -26,4 +26,7 @@ SubmitToast submitToast(int markerCount, const MarkupModes& modes, const std::op
                         const std::optional<SendOutcome>& outcome,
                         const std::optional<QString>& copiedOcrText, const PlatformWords& words);
 
+/// What the user is told when no display could be captured, and why.
+SubmitToast captureFailedToast(const QString& error);
+
 } // namespace orvane

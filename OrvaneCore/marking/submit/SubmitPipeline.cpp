@@ -162,7 +162,7 @@ std::vector<Display> SubmitPipeline::listDisplays() const {
 
 /// One after the other, and all before any of them is worked on, so that the screen is free again soon.
 std::vector<SubmitPipeline::MarkedDisplay> SubmitPipeline::capture(const std::vector<Display>& displays,
-                                                                   const SubmitResult& result) const {
+                                                                   SubmitResult& result) const {
     std::vector<MarkedDisplay> marked;
     marked.reserve(displays.size());
     for (const Display& display : displays) {
@@ -172,7 +172,8 @@ std::vector<SubmitPipeline::MarkedDisplay> SubmitPipeline::capture(const std::ve
         try {
             marked.back().picture = m_services.screenCapture.captureDisplay(display.id, false);
         } catch (const std::exception& error) {
-            logLine(u"display capture error: "_s + QString::fromUtf8(error.what()));
+            result.captureError = QString::fromUtf8(error.what());
+            logLine(u"display capture error: "_s + *result.captureError);
         }
     }
     return marked;

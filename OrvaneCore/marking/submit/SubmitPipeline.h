@@ -57,8 +57,7 @@ private:
     struct MarkedDisplay;
 
     std::vector<Display> listDisplays() const;
-    std::vector<MarkedDisplay> capture(const std::vector<Display>& displays,
-                                       const SubmitResult& result) const;
+    std::vector<MarkedDisplay> capture(const std::vector<Display>& displays, SubmitResult& result) const;
     void addCapture(SubmitResult& result, const MarkedDisplay& marked, std::size_t displayCount,
                     const MarkupModes& modes, const QString& folder) const;
     void saveOcrText(SubmitResult& result, const MarkupModes& modes, const QString& folder) const;

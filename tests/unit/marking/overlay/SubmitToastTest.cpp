@@ -104,6 +104,12 @@ TEST(SubmitToast, RegionsAreCountedWhenTextIsNotRecognised) {
     EXPECT_EQ(toast(1, {}, std::nullopt, std::nullopt, std::nullopt).title, u"1 region(s) captured"_s);
 }
 
+TEST(SubmitToast, ACaptureThatFailedSaysWhy) {
+    EXPECT_EQ(captureFailedToast(u"The screen is locked."_s),
+              (SubmitToast{u"Nothing was captured"_s, u"The screen is locked."_s,
+                           u"exclamationmark.triangle.fill"_s}));
+}
+
 TEST(SubmitToast, RecognitionThatFoundNothingSaysSo) {
     EXPECT_EQ(toast(3, {.ocr = true}, std::nullopt, std::nullopt, std::nullopt),
               (SubmitToast{u"No text found"_s, u"Copied screenshot instead"_s, u"text.viewfinder"_s}));

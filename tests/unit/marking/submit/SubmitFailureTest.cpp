@@ -63,6 +63,7 @@ TEST_F(SubmitFailure, WithoutAnyCaptureTheManifestAloneIsWritten) {
         const auto result = submit(request({marker(1, {10, 10, 20, 20})}));
         ASSERT_TRUE(result);
         EXPECT_TRUE(result->captures.empty());
+        EXPECT_EQ(result->captureError, message);
         EXPECT_EQ(log, u"orvane: display capture error: "_s + message + u'\n' + lastLines() +
                            u"(0 capture(s), 1 region(s))\n"_s);
         EXPECT_THAT(files(), ElementsAre(u"SESSION.md"_s));
