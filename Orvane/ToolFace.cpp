@@ -32,7 +32,7 @@ bool mayStartApplication() {
 /// Passes messages on to the application, where there is one or one can be started.
 MCPLauncher::Outcome serveThroughApplication(Platform& platform, LineReader& lines) {
     const MCPEndpoint endpoint(QDir::homePath(), platform.secretStore());
-    MCPHTTPClient client;
+    MCPHTTPClient client(platform.peerOwner());
     SystemClock clock;
     NeverStarts neverStarts;
     ApplicationStarter& starter = mayStartApplication() ? platform.applicationStarter() : neverStarts;

@@ -11,6 +11,7 @@
 #include "OrvanePlatform/media/LazyMedia.h"
 #include "OrvanePlatform/ocr/LazyTextRecognition.h"
 #include "OrvanePlatform/png/IgzipWriter.h"
+#include "OrvanePlatform/posix/ConnectionPeer.h"
 #include "OrvanePlatform/posix/DetachedApplication.h"
 #include "OrvanePlatform/posix/EndNotifier.h"
 #include "OrvanePlatform/posix/GiveWay.h"
@@ -61,6 +62,7 @@ public:
     MediaBackend& media() override { return m_media; }
     SecretStore& secretStore() override { return m_secrets; }
     ApplicationStarter& applicationStarter() override { return m_applicationStarter; }
+    PeerOwner& peerOwner() override { return m_peerOwner; }
     AutostartEntry& autostartEntry() override { return m_autostart; }
     Clipboard& clipboard() override { return m_clipboard; }
     const PlatformWords& words() const override { return m_words; }
@@ -83,6 +85,7 @@ private:
     media::LazyMedia m_media;
     posix::DetachedApplication m_applicationStarter{posix::executablePath(), QDir::homePath(),
                                                     [this] { return !displayTrouble(); }};
+    posix::ConnectionPeer m_peerOwner;
     freedesktop::AutostartFile m_autostart{posix::executablePath()};
     qt::SystemClipboard m_clipboard;
     PlatformWords m_words = freedesktop::desktopWords();

@@ -9,6 +9,7 @@
 #include "OrvaneCore/platform/GlobalHotkeys.h"
 #include "OrvaneCore/platform/InstanceLock.h"
 #include "OrvaneCore/platform/MediaBackend.h"
+#include "OrvaneCore/platform/PeerOwner.h"
 #include "OrvaneCore/platform/PlatformWords.h"
 #include "OrvaneCore/platform/PngWriter.h"
 #include "OrvaneCore/platform/ScreenSource.h"
@@ -55,6 +56,7 @@ public:
     virtual MediaBackend& media() = 0;
     virtual SecretStore& secretStore() = 0;
     virtual ApplicationStarter& applicationStarter() = 0;
+    virtual PeerOwner& peerOwner() = 0;
     virtual AutostartEntry& autostartEntry() = 0;
     virtual DesktopShell& desktopShell() = 0;
     virtual DesktopKeyboard& desktopKeyboard() = 0;

@@ -3,6 +3,7 @@
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
+import { createServer } from "node:http";
 import { mkdirSync, rmSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { after, afterEach, before, describe, it } from "node:test";
@@ -10,6 +11,7 @@ import { Application, applications, endApplication, endpoint, endpointFile, live
 import { startDesktop, until } from "./lib/desktop.mjs";
 import { RawProcess, connect, call, withProcess } from "./lib/orvane.mjs";
 import { withWindow } from "./lib/recording.mjs";
+import { Stranger } from "./lib/stranger.mjs";
 
 const STARTING = "orvane: starting MCP (smart launcher)\n";
 const LAUNCHING = "orvane: launching app for shared-state MCP…\n";
@@ -103,6 +105,69 @@ describe("a tool server beside the running application", () => {
             assert.deepEqual(ids, [...new Set(ids)].sort((a, b) => a - b));
         });
         await application.closed;
+    });
+});
+
+/// Makes an address with a token the one that clients find.
+function writeEndpoint(port) {
+    mkdirSync(join(desktop.home, ".orvane"), { recursive: true });
+    writeFileSync(endpointFile(desktop.home), JSON.stringify({
+        pid: process.pid, port, startedAt: "", token: "secret", url: `http://127.0.0.1:${port}/mcp`, version: "0.1.0" }));
+}
+
+describe("another user at the address that an application left behind", () => {
+    it("is no host for a tool server that serves alone then", async () => {
+        const stranger = await Stranger.listen();
+        writeEndpoint(stranger.port);
+        await withProcess(desktop.env, async (server) => {
+            await server.assertAlive();
+            await server.assertSaid(STARTING + LAUNCHING + ALONE);
+        });
+        await until("it was connected to", () => stranger.connections > 0);
+        await stranger.stop();
+    });
+
+    it("is none for one that starts the application, which has another address then", async () => {
+        const stranger = await Stranger.listen(47600);
+        writeEndpoint(stranger.port);
+        await withProcess(desktop.applicationEnv, async (server) => {
+            await server.assertAlive();
+            const { url, port } = endpoint(desktop.home);
+            assert.notEqual(port, stranger.port);
+            await server.assertSaid(STARTING + LAUNCHING + proxying(url));
+        });
+        await stranger.stop();
+    });
+
+    it("gets nothing of a pipe whose application was killed", async () => {
+        const application = await Application.start(desktop);
+        const { port, url } = application.endpoint;
+        await withProcess(desktop.env, async (server) => {
+            await server.assertAlive();
+            await application.stop("SIGKILL");
+            const stranger = await Stranger.listen(port);
+            server.send({ jsonrpc: "2.0", id: "lost", method: "ping" });
+            await server.assertAlive();
+            await server.assertSaid(STARTING + proxying(url) + LOST);
+            await until("it was connected to", () => stranger.connections > 0);
+            await stranger.stop();
+        });
+    });
+
+    it("is not to be told from any other program of our own by anything but the user", async () => {
+        const heard = [];
+        const host = createServer((request, response) => {
+            heard.push([request.method, request.url, request.headers.authorization]);
+            request.resume().on("end", () => response.end('{"id":"still there","jsonrpc":"2.0","result":{}}'));
+        }).listen(0, "127.0.0.1");
+        await once(host, "listening");
+        writeEndpoint(host.address().port);
+        await withProcess(desktop.env, async (server) => {
+            await server.assertAlive();
+            await server.assertSaid(STARTING + proxying(`http://127.0.0.1:${host.address().port}/mcp`));
+        });
+        assert.deepEqual(heard, [["GET", "/health", undefined], ["POST", "/mcp", "Bearer secret"]]);
+        host.close();
     });
 });
 

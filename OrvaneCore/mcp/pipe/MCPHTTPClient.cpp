@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/mcp/MCPEndpointInfo.h"
 #include "OrvaneCore/mcp/pipe/MCPHTTPReply.h"
+#include "OrvaneCore/platform/PeerOwner.h"
 
 #include <QDeadlineTimer>
 #include <QNetworkProxy>
@@ -23,8 +24,9 @@ constexpr int acceptedStatus = 202;
 /// One request and its reply.
 class Exchange {
 public:
-    explicit Exchange(std::chrono::milliseconds timeout)
-        : m_deadline(timeout) {
+    Exchange(PeerOwner& peerOwner, std::chrono::milliseconds timeout)
+        : m_peerOwner(peerOwner)
+        , m_deadline(timeout) {
         m_socket.setProxy(QNetworkProxy::NoProxy);
     }
 
@@ -32,7 +34,8 @@ public:
     /// True when a reply's head has come.
     bool begin(const QUrl& url, const QByteArray& head, QByteArrayView body) {
         m_socket.connectToHost(url.host(QUrl::FullyEncoded), static_cast<quint16>(url.port(httpPort)));
-        if (!m_socket.waitForConnected(remaining()))
+        // Asked when the connection stands: who listened there before may be gone by then.
+        if (!m_socket.waitForConnected(remaining()) || !m_peerOwner.isOurs(m_socket.socketDescriptor()))
             return false;
         m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         m_socket.write(head + "Host: " + url.authority(QUrl::FullyEncoded | QUrl::RemoveUserInfo).toLatin1() +
@@ -69,6 +72,7 @@ private:
         return m_reply.state() != MCPHTTPReply::State::malformed;
     }
 
+    PeerOwner& m_peerOwner;
     QDeadlineTimer m_deadline;
     QTcpSocket m_socket;
     MCPHTTPReply m_reply;
@@ -100,7 +104,7 @@ bool MCPHTTPClient::isHealthy(const MCPEndpointInfo& info, std::chrono::millisec
     if (!url)
         return false;
     url->setPath(u"/health"_s);
-    Exchange exchange(timeout);
+    Exchange exchange(m_peerOwner, timeout);
     return exchange.begin(*url, "GET " + targetOf(*url) + " HTTP/1.1\r\n", {}) &&
            exchange.reply().status() / 100 == 2;
 }
@@ -111,7 +115,7 @@ std::optional<QByteArray> MCPHTTPClient::forward(QByteArrayView line, const MCPE
     const QByteArray token = info.token.toUtf8();
     if (!url || !fitsHeader(token))
         return std::nullopt;
-    Exchange exchange(timeout);
+    Exchange exchange(m_peerOwner, timeout);
     const bool answered = exchange.begin(
         *url,
         "POST " + targetOf(*url) + " HTTP/1.1\r\nContent-Type: application/json\r\nAuthorization: Bearer " +

@@ -1,6 +1,8 @@
 #include "OrvaneCore/mcp/pipe/MCPHTTPClient.h"
 
 #include "OrvaneCore/mcp/MCPEndpointInfo.h"
+#include "OrvaneCore/platform/PeerOwner.h"
+#include "tests/support/Eventually.h"
 #include "tests/unit/mcp/pipe/ScriptedHost.h"
 
 #include <QElapsedTimer>
@@ -13,6 +15,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+using test::eventually;
 using testing::ElementsAre;
 
 constexpr auto ample = 20s;
@@ -20,6 +23,24 @@ constexpr auto soon = 150ms;
 constexpr qint64 soonMs = 150;
 constexpr qint64 amplyMs = 10'000;
 constexpr qsizetype mebibyte = qsizetype{1024} * 1024;
+
+/// Says what the test wants of every connection.
+class FakePeerOwner final : public PeerOwner {
+public:
+    explicit FakePeerOwner(bool ours)
+        : m_ours(ours) {}
+
+    bool isOurs(qintptr socket) override {
+        EXPECT_GE(socket, 0);
+        ++asked;
+        return m_ours;
+    }
+
+    int asked = 0;
+
+private:
+    bool m_ours;
+};
 
 MCPEndpointInfo endpointAt(const QString& url, const QString& token = u"secret"_s) {
     return {url, 1, token, 1, u"0.1.0"_s, u""_s};
@@ -30,12 +51,14 @@ MCPEndpointInfo endpointOf(const ScriptedHost& host) {
 }
 
 bool isHealthy(const MCPEndpointInfo& info, std::chrono::milliseconds timeout = ample) {
-    return MCPHTTPClient().isHealthy(info, timeout);
+    FakePeerOwner owner(true);
+    return MCPHTTPClient(owner).isHealthy(info, timeout);
 }
 
 std::optional<QByteArray> forwarded(QByteArrayView line, const MCPEndpointInfo& info,
                                     std::chrono::milliseconds timeout = ample) {
-    return MCPHTTPClient().forward(line, info, timeout);
+    FakePeerOwner owner(true);
+    return MCPHTTPClient(owner).forward(line, info, timeout);
 }
 
 /// A port that nobody listens on.
@@ -312,6 +335,20 @@ TEST(MCPHTTPClientForward, ATokenCannotWriteHeadersOfItsOwn) {
     EXPECT_TRUE(host.requests().front().contains("Authorization: Bearer 日本 \"\r\n"));
 }
 
+TEST(MCPHTTPClientStranger, GetsNoByteAndIsNoHost) {
+    ScriptedHost host([&](ScriptedHost::Client& client) {
+        client.send(httpReply("200 OK", "{}"));
+        host.keep(client.request());
+    });
+    FakePeerOwner owner(false);
+    MCPHTTPClient client(owner);
+    EXPECT_FALSE(client.isHealthy(endpointOf(host), ample));
+    EXPECT_EQ(client.forward("{}", endpointOf(host), ample), std::nullopt);
+    EXPECT_EQ(owner.asked, 2);
+    EXPECT_TRUE(eventually([&] { return host.requests().size() == 2; }));
+    EXPECT_THAT(host.requests(), ElementsAre("", ""));
+}
+
 TEST(MCPHTTPClientForward, GoesThroughNoProxy) {
     const ScriptedHost proxy(httpReply("200 OK", "the proxy"));
     const QByteArray address = "http://127.0.0.1:" + QByteArray::number(proxy.port());
@@ -325,10 +362,12 @@ TEST(MCPHTTPClientForward, GoesThroughNoProxy) {
 
 TEST(MCPHTTPClientForward, ServesOneAfterAnother) {
     const ScriptedHost host(httpReply("200 OK", "{}"));
-    MCPHTTPClient client;
+    FakePeerOwner owner(true);
+    MCPHTTPClient client(owner);
     for (int i = 0; i < 50; ++i)
         ASSERT_EQ(client.forward("{}", endpointOf(host), ample), QByteArray("{}")) << i;
     EXPECT_EQ(host.clients(), 50);
+    EXPECT_EQ(owner.asked, 50) << "each connection may be to somebody else";
 }
 
 } // namespace
