@@ -33,6 +33,12 @@ TEST(DrawingLimits, CutALineAtTheSidesItCrosses) {
     EXPECT_EQ(clipped({0, 10, 100, 110}, area), QLineF(10, 20, 60, 70));
 }
 
+TEST(DrawingLimits, KeepALineAlongASide) {
+    EXPECT_EQ(clipped({0, area.top(), 500, area.top()}, area), QLineF(area.topLeft(), area.topRight()));
+    EXPECT_EQ(clipped({area.right(), 0, area.right(), 500}, area),
+              QLineF(area.topRight(), area.bottomRight()));
+}
+
 TEST(DrawingLimits, DropALineOutside) {
     EXPECT_FALSE(clipped({0, 0, 200, 0}, area));
     EXPECT_FALSE(clipped({0, 100, 200, 100}, area));
