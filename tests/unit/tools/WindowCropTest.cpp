@@ -40,6 +40,11 @@ TEST(WindowCrop, ScalesEachAxisByItself) {
     EXPECT_EQ(crop.pixel(0, 0), knownPixel(20, 20));
 }
 
+TEST(WindowCrop, CountsAWindowOfNoWholePointAsOne) {
+    const WindowCapture window{.image = knownPicture(200, 80, false), .width = 0, .height = 0};
+    EXPECT_EQ(cropWindow(window, {0, 0, 0.5, 0.5}).size(), QSize(100, 40));
+}
+
 TEST(WindowCrop, LeavesTransparentWhatLiesBeyondTheWindow) {
     const QImage crop = cropWindow(windowAtScale(1), {-5, 70, 20, 30});
     EXPECT_EQ(crop.size(), QSize(20, 30));
