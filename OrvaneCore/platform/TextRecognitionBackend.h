@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace orvane {
@@ -18,8 +19,21 @@ struct TextLine {
     float confidence = 0;
 };
 
-/// Reads text in pictures. Any thread; calls may take seconds, and calls made side by side may wait for each
-/// other. The first call may load the engine.
+/// What was read in a picture, which is not all of it when time was up.
+struct PictureText {
+    /// In reading order, whatever their confidence.
+    std::vector<TextLine> lines;
+    /// How many places look like a line. More than there are lines, for not all of them hold text.
+    qsizetype found = 0;
+    /// How many of them nobody has looked at, which are the last ones.
+    qsizetype unread = 0;
+};
+
+/// Whether whoever reads shall leave off. Asked again and again from any thread; once true it stays so.
+using IsTimeUp = std::function<bool()>;
+
+/// Reads text in pictures. Any thread; calls may take seconds, and calls made side by side share the engines.
+/// The first call may load them.
 class TextRecognitionBackend {
 public:
     virtual ~TextRecognitionBackend() = default;
@@ -28,10 +42,12 @@ public:
     /// Throws PlatformError when the engine cannot be had.
     virtual QStringList supportedLanguages() = 0;
 
-    /// The lines of a picture in reading order, whatever their confidence. `languages` are some of the
-    /// supported ones, the preferred first: a line is read in the first of them that fits it.
-    /// A picture without text, or without pixels, gives none. Throws PlatformError when recognition fails.
-    virtual std::vector<TextLine> recognize(const QImage& picture, const QStringList& languages) = 0;
+    /// The lines of a picture. `languages` are some of the supported ones, the preferred first: a line is
+    /// read in the first of them that fits it. A picture without text, or without pixels, gives none. When
+    /// time is up the line in hand is read to its end, and no other one is begun. Throws PlatformError when
+    /// recognition fails.
+    virtual PictureText recognize(const QImage& picture, const QStringList& languages,
+                                  const IsTimeUp& isTimeUp) = 0;
 
 protected:
     TextRecognitionBackend() = default;

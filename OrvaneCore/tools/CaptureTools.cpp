@@ -192,7 +192,7 @@ QString CaptureTools::recognizedTextIfRequested(const QJsonObject& arguments, co
     // Only the Boolean itself counts; anything else reads as false.
     if (!arguments.value(QLatin1String("ocr")).toBool())
         return {};
-    const QString text = m_textRecognizer.recognizeJoined(picture);
+    const QString text = m_textRecognizer.recognizeJoined(picture, m_textRecognizer.budgetOfToolCall());
     return text.isEmpty() ? QString() : u"\n\nRecognized text:\n"_s + text;
 }
 

@@ -139,6 +139,7 @@ QJsonObject SessionTools::getAnnotations(const QJsonObject& arguments) {
     if (!report)
         return toolResult(u"No SESSION.md found in latest session."_s);
     QJsonArray items{textItem(u"Session path: %1\n\n%2"_s.arg(*folder, *report))};
+    const ReadingBudget budget = m_textRecognizer.budgetOfToolCall();
     for (const QString& name : namesIn(*folder)) {
         if (!name.startsWith(u"region-") || !name.endsWith(u".png"))
             continue;
@@ -147,7 +148,8 @@ QJsonObject SessionTools::getAnnotations(const QJsonObject& arguments) {
         if (!image)
             continue;
         QString text = nameLine(name);
-        const QString recognized = withText ? m_textRecognizer.recognizeJoined(QImage(path)) : QString();
+        const QString recognized =
+            withText ? m_textRecognizer.recognizeJoined(QImage(path), budget) : QString();
         if (!recognized.isEmpty())
             text += u"\nRecognized text:\n"_s + recognized;
         items.append(textItem(text));

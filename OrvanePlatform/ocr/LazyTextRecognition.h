@@ -1,15 +1,20 @@
 #pragma once
 
+#include "OrvaneCore/base/Clock.h"
+#include "OrvaneCore/base/IdleRelease.h"
 #include "OrvaneCore/platform/TextRecognitionBackend.h"
 #include "OrvanePlatform/modules/ModuleLoader.h"
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
 
 namespace orvane::ocr {
 
-/// Text recognition from the module library "orvane-ocr", which is loaded on the first call.
+/// Text recognition from the module library "orvane-ocr", which is loaded on the first call. Its engines,
+/// which hold some hundred megabytes, are freed two minutes after their last use; the next call makes new
+/// ones.
 ///
 /// What is not installed is not an error of each picture: recognize() throws for it once in the life of this
 /// object, so that the log says it once, and from then on finds nothing. The next call looks again.
@@ -18,22 +23,34 @@ namespace orvane::ocr {
 /// goes.
 class LazyTextRecognition final : public TextRecognitionBackend {
 public:
+    static constexpr std::chrono::minutes timeToKeep{2};
+
     /// `moduleFolder`: where the module lies; by default where the program's modules are, which is asked for
-    /// on the first call.
+    /// on the first call. Reads by the machine's clock.
     explicit LazyTextRecognition(std::optional<QString> moduleFolder = {});
+    /// The clock outlives this object.
+    explicit LazyTextRecognition(Clock& clock, std::optional<QString> moduleFolder = {});
+
+    /// Whether there are engines, or something that would make some.
+    bool isLoaded();
 
     QStringList supportedLanguages() override;
-    std::vector<TextLine> recognize(const QImage& picture, const QStringList& languages) override;
+    PictureText recognize(const QImage& picture, const QStringList& languages,
+                          const IsTimeUp& isTimeUp) override;
 
 private:
-    /// Null, or the exception, when it cannot be had.
-    TextRecognitionBackend& backend();
-    std::vector<TextLine> nothingBut(const QString& reason);
+    /// Whoever holds it keeps it, even when it is released meanwhile. Throws when it cannot be had.
+    std::shared_ptr<TextRecognitionBackend> backend();
+    void release();
+    PictureText nothingBut(const QString& reason);
 
     std::optional<QString> m_moduleFolder;
     std::mutex m_mutex;
-    std::unique_ptr<TextRecognitionBackend> m_backend;
+    std::shared_ptr<TextRecognitionBackend> m_backend;
     bool m_saidWhatIsMissing = false;
+    SystemClock m_systemClock;
+    /// Last, so that its thread ends first.
+    IdleRelease m_idle;
 };
 
 } // namespace orvane::ocr

@@ -14,6 +14,8 @@ public:
     QStringList languages{QStringLiteral("en-US")};
     std::vector<TextLine> lines;
     std::optional<QString> failure;
+    /// Called after each line.
+    std::function<void()> lineRead;
 
     std::vector<QImage> pictures;
     std::vector<QStringList> askedLanguages;
@@ -23,11 +25,22 @@ public:
         return languages;
     }
 
-    std::vector<TextLine> recognize(const QImage& picture, const QStringList& wanted) override {
+    PictureText recognize(const QImage& picture, const QStringList& wanted,
+                          const IsTimeUp& isTimeUp) override {
         refuse();
         pictures.push_back(picture);
         askedLanguages.push_back(wanted);
-        return lines;
+        PictureText text{.lines = {}, .found = static_cast<qsizetype>(lines.size()), .unread = 0};
+        for (const TextLine& line : lines) {
+            if (isTimeUp()) {
+                text.unread = text.found - static_cast<qsizetype>(text.lines.size());
+                break;
+            }
+            text.lines.push_back(line);
+            if (lineRead)
+                lineRead();
+        }
+        return text;
     }
 
 private:

@@ -9,10 +9,13 @@ namespace orvane::ocr {
 
 namespace {
 
-// Measured on text of 11 to 18 px, which this enlarges two and a half to four times: heights from 30 to 72
-// and margins from 0.1 to 0.2 give nearly the same error rates, no margin at all half as many errors again.
-constexpr int heightOfLine = 48;
-constexpr double margin = 0.1;
+// The height that the data are made for, so that the engine has nothing to scale. What it takes goes with the
+// width, and so a picture that is less enlarged, with more white above and below, is read sooner. Measured on
+// text of 11 to 18 px: these margins cost a fifth less than 0.1 all around at nearly the same error rates;
+// with 0.3 or more, or letters made narrower, mistakes grow faster than time goes down.
+constexpr int heightOfLine = 36;
+constexpr double marginAbove = 0.2;
+constexpr double marginBeside = 0.1;
 // What differs less from the background is background: gradients, traces of lossy compression.
 constexpr int faintest = 8;
 // The share of pixels that may be stronger than what becomes black.
@@ -31,14 +34,15 @@ int strongestDistance(const Histogram& histogram, int pixels) {
 
 QImage linePicture(const QImage& picture, const QRect& box) {
     const QRgb background = dominantColourAround(picture, box);
-    const int border = std::max(1, qRound(margin * box.height()));
-    QImage line(box.width() + 2 * border, box.height() + 2 * border, QImage::Format_Grayscale8);
+    const int above = std::max(1, qRound(marginAbove * box.height()));
+    const int beside = std::max(1, qRound(marginBeside * box.height()));
+    QImage line(box.width() + 2 * beside, box.height() + 2 * above, QImage::Format_Grayscale8);
     line.fill(0);
     // How far each pixel is from the background says how much ink it has, whichever of the two is the darker.
     Histogram histogram{};
     for (int y = 0; y < box.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(box.top() + y)) + box.left();
-        uchar* distances = line.scanLine(border + y) + border;
+        uchar* distances = line.scanLine(above + y) + beside;
         for (int x = 0; x < box.width(); ++x) {
             const int distance = colourDistance(row[x], background);
             distances[x] = static_cast<uchar>(distance);

@@ -21,6 +21,14 @@ bool isDoubtful(const Reading& reading);
 /// language here has.
 bool isUnmistakable(const QString& language, const Reading& reading);
 
+/// The order in which languages are asked about a line until one answer settles it: the preferred one, which
+/// is the first, and then those that settle most.
+QStringList inOrderOfAsking(const QStringList& languages);
+
+/// Whether what another language than the preferred one made of a doubtful line spares the rest the look at
+/// it. `preferred`: what the preferred language made of it.
+bool isSettledBy(const QString& language, const Reading& reading, const Reading& preferred);
+
 /// The best reading of each line. `languages`: the preferred first, which wins unless another language reads
 /// the line in its own script and with more confidence; between two of those the picture as a whole has a
 /// say, because its lines are mostly in one language.

@@ -4,33 +4,30 @@
 
 namespace orvane::ocr {
 
-void LanguageReader::load(const QStringList& languages) {
-    for (const QString& language : languages)
-        engine(language);
-}
-
-Readings LanguageReader::read(const QImage& line, const QStringList& languages) {
+Readings LanguageReader::read(const QImage& line, const QStringList& languages, const IsTimeUp& isTimeUp) {
+    Readings readings;
     const QString& preferred = languages.front();
-    const Reading first = engine(preferred).readLine(line);
-    Readings readings{{preferred, first}};
-    if (!isDoubtful(first))
-        return readings;
-    // The last ones have scripts of their own, which often settles it.
-    const QStringList lastFirst(languages.crbegin(), languages.crend() - 1);
-    for (const QString& language : lastFirst) {
-        const Reading reading = engine(language).readLine(line);
+    for (const QString& language : inOrderOfAsking(languages)) {
+        if (isTimeUp())
+            break;
+        const auto engine = enginesFor(language).take(isTimeUp);
+        if (!engine)
+            break;
+        const Reading reading = (*engine).readLine(line);
         readings[language] = reading;
-        if (isUnmistakable(language, reading))
+        if (language == preferred ? !isDoubtful(reading)
+                                  : isSettledBy(language, reading, readings[preferred]))
             break;
     }
     return readings;
 }
 
-TesseractEngine& LanguageReader::engine(const QString& language) {
-    std::unique_ptr<TesseractEngine>& engine = m_engines[language];
-    if (!engine)
-        engine = std::make_unique<TesseractEngine>(dataNameOf(language));
-    return *engine;
+FairPool<TesseractEngine>& LanguageReader::enginesFor(const QString& language) {
+    const std::scoped_lock lock(m_mutex);
+    return m_engines
+        .try_emplace(language, m_most,
+                     [name = dataNameOf(language)] { return std::make_unique<TesseractEngine>(name); })
+        .first->second;
 }
 
 } // namespace orvane::ocr

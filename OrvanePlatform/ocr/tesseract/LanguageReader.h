@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OrvaneCore/platform/TextRecognitionBackend.h"
+#include "OrvanePlatform/ocr/reading/FairPool.h"
 #include "OrvanePlatform/ocr/reading/LanguageChoice.h"
 #include "OrvanePlatform/ocr/tesseract/TesseractEngine.h"
 
@@ -8,27 +10,30 @@
 #include <QStringList>
 
 #include <map>
-#include <memory>
+#include <mutex>
 
 namespace orvane::ocr {
 
-/// Reads lines in several languages (BCP 47), with one engine for each that is made when it is first wanted
-/// and kept. One call at a time; any thread.
+/// Reads lines in several languages (BCP 47), with engines of each that are made when they are first wanted
+/// and kept. Any thread; calls made side by side take turns, line by line.
 class LanguageReader {
 public:
-    /// Makes the engines now, so that no later line has to wait for one. Throws PlatformError when the data
-    /// of a language do not load.
-    void load(const QStringList& languages);
+    /// `most`: how many engines of a language there may be.
+    explicit LanguageReader(std::size_t most)
+        : m_most(most) {}
 
     /// What the line says in the preferred language, which is the first; and where that is doubtful what it
-    /// says in the others, so that having them costs the preferred one neither time nor mistakes. `line` is
-    /// as TesseractEngine::readLine takes it. Throws PlatformError when an engine fails.
-    Readings read(const QImage& line, const QStringList& languages);
+    /// says in the others, so that having them costs the preferred one neither time nor mistakes. Empty when
+    /// time was up before it was begun. `line` is as TesseractEngine::readLine takes it.
+    /// Throws PlatformError when an engine fails, or its data do not load.
+    Readings read(const QImage& line, const QStringList& languages, const IsTimeUp& isTimeUp);
 
 private:
-    TesseractEngine& engine(const QString& language);
+    FairPool<TesseractEngine>& enginesFor(const QString& language);
 
-    std::map<QString, std::unique_ptr<TesseractEngine>> m_engines;
+    std::size_t m_most;
+    std::mutex m_mutex;
+    std::map<QString, FairPool<TesseractEngine>> m_engines;
 };
 
 } // namespace orvane::ocr

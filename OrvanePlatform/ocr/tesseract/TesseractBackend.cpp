@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <functional>
 #include <future>
 #include <thread>
 
@@ -23,12 +22,15 @@ namespace {
 constexpr qint64 mostPixels = 100'000'000;
 
 // An engine takes some time to load and some memory to keep.
-constexpr std::size_t mostReaders = 4;
-constexpr std::size_t fewestLinesForAReader = 8;
+constexpr std::size_t mostThreads = 4;
+constexpr std::size_t fewestLinesForAThread = 8;
 
-std::size_t readersFor(std::size_t lines) {
-    const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-    return std::clamp<std::size_t>(lines / fewestLinesForAReader, 1, std::min(processors, mostReaders));
+std::size_t threadsAtMost() {
+    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, mostThreads);
+}
+
+std::size_t threadsFor(std::size_t lines) {
+    return std::clamp<std::size_t>(lines / fewestLinesForAThread, 1, threadsAtMost());
 }
 
 /// The pixels alone, whatever the density; what is translucent is seen on white.
@@ -44,6 +46,9 @@ QImage opaque(QImage picture) {
 
 } // namespace
 
+TesseractBackend::TesseractBackend()
+    : m_reader(threadsAtMost()) {}
+
 QStringList TesseractBackend::supportedLanguages() {
     const std::lock_guard lock(m_mutex);
     if (m_supported.isEmpty())
@@ -51,7 +56,8 @@ QStringList TesseractBackend::supportedLanguages() {
     return m_supported;
 }
 
-std::vector<TextLine> TesseractBackend::recognize(const QImage& picture, const QStringList& languages) {
+PictureText TesseractBackend::recognize(const QImage& picture, const QStringList& languages,
+                                        const IsTimeUp& isTimeUp) {
     if (picture.isNull() || languages.isEmpty())
         return {};
     if (qint64{picture.width()} * picture.height() > mostPixels) {
@@ -65,39 +71,44 @@ std::vector<TextLine> TesseractBackend::recognize(const QImage& picture, const Q
     if (found.size() == mostLines)
         logLine(u"OCR: of a picture with more lines, the topmost %1 are read"_s.arg(mostLines));
 
-    const std::lock_guard lock(m_mutex);
-    const std::vector<Readings> readings = readAll(flat, found, languages);
+    const std::vector<Readings> readings = readAll(flat, found, languages, isTimeUp);
     const std::vector<Reading> chosen = chooseReadings(readings, languages);
-    std::vector<TextLine> lines;
-    lines.reserve(found.size());
-    for (size_t index = 0; index < found.size(); ++index) {
+    PictureText text{.lines = {},
+                     .found = static_cast<qsizetype>(found.size()),
+                     .unread = static_cast<qsizetype>(found.size() - readings.size())};
+    text.lines.reserve(chosen.size());
+    for (size_t index = 0; index < chosen.size(); ++index) {
         if (!chosen[index].text.isEmpty())
-            lines.push_back({chosen[index].text, QRectF(found[index].box), chosen[index].confidence});
+            text.lines.push_back({chosen[index].text, QRectF(found[index].box), chosen[index].confidence});
     }
-    return lines;
+    return text;
 }
 
 std::vector<Readings> TesseractBackend::readAll(const QImage& picture, const std::vector<FoundLine>& lines,
-                                                const QStringList& languages) {
-    const std::size_t readerCount = readersFor(lines.size());
-    while (m_readers.size() < readerCount)
-        m_readers.push_back(std::make_unique<LanguageReader>());
-    m_readers.front()->load(languages);
-
+                                                const QStringList& languages, const IsTimeUp& isTimeUp) {
+    const std::size_t threads = threadsFor(lines.size());
     std::vector<Readings> readings(lines.size());
     std::atomic<std::size_t> next = 0;
-    const auto readOn = [&](LanguageReader& reader) {
-        for (std::size_t index = next++; index < lines.size(); index = next++)
-            readings[index] = reader.read(linePicture(picture, lines[index].box), languages);
+    const auto readOn = [&] {
+        while (!isTimeUp()) {
+            const std::size_t index = next++;
+            if (index >= lines.size())
+                return;
+            readings[index] = m_reader.read(linePicture(picture, lines[index].box), languages, isTimeUp);
+        }
     };
     std::vector<std::future<void>> others;
-    others.reserve(readerCount);
-    for (std::size_t index = 1; index < readerCount; ++index)
-        others.push_back(std::async(std::launch::async, readOn, std::ref(*m_readers[index])));
-    readOn(*m_readers.front());
+    others.reserve(threads);
+    for (std::size_t thread = 1; thread < threads; ++thread)
+        others.push_back(std::async(std::launch::async, readOn));
+    readOn();
     // Waits, and throws on what one of them has thrown.
     for (std::future<void>& other : others)
         other.get();
+    // A line that was read has a reading, if only an empty one.
+    const auto unread =
+        std::find_if(readings.begin(), readings.end(), [](const Readings& ofLine) { return ofLine.empty(); });
+    readings.erase(unread, readings.end());
     return readings;
 }
 

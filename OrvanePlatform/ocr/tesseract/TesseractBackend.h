@@ -6,27 +6,30 @@
 
 #include <QImage>
 
-#include <memory>
 #include <mutex>
 #include <vector>
 
 namespace orvane::ocr {
 
 /// Text recognition with Tesseract: the lines of a picture are found first and then read one by one. A
-/// picture of many lines is read by several threads at once. One picture at a time.
+/// picture of many lines is read by several threads at once. Pictures that are read side by side take turns,
+/// line by line, so that none of them waits for the end of another one.
 class TesseractBackend final : public TextRecognitionBackend {
 public:
+    TesseractBackend();
+
     QStringList supportedLanguages() override;
-    std::vector<TextLine> recognize(const QImage& picture, const QStringList& languages) override;
+    PictureText recognize(const QImage& picture, const QStringList& languages,
+                          const IsTimeUp& isTimeUp) override;
 
 private:
+    /// Of the lines that were read, which are the first ones.
     std::vector<Readings> readAll(const QImage& picture, const std::vector<FoundLine>& lines,
-                                  const QStringList& languages);
+                                  const QStringList& languages, const IsTimeUp& isTimeUp);
 
     std::mutex m_mutex;
     QStringList m_supported;
-    /// As many as have been wanted at once; the first one has all languages loaded.
-    std::vector<std::unique_ptr<LanguageReader>> m_readers;
+    LanguageReader m_reader;
 };
 
 } // namespace orvane::ocr

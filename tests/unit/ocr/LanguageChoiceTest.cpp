@@ -40,6 +40,32 @@ TEST(LanguageChoiceTest, KanaAndHangulAreUnmistakableWhenTheyAreCertain) {
     EXPECT_FALSE(isUnmistakable(simplified, {u"设置"_s, 0.9F}));
 }
 
+TEST(LanguageChoiceTest, ThePreferredLanguageIsAskedFirstAndThenThoseThatSettleMost) {
+    EXPECT_EQ(inOrderOfAsking(all()), (QStringList{english, japanese, korean, traditional, simplified}));
+    EXPECT_EQ(inOrderOfAsking({simplified, korean}), (QStringList{simplified, korean}));
+    EXPECT_EQ(inOrderOfAsking({japanese, korean}), (QStringList{japanese, korean}));
+    EXPECT_EQ(inOrderOfAsking({english}), QStringList{english});
+}
+
+TEST(LanguageChoiceTest, WhatJapaneseDataReadAsLatinTooIsSettled) {
+    const Reading doubtful{u"Ctri+S"_s, 0.61F};
+    EXPECT_TRUE(isSettledBy(japanese, {u"Ctrl+S"_s, 0.5F}, doubtful));
+    EXPECT_TRUE(isSettledBy(japanese, {u"CtHキ5 12345"_s, 0.5F}, doubtful));
+    EXPECT_FALSE(isSettledBy(japanese, {u"Ct設定5 12345"_s, 0.5F}, {u"Ct5 12345"_s, 0.49F}));
+    EXPECT_FALSE(isSettledBy(japanese, {u"最近使用"_s, 0.5F}, doubtful));
+    EXPECT_FALSE(isSettledBy(japanese, {u"設定定a a a a a a a"_s, 0.5F}, doubtful));
+    EXPECT_TRUE(isSettledBy(japanese, {u"設定a a a a a a a"_s, 0.5F}, doubtful));
+    EXPECT_FALSE(isSettledBy(japanese, {}, doubtful));
+    EXPECT_FALSE(isSettledBy(japanese, {u"L}7}7]"_s, 0.4F}, {u"3}2| L}7}7]"_s, 0.45F}));
+}
+
+TEST(LanguageChoiceTest, OthersSettleOnlyWhatIsUnmistakable) {
+    const Reading doubtful{u"Ctri+S"_s, 0.61F};
+    EXPECT_FALSE(isSettledBy(korean, {u"Ctrl+S"_s, 0.9F}, doubtful));
+    EXPECT_TRUE(isSettledBy(korean, {u"새 창"_s, 0.9F}, doubtful));
+    EXPECT_TRUE(isSettledBy(japanese, {u"開くファイル"_s, 0.9F}, doubtful));
+}
+
 TEST(LanguageChoiceTest, TheReadingWithMoreConfidenceWins) {
     EXPECT_EQ(chosen({{english, {u"Rea"_s, 0.4F}}, {simplified, {u"设置"_s, 0.9F}}}), u"设置"_s);
     EXPECT_EQ(chosen({{english, {u"Rea"_s, 0.89F}}, {simplified, {u"重"_s, 0.3F}}}), u"Rea"_s);

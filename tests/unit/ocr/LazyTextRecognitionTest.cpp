@@ -3,6 +3,8 @@
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvanePlatform/modules/ModuleLoader.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/FakeClock.h"
 #include "tests/unit/ocr/TextPicture.h"
 
 #include <QFile>
@@ -81,6 +83,39 @@ TEST(LazyTextRecognitionTest, AModuleThatCameInTheMeantimeIsUsed) {
         QFile::link(QDir(modules::ModuleLoader::standardFolder()).filePath(name), folder.filePath(name)));
 
     EXPECT_EQ(TextRecognizer(recognition).recognizeJoined(line()), u"Open the file"_s);
+}
+
+TEST(LazyTextRecognitionTest, TheEnginesGoTwoMinutesAfterTheirLastUseAndComeBack) {
+    orvane::test::FakeClock clock;
+    LazyTextRecognition recognition(clock);
+    const TextRecognizer recognizer(recognition);
+    EXPECT_FALSE(recognition.isLoaded());
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(recognizer.recognizeJoined(line()), u"Open the file"_s);
+        clock.awaitSleeper();
+        clock.advance(std::chrono::milliseconds(119'999));
+        EXPECT_TRUE(recognition.isLoaded());
+        clock.jump(std::chrono::milliseconds(1));
+        EXPECT_TRUE(orvane::test::eventually([&] { return !recognition.isLoaded(); }));
+    }
+}
+
+TEST(LazyTextRecognitionTest, EnginesInUseStayHoweverLongItTakes) {
+    orvane::test::FakeClock clock;
+    LazyTextRecognition recognition(clock);
+    bool isFirst = true;
+    recognition.supportedLanguages();
+    const PictureText text = recognition.recognize(line(), {u"en-US"_s}, [&] {
+        if (std::exchange(isFirst, false)) {
+            // The languages were asked for before, by a use that has ended.
+            clock.awaitSleeper();
+            clock.advance(std::chrono::minutes(10));
+            EXPECT_TRUE(recognition.isLoaded());
+        }
+        return false;
+    });
+    ASSERT_EQ(text.lines.size(), 1U);
+    EXPECT_EQ(text.lines[0].text, u"Open the file"_s);
 }
 
 TEST(LazyTextRecognitionTest, MissingLanguageDataAreOneLineInTheLog) {

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include <memory>
 #include <thread>
 
@@ -41,7 +43,7 @@ protected:
 
     /// In English alone unless told, which loads in a moment.
     static std::vector<TextLine> read(const QImage& picture, const QStringList& languages = {u"en-US"_s}) {
-        return backend().recognize(picture, languages);
+        return backend().recognize(picture, languages, [] { return false; }).lines;
     }
 
     static QStringList textsIn(const QImage& picture, const QStringList& languages = {u"en-US"_s}) {
@@ -114,6 +116,29 @@ TEST_F(TesseractBackendTest, ReadsManyLinesSideBySideAndGivesThemInOrder) {
         drawLine(picture, {10, 5 + 28 * row}, expected.back(), Qt::black, interfaceFont());
     }
     EXPECT_EQ(textsIn(picture), expected);
+}
+
+TEST_F(TesseractBackendTest, LeavesOffWhenTimeIsUp) {
+    QImage picture = sheet(300, 24 * 28 + 10, Qt::white);
+    QStringList all;
+    for (int row = 0; row < 24; ++row) {
+        all.append(u"Save the document "_s + QString::number(100 + row));
+        drawLine(picture, {10, 5 + 28 * row}, all.back(), Qt::black, interfaceFont());
+    }
+    std::atomic<int> asked = 0;
+    const PictureText some = backend().recognize(picture, {u"en-US"_s}, [&asked] { return ++asked > 20; });
+    EXPECT_EQ(some.found, 24);
+    EXPECT_GT(some.unread, 0);
+    // The first ones were read, and none of them was left in the middle.
+    ASSERT_EQ(static_cast<qsizetype>(some.lines.size()), 24 - some.unread);
+    EXPECT_GT(some.lines.size(), 4U);
+    for (size_t index = 0; index < some.lines.size(); ++index)
+        EXPECT_EQ(some.lines[index].text, all[static_cast<qsizetype>(index)]);
+
+    const PictureText none = backend().recognize(picture, {u"en-US"_s}, [] { return true; });
+    EXPECT_TRUE(none.lines.empty());
+    EXPECT_EQ(none.found, 24);
+    EXPECT_EQ(none.unread, 24);
 }
 
 TEST_F(TesseractBackendTest, ReadsALightPaneAndADarkOneInOnePicture) {

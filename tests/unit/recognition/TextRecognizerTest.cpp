@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvaneCore/platform/TextRecognitionBackend.h"
+#include "tests/support/FakeClock.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@
 #include <string>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace orvane {
 namespace {
@@ -21,6 +23,13 @@ public:
     std::optional<QString> languagesFailure;
     std::optional<QString> recognitionFailure;
 
+    /// What each line takes.
+    std::chrono::milliseconds timeOfLine{0};
+    test::FakeClock& clock;
+
+    explicit ScriptedBackend(test::FakeClock& clockOfTest)
+        : clock(clockOfTest) {}
+
     int recognitions = 0;
     QStringList askedLanguages;
 
@@ -30,12 +39,18 @@ public:
         return languages;
     }
 
-    std::vector<TextLine> recognize(const QImage&, const QStringList& wanted) override {
+    PictureText recognize(const QImage&, const QStringList& wanted, const IsTimeUp& isTimeUp) override {
         ++recognitions;
         askedLanguages = wanted;
         if (recognitionFailure)
             throw PlatformError(*recognitionFailure);
-        return lines;
+        PictureText text{.lines = {}, .found = static_cast<qsizetype>(lines.size()), .unread = 0};
+        while (!isTimeUp() && text.lines.size() < lines.size()) {
+            text.lines.push_back(lines[text.lines.size()]);
+            clock.jump(timeOfLine);
+        }
+        text.unread = text.found - static_cast<qsizetype>(text.lines.size());
+        return text;
     }
 };
 
@@ -47,8 +62,9 @@ protected:
         return m_backend.askedLanguages;
     }
 
-    ScriptedBackend m_backend;
-    TextRecognizer m_recognizer{m_backend};
+    test::FakeClock m_clock;
+    ScriptedBackend m_backend{m_clock};
+    TextRecognizer m_recognizer{m_backend, m_clock};
     QImage m_picture{200, 100, QImage::Format_RGB32};
 };
 
@@ -125,6 +141,70 @@ TEST_F(TextRecognizerTest, AFailureIsOneLineInTheLogAndNoText) {
 
     m_backend.recognitionFailure.reset();
     EXPECT_EQ(m_recognizer.recognizeJoined(m_picture), u"lost"_s);
+}
+
+class ReadingInTime : public TextRecognizerTest {
+protected:
+    ReadingInTime() {
+        m_backend.timeOfLine = 5s;
+        for (const QString& text : {u"one"_s, u"two"_s, u"three"_s, u"four"_s, u"five"_s})
+            m_backend.lines.push_back({text, {}, 1.0F});
+    }
+};
+
+TEST_F(ReadingInTime, AToolCallHasTwentySeconds) {
+    const ReadingBudget budget = m_recognizer.budgetOfToolCall();
+
+    m_clock.jump(19'999ms);
+    EXPECT_FALSE(budget.isSpent());
+    m_clock.jump(1ms);
+    EXPECT_TRUE(budget.isSpent());
+}
+
+TEST_F(ReadingInTime, TheLastLineSaysHowMuchWasLeftUnread) {
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, m_recognizer.budgetOfToolCall()),
+              u"one\ntwo\nthree\nfour\n(Text not read in time: 1 of 5 lines.)"_s);
+}
+
+TEST_F(ReadingInTime, NothingIsSaidWhereAllWasRead) {
+    m_backend.timeOfLine = 3999ms;
+
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, m_recognizer.budgetOfToolCall()),
+              u"one\ntwo\nthree\nfour\nfive"_s);
+}
+
+TEST_F(ReadingInTime, PicturesOfOneCallShareItsTime) {
+    m_backend.timeOfLine = 3s;
+    const ReadingBudget budget = m_recognizer.budgetOfToolCall();
+
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, budget), u"one\ntwo\nthree\nfour\nfive"_s);
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, budget),
+              u"one\ntwo\n(Text not read in time: 3 of 5 lines.)"_s);
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, budget), u"(Text not read in time.)"_s);
+    EXPECT_TRUE(m_recognizer.recognizeJoined(QImage(), budget).isEmpty());
+    EXPECT_EQ(m_backend.recognitions, 2);
+}
+
+TEST_F(ReadingInTime, LinesThatWereReadAndDroppedAreNotUnread) {
+    m_backend.lines[1].confidence = 0.39F;
+    m_backend.timeOfLine = 10s;
+
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture, m_recognizer.budgetOfToolCall()),
+              u"one\n(Text not read in time: 3 of 5 lines.)"_s);
+}
+
+TEST_F(ReadingInTime, WithoutABudgetAllIsRead) {
+    m_backend.timeOfLine = 1h;
+
+    EXPECT_EQ(m_recognizer.recognizeJoined(m_picture), u"one\ntwo\nthree\nfour\nfive"_s);
+}
+
+TEST_F(ReadingInTime, AFailureLeavesNothingUnread) {
+    m_backend.recognitionFailure = u"The engine broke."_s;
+
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(m_recognizer.recognizeJoined(m_picture, m_recognizer.budgetOfToolCall()).isEmpty());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "orvane: OCR error: The engine broke.\n");
 }
 
 } // namespace

@@ -91,7 +91,7 @@ protected:
     ScreenCapture screenCapture{desktop, desktop, pngWriter};
     ScreenRecorder recorder{discovery, screenCapture, storage, pngWriter, media, clock};
     test::FakeTextRecognition textRecognition;
-    SessionTools tools{recorder, screenCapture, TextRecognizer(textRecognition), storage};
+    SessionTools tools{recorder, screenCapture, TextRecognizer(textRecognition, clock), storage};
     QString id = clock.now().toLocalTime().toString(u"yyyyMMdd-HHmmss.zzz"_s);
 };
 
@@ -331,6 +331,27 @@ TEST_F(SessionToolsTest, ReadsAnnotations) {
     EXPECT_EQ(text(result, 3), u"--- region-2.png ---\nRecognized text:\nSave");
     textRecognition.lines = {};
     EXPECT_EQ(text(tools.getAnnotations({{u"ocr"_s, true}}), 1), u"--- region-1.png ---");
+}
+
+TEST_F(SessionToolsTest, AllRegionsOfACallShareTwentySecondsForReading) {
+    const QString folder = makeSession(u"marks"_s);
+    write(folder + u"/SESSION.md"_s, "text");
+    for (const QString& name : {u"/region-1.png"_s, u"/region-2.png"_s, u"/region-3.png"_s})
+        write(folder + name, png(20, 10));
+    storage.updateLatestLink(folder);
+    for (const QString& line : {u"one"_s, u"two"_s, u"three"_s})
+        textRecognition.lines.push_back({.text = line, .box = {}, .confidence = 1});
+    textRecognition.lineRead = [this] { clock.jump(std::chrono::seconds(4)); };
+
+    for (int call = 0; call < 2; ++call) {
+        const QJsonObject result = tools.getAnnotations({{u"ocr"_s, true}});
+        ASSERT_EQ(items(result), 7);
+        EXPECT_EQ(text(result, 1), u"--- region-1.png ---\nRecognized text:\none\ntwo\nthree");
+        EXPECT_EQ(text(result, 3), u"--- region-2.png ---\nRecognized text:\none\ntwo\n"
+                                   "(Text not read in time: 1 of 3 lines.)");
+        EXPECT_EQ(text(result, 5), u"--- region-3.png ---\nRecognized text:\n(Text not read in time.)");
+        EXPECT_FALSE(image(result, 6).isNull());
+    }
 }
 
 TEST_F(SessionToolsTest, ReadsAnnotationsWithoutRegions) {

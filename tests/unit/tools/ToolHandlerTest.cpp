@@ -67,12 +67,12 @@ protected:
     ScreenCapture screenCapture{desktop, desktop, pngWriter};
     QDateTime now{{2026, 3, 4}, {5, 6, 7}, Qt::UTC};
     test::FakeTextRecognition textRecognition;
-    CaptureTools captureTools{discovery, screenCapture, TextRecognizer(textRecognition),
+    test::FakeClock clock;
+    CaptureTools captureTools{discovery, screenCapture, TextRecognizer(textRecognition, clock),
                               storage,   pngWriter,     [this] { return now; }};
     test::FakeMedia media;
-    test::FakeClock clock;
     ScreenRecorder recorder{discovery, screenCapture, storage, pngWriter, media, clock};
-    SessionTools sessionTools{recorder, screenCapture, TextRecognizer(textRecognition), storage};
+    SessionTools sessionTools{recorder, screenCapture, TextRecognizer(textRecognition, clock), storage};
     ToolHandler handler{captureTools, sessionTools};
     QString stamp = now.toLocalTime().toString(u"yyyyMMdd-HHmmss"_s);
     QJsonObject terminal{{u"app_name"_s, u"TERM"_s}};
@@ -280,6 +280,17 @@ TEST_F(ToolHandlerTest, ReadsTheTextOfARegionWhenAsked) {
               u"Captured region (10,20 30x40) of Terminal - build — main. Returned image: 30×40 px."
               u"\n\nRecognized text:\nSave all\nCancel");
     EXPECT_EQ(textRecognition.pictures.back(), desktop.picture.copy(10, 20, 30, 40));
+}
+
+TEST_F(ToolHandlerTest, ReadsForTwentySecondsAndSaysWhatIsLeft) {
+    for (const QString& line : {u"one"_s, u"two"_s, u"three"_s, u"four"_s})
+        textRecognition.lines.push_back({line, {0, 0, 10, 10}, 0.9F});
+    textRecognition.lineRead = [this] { clock.jump(std::chrono::seconds(8)); };
+
+    const QString read = u"\n\nRecognized text:\none\ntwo\nthree\n(Text not read in time: 1 of 4 lines.)"_s;
+    const QJsonObject arguments = joined(square, {{u"ocr"_s, true}});
+    EXPECT_TRUE(text(call("capture_region", arguments)).endsWith(read));
+    EXPECT_TRUE(text(call("capture_window_region", joined(arguments, terminal))).endsWith(read));
 }
 
 TEST_F(ToolHandlerTest, ReadsNoTextUnlessTheBooleanSaysSo) {
