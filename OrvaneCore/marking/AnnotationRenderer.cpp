@@ -42,6 +42,13 @@ constexpr qreal shortestHead = 12;
 constexpr qreal missingPictureLineWidth = 1.5;
 constexpr qreal handleRingGrowth = 1;
 
+// Qt hands translucent fills to other threads when they come to 96 pieces of rows or more, and waiting for
+// these takes longer than filling shapes of the sizes that people draw, ten times as long for a plate. So
+// they are painted in bands of so many rows of pixels. A row has at most three pieces, across round corners
+// about ten. Not so pictures, where the bands would be seen: a colour here and there is rounded otherwise.
+constexpr int straightBand = 31;
+constexpr int roundBand = 8;
+
 // More than anybody draws with, and no work for the rasteriser yet.
 constexpr qreal widestStroke = 1e4;
 // Nearer than what a number of 64 bits resolves to a hundredth of a pixel.
@@ -173,7 +180,8 @@ public:
             m_painter.drawEllipse(m_layout.rect());
             break;
         case Annotation::Kind::highlight:
-            m_painter.fillRect(m_layout.rect(), withAlpha(m_annotation.color, 0.35F));
+            inBands(m_layout.rect(), straightBand,
+                    [&] { m_painter.fillRect(m_layout.rect(), withAlpha(m_annotation.color, 0.35F)); });
             break;
         case Annotation::Kind::text:
             if (!m_annotation.text.isEmpty())
@@ -234,9 +242,30 @@ private:
         const qreal padding = style.padding * m_scale;
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(withAlpha(m_annotation.color, 0.95F));
-        m_painter.drawRoundedRect(plate, padding, padding);
+        inBands(plate, roundBand, [&] { m_painter.drawRoundedRect(plate, padding, padding); });
         DrawnText(text, style.font(), m_scale)
             .draw(m_painter, plate.topLeft() + QPointF(padding, padding), textColorOn(m_annotation.color));
+    }
+
+    /// Draws what lies in `bounds` band by band, with the same outcome as at once.
+    template <typename Paint>
+    void inBands(const QRectF& bounds, int bandRows, Paint paint) {
+        const QTransform toDevice = m_painter.deviceTransform();
+        // The bands of a turned painter would overlap.
+        if (toDevice.type() > QTransform::TxScale) {
+            paint();
+            return;
+        }
+        const QTransform fromDevice = toDevice.inverted();
+        const QRectF onDevice = toDevice.mapRect(bounds.adjusted(-1, -1, 1, 1) & visibleArea());
+        for (qreal top = std::floor(onDevice.top()); top < onDevice.bottom(); top += bandRows) {
+            m_painter.save();
+            m_painter.setClipRect(fromDevice.mapRect(QRectF(std::floor(onDevice.left()), top,
+                                                            std::ceil(onDevice.width()) + 1, bandRows)),
+                                  Qt::IntersectClip);
+            paint();
+            m_painter.restore();
+        }
     }
 
     QPainter& m_painter;

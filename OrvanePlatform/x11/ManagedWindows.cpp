@@ -142,11 +142,12 @@ std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection) {
     const std::vector<xcb_window_t> clients = clientList.numbers();
     const uint32_t desktop = currentDesktop.number().value_or(0);
 
+    // First, and not while hundreds of other answers wait: xcb looks for an answer from the oldest one on.
+    const auto placements = readPlacements(connection, clients);
     std::vector<WindowRequests> requests;
     requests.reserve(clients.size());
     for (const xcb_window_t client : clients)
         requests.push_back(requestWindow(connection, client));
-    const auto placements = readPlacements(connection, clients);
 
     std::vector<ManagedWindow> windows;
     windows.reserve(clients.size());
