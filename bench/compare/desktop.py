@@ -108,6 +108,12 @@ class Desktop:
                        "-geometry", f"150x150+{20 + 185 * column}+{40 + 400 * row}"])
         eventually(lambda: len(server.windows()) == count, f"{count} windows do not open")
 
+    def open_text_window(self):
+        """A terminal of about 1600x1000 pixels full of source text."""
+        self.open(["xterm", "-geometry", "227x64+100+100", "-bg", "#ffffff", "-fg", "#1a1a1a", "-fa", "DejaVu Sans Mono",
+                   "-fs", "9", "-e", "sh", "-c", 'tail -n 120 "$0"; exec sleep 86400',
+                   os.path.join(PROJECT, "OrvanePlatform/x11/PixelReader.cpp")])
+
     def settle(self, server):
         """Waits until nothing on the screen changes any more."""
         seen = []

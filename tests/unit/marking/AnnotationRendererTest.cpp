@@ -112,6 +112,44 @@ TEST_P(DrawsShapes, HighlightIsATranslucentAreaWithoutOutline) {
     }
 }
 
+TEST_P(DrawsShapes, TranslucentShapesHaveNoSeams) {
+    const qreal s = scale();
+    constexpr QRgb green = 0xFF2F6B4A;
+    const QImage under = ground((QSizeF(200, 150) * s).toSize(), green);
+    // At places between pixels, where every row has soft ends.
+    for (const qreal shift : {0.0, 0.25, 0.4, 0.5, 0.75}) {
+        Annotation highlight =
+            shape(Kind::highlight, QPointF(20, 10) + QPointF(shift, shift), {170.3, 140.6});
+        highlight.color = QColor(amber);
+        QImage expected = under;
+        QPainter painter(&expected);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor translucent = highlight.color;
+        translucent.setAlphaF(0.35F);
+        painter.fillRect(QRectF(highlight.start * s, highlight.end * s), translucent);
+        painter.end();
+        EXPECT_EQ(drawn(highlight, s, {200, 150}, green), expected) << shift;
+    }
+}
+
+TEST_P(DrawsShapes, TranslucentShapesStayInTheClipOfTheirPainter) {
+    const qreal s = scale();
+    Annotation highlight = shape(Kind::highlight, {20.4, 10.3}, {170.3, 140.6});
+    highlight.label = QStringLiteral("a note");
+    const QRegion clip = QRegion(30, 5, 60, 40) + QRegion(70, 60, 50, 61);
+    const QImage whole = drawn(highlight, s);
+    QImage picture = ground((QSizeF(200, 150) * s).toSize(), white);
+    QImage expected = picture;
+    QPainter painter(&picture);
+    painter.setClipRegion(clip);
+    annotation_renderer::draw(painter, highlight, mapAt(s), s);
+    EXPECT_EQ(painter.clipRegion(), clip);
+    painter.end();
+    for (const QRect& rect : clip)
+        QPainter(&expected).drawImage(rect.topLeft(), whole.copy(rect));
+    EXPECT_EQ(picture, expected);
+}
+
 TEST_P(DrawsShapes, NoStrokeIsThinnerThanAUnitOfTheDrawing) {
     const qreal s = scale();
     const QRectF rect(40 * s, 30 * s, 120 * s, 80 * s);
