@@ -33,6 +33,7 @@ AppDelegate::AppDelegate(Platform& platform)
     , m_hotkeys(platform.makeHotkeys())
     , m_shortcuts(platform.settingsStore(), *m_hotkeys, platform.words())
     , m_toast(platform.surfaces())
+    , m_tooltips(platform.surfaces())
     , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
                   platform.words(), [this](const auto& answer) { chooseTarget(answer); })
     , m_markers(platform.settingsStore())

@@ -16,6 +16,7 @@
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
 #include "OrvaneCore/surface/ToastWindow.h"
+#include "OrvaneCore/surface/Tooltips.h"
 
 #include <QTimer>
 
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<GlobalHotkeys> m_hotkeys;
     KeyboardShortcuts m_shortcuts;
     ToastWindow m_toast;
+    Tooltips m_tooltips;
     HumanRecording m_recording;
     MarkerManager m_markers;
     SendTargets m_sendTargets;

@@ -35,6 +35,8 @@ PinButton::PinButton(Surfaces& surfaces, std::function<void(const QPoint&)> pres
     : m_pressed(std::move(pressed)) {
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    // It never has the keyboard.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     setFocusPolicy(Qt::NoFocus);
     setFixedSize(side, side);
     QPainterPath outline;

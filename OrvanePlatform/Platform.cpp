@@ -122,7 +122,7 @@ private:
     x11::X11WindowServer m_windowServer{m_session, m_entries};
     x11::X11ScreenSource m_screenSource{m_session};
     x11::X11DesktopShell m_shell;
-    x11::X11DesktopKeyboard m_keyboard;
+    x11::X11DesktopKeyboard m_keyboard{m_session};
     x11::X11Surfaces m_surfaces{m_session};
 };
 

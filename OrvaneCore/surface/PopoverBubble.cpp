@@ -76,6 +76,7 @@ void PopoverBubble::openAt(const QPointF& viewPoint) {
     m_editor->setGeometry(
         QRect(m_placement.bubble.topLeft() - pos() + QPoint(padding, padding), m_editorSize));
     m_isOpen = true;
+    m_wasCancelled = false;
     show();
     raise();
     m_editor->setFocus(Qt::PopupFocusReason);
@@ -145,6 +146,7 @@ bool PopoverBubble::handleKey(const QKeyEvent& event) {
         return false;
     if (isReturn && m_isOpen && m_onSubmit)
         m_onSubmit(text());
+    m_wasCancelled = m_wasCancelled || (isEscape && m_isOpen);
     closePopover();
     return true;
 }

@@ -27,6 +27,9 @@ public:
     /// What has been typed, also after closing.
     virtual QString text() const = 0;
 
+    /// Whether it was Escape that closed it.
+    bool wasCancelled() const { return m_wasCancelled; }
+
     /// Called with the text, before the bubble closes.
     void setOnSubmit(std::function<void(const QString&)> onSubmit);
     /// Called once, when the bubble has gone from the screen, after a submit too.
@@ -58,6 +61,7 @@ private:
     /// What an input method is composing in the editor.
     QString m_preedit;
     bool m_isOpen = false;
+    bool m_wasCancelled = false;
     std::function<void(const QString&)> m_onSubmit;
     std::function<void()> m_onClose;
 };

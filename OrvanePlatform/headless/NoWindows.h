@@ -21,7 +21,7 @@ private:
 /// No keyboard to have keys.
 class NoKeyboard final : public DesktopKeyboard {
 public:
-    std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return std::nullopt; }
+    std::optional<int> keyCode(const NativeKey& /*key*/) override { return std::nullopt; }
 };
 
 /// No tray.

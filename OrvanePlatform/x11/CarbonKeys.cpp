@@ -55,6 +55,16 @@ const CarbonKey* carbonKey(int carbonKeyCode) {
     return found != carbonKeys.end() && found->carbonKeyCode == carbonKeyCode ? found : nullptr;
 }
 
+std::optional<int> carbonKeyCodeOf(xcb_keysym_t keysym) {
+    if (keysym < XK_space || keysym > XK_asciitilde)
+        return std::nullopt;
+    const bool isCapital = keysym >= XK_A && keysym <= XK_Z;
+    const auto* const found = std::find_if(carbonKeys.begin(), carbonKeys.end(),
+                                           [plain = isCapital ? keysym - XK_A + XK_a : keysym](
+                                               const CarbonKey& key) { return key.keysym == plain; });
+    return found == carbonKeys.end() ? std::nullopt : std::optional(found->carbonKeyCode);
+}
+
 std::optional<int> carbonKeyCodeAt(quint32 keycode) {
     const auto* const found =
         std::find_if(carbonKeys.begin(), carbonKeys.end(),

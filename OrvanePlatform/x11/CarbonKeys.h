@@ -20,6 +20,10 @@ struct CarbonKey {
 /// Null for a code that stands for no key of a PC keyboard.
 const CarbonKey* carbonKey(int carbonKeyCode);
 
+/// The code of the key that gives this character on a US keyboard, a capital letter with Shift; nothing for
+/// what is not a character, such as Return or a key of the keypad.
+std::optional<int> carbonKeyCodeOf(xcb_keysym_t keysym);
+
 /// The code of the key that has this place on a US keyboard, as far as the table knows places.
 std::optional<int> carbonKeyCodeAt(quint32 keycode);
 

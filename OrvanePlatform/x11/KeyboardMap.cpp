@@ -1,6 +1,7 @@
 #include "OrvanePlatform/x11/KeyboardMap.h"
 
 #include "OrvanePlatform/x11/CarbonKeys.h"
+#include "OrvanePlatform/x11/KeysymAlphabet.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,6 +17,7 @@ namespace {
 constexpr std::size_t modifierCount = 8;
 /// Two layouts with two levels each; what follows (AltGr, more layouts) has no fixed place in the core map.
 constexpr std::size_t knownColumns = 4;
+constexpr std::size_t columnsPerLayout = 2;
 constexpr std::uint16_t everyModifier = 0xFF;
 
 } // namespace
@@ -66,6 +68,19 @@ KeyboardMap::Keys KeyboardMap::keysFor(const Shortcut& shortcut) const {
     for (const xcb_keycode_t keycode : keycodes)
         keys.combinations.push_back({keycode, modifiers});
     return keys;
+}
+
+bool KeyboardMap::hasLatinLetters(std::size_t layout) const {
+    const std::size_t column = layout * columnsPerLayout;
+    if (column >= std::min(m_keysymsPerKeycode, knownColumns))
+        return true;
+    const auto count = [&](KeysymAlphabet alphabet) {
+        std::size_t letters = 0;
+        for (std::size_t index = 0; index < keycodeCount(); ++index)
+            letters += alphabetOf(keysymAt(index, column)) == alphabet ? 1 : 0;
+        return letters;
+    };
+    return count(KeysymAlphabet::latin) >= count(KeysymAlphabet::other);
 }
 
 std::set<KeyCombination> KeyboardMap::lockVariants(const KeyCombination& combination) const {

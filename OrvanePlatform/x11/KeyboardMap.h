@@ -47,6 +47,10 @@ public:
     /// another alphabet.
     Keys keysFor(const Shortcut& shortcut) const;
 
+    /// Whether the keys of a layout give more Latin letters than others. Layouts are numbered from 0; from
+    /// the third on nothing is known of them, and they count as Latin.
+    bool hasLatinLetters(std::size_t layout) const;
+
     /// The combination as it reaches the X server in every state of CapsLock, NumLock and ScrollLock.
     std::set<KeyCombination> lockVariants(const KeyCombination& combination) const;
 

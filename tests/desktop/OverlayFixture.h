@@ -7,6 +7,7 @@
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/SendTargets.h"
 #include "OrvaneCore/storage/StorageManager.h"
+#include "OrvaneCore/surface/Tooltips.h"
 #include "OrvanePlatform/freedesktop/DesktopWords.h"
 #include "OrvanePlatform/qt/SystemClipboard.h"
 #include "OrvanePlatform/x11/X11DesktopKeyboard.h"
@@ -115,9 +116,10 @@ protected:
     FakeTextRecognition recognition;
     TextRecognizer recognizer{recognition};
     qt::SystemClipboard systemClipboard;
-    x11::X11DesktopKeyboard keyboard;
+    x11::X11DesktopKeyboard keyboard{DesktopFixture::session};
     MarkerManager manager{settings};
     SendTargets sendTargets;
+    Tooltips tooltips{surfaces};
     std::vector<SubmitToast> toasts;
     /// Called when other windows are to be away, or may come back.
     std::function<void(bool)> holdWindowsBack = [](bool) {};

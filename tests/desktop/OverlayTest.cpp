@@ -1,4 +1,6 @@
 #include "OrvaneCore/marking/Palettes.h"
+#include "OrvaneCore/marking/overlay/OverlayBarTexts.h"
+#include "OrvaneCore/surface/TooltipBubble.h"
 #include "tests/desktop/OverlayFixture.h"
 
 #include <QClipboard>
@@ -276,12 +278,198 @@ TEST_F(Overlay, StepsThroughTheApplicationsThatMarksCanBeSentTo) {
     EXPECT_TRUE(controller.isShown());
 }
 
-TEST_F(Overlay, FindsKeysByTheirPlaceOnTheKeyboard) {
-    runCommand(u"setxkbmap"_s, {u"ru"_s});
+// The places of keys are those of a US keyboard: 38 is A, 39 is S, 52 is Z and 58 is M there.
+
+TEST_F(Overlay, FindsKeysByTheirPlaceWhereTheLettersAreNotLatin) {
+    // The last is Georgian on French keys: a comma has the place of M.
+    for (const QStringList& layout : {QStringList{u"ru"_s}, QStringList{u"gr"_s}, QStringList{u"il"_s},
+                                      QStringList{u"ara"_s}, QStringList{u"fr"_s, u"-variant"_s, u"geo"_s}}) {
+        runCommand(u"setxkbmap"_s, QStringList{u"-layout"_s} + layout);
+        show();
+        manager.add({200, 200, 300, 200}, QString());
+        press(u"58"_s);
+        EXPECT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); })) << layout.front().toStdString();
+        press(u"39"_s);
+        EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().directSend; }))
+            << layout.front().toStdString();
+        press(u"ctrl+52"_s);
+        EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().empty(); }))
+            << layout.front().toStdString();
+        manager.setDirectSend(false);
+        controller.cancelOverlay();
+    }
+}
+
+TEST_F(Overlay, FindsLettersWhereALatinLayoutHasThem) {
+    sendTargets = SendTargets({{.name = u"First"_s, .bundleID = u"1"_s},
+                               {.name = u"Second"_s, .bundleID = u"2"_s},
+                               {.name = u"Third"_s, .bundleID = u"3"_s}});
+    manager.setDirectSend(true);
+    const auto target = [&] { return manager.currentSendTarget().value_or(SendTarget()).name; };
+
+    // French keys: A is where Q is elsewhere, M right of L, Z where W is, a comma where M is.
+    runCommand(u"setxkbmap"_s, {u"fr"_s});
     show();
-    // The key that has M on a US keyboard.
-    press(u"Cyrillic_softsign"_s);
+    manager.add({200, 200, 300, 200}, QString());
+    press(u"58"_s);
+    press(u"38"_s);
+    press(u"ctrl+52"_s);
+    press(u"24"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return target() == u"Third"_s; })) << target().toStdString();
+    EXPECT_FALSE(manager.markupMode());
+    EXPECT_EQ(manager.markers().size(), 1U);
+    press(u"47"_s);
     EXPECT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+    press(u"ctrl+25"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().empty(); }));
+    controller.cancelOverlay();
+
+    // German keys: Z and Y have changed places.
+    runCommand(u"setxkbmap"_s, {u"de"_s});
+    show();
+    manager.add({200, 200, 300, 200}, QString());
+    press(u"ctrl+52"_s);
+    press(u"58"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+    EXPECT_EQ(manager.markers().size(), 1U);
+    press(u"ctrl+29"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().empty(); }));
+    controller.cancelOverlay();
+
+    // Dvorak: the place of S has O.
+    runCommand(u"setxkbmap"_s, {u"us"_s, u"-variant"_s, u"dvorak"_s});
+    show();
+    press(u"39"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().ocr; }));
+}
+
+TEST_F(Overlay, GoesByTheLayoutThatIsInUse) {
+    // The second of two, as a human switches to it.
+    runCommand(u"setxkbmap"_s, {u"fr,ru"_s, u"-option"_s, u"grp:shifts_toggle"_s});
+    show();
+    press(u"47"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+    runCommand(u"xdotool"_s, {u"keydown"_s, u"50"_s, u"key"_s, u"62"_s, u"keyup"_s, u"50"_s});
+    press(u"47"_s);
+    press(u"58"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !manager.markupMode(); }));
+}
+
+TEST_F(Overlay, SubmitsByTheEnterOfTheKeypad) {
+    show();
+    mark({200, 200}, {500, 400});
+    press(u"KP_Enter"_s);
+    EXPECT_TRUE(isSubmitted());
+}
+
+TEST_F(Overlay, UndoesByControlZ) {
+    show();
+    mark({200, 200}, {500, 400});
+    mark({600, 200}, {800, 400});
+    press(u"z"_s);
+    press(u"ctrl+shift+z"_s);
+    press(u"ctrl+z"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.markers().size() == 1; }));
+    EXPECT_EQ(marker(0).rect, QRectF(200, 200, 300, 200));
+}
+
+TEST_F(Overlay, MarksTheLastRowAndColumn) {
+    show();
+    mark({1000, 600}, {1279, 799});
+    EXPECT_EQ(marker(0).rect, QRectF(1000, 600, 280, 200));
+    mark({1279, 799}, {900, 500});
+    EXPECT_EQ(marker(1).rect, QRectF(900, 500, 380, 300));
+    mark({0, 0}, {300, 200});
+    EXPECT_EQ(marker(2).rect, QRectF(0, 0, 300, 200));
+}
+
+TEST_F(Overlay, LetsADoubleClickChangeAText) {
+    show();
+    press(u"m"_s);
+    ASSERT_TRUE(eventuallyInLoop([&] { return manager.markupMode(); }));
+    clickAt(buttonAt(u"Text"_s));
+    clickAt({300, 450});
+    write(u"here"_s);
+    ASSERT_EQ(manager.annotations().size(), 1U);
+    const auto doubleClick = [] {
+        moveMouse({310, 442});
+        runCommand(u"xdotool"_s, {u"click"_s, u"--repeat"_s, u"2"_s, u"--delay"_s, u"60"_s, u"1"_s});
+    };
+    doubleClick();
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    press(u"End"_s);
+    type(u" not"_s);
+    press(u"Escape"_s);
+    ASSERT_TRUE(eventuallyInLoop([] { return !isEditing(); }));
+    EXPECT_EQ(manager.annotations()[0].text, u"here"_s);
+    doubleClick();
+    ASSERT_TRUE(eventuallyInLoop([] { return isEditing(); }));
+    press(u"End"_s);
+    write(u" and there"_s);
+    ASSERT_EQ(manager.annotations().size(), 1U);
+    EXPECT_EQ(manager.annotations()[0].text, u"here and there"_s);
+}
+
+TEST_F(Overlay, HasNoCrosshairWhileThePointerIsOnTheBar) {
+    const auto ground = cover(u"1280x800+0+0"_s);
+    show();
+    moveMouse({300, 300});
+    // The lines are dashed.
+    const auto hasCrosshair = [&](int x) {
+        const QImage picture = screen();
+        for (int y = 350; y < 550; ++y) {
+            if (colorDistance(picture.pixel(x, y), dimmedWhite) > 8)
+                return true;
+        }
+        return false;
+    };
+    ASSERT_TRUE(eventuallyInLoop([&] { return hasCrosshair(300); }));
+    const QPoint button = buttonAt(u"OCR (O)"_s);
+    moveMouse(button);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !hasCrosshair(300) && !hasCrosshair(button.x()); }));
+    moveMouse({400, 300});
+    EXPECT_TRUE(eventuallyInLoop([&] { return hasCrosshair(400); }));
+}
+
+TEST_F(Overlay, ExplainsItsButtons) {
+    show();
+    const QPoint button = buttonAt(u"OCR (O)"_s);
+    moveMouse(button - QPoint(3, 0));
+    moveMouse(button);
+    ASSERT_TRUE(eventuallyInLoop([&] { return tooltips.shown() != nullptr; }));
+    EXPECT_EQ(tooltips.shown()->accessibleName(), overlay_bar_tips::ocr());
+    const QRect bubble = tooltips.shown()->geometry();
+    EXPECT_LT(bubble.bottom(), button.y() - 14);
+    EXPECT_TRUE(QRect(0, 0, 1280, 800).contains(bubble));
+    // Dark, in front of the overlay.
+    const QPoint place = bubble.topLeft() + QPoint(bubble.width() / 2, 4);
+    EXPECT_TRUE(eventuallyInLoop([&] { return qGray(screen().pixel(place)) < 60; }));
+    EXPECT_TRUE(window().isActiveWindow());
+    press(u"o"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return manager.modes().ocr && !tooltips.shown(); }));
+}
+
+TEST_F(OverlayOnTwoDisplays, ExplainsItsButtonsOnBoth) {
+    show();
+    for (const std::size_t index : {0U, 1U}) {
+        const QPoint button = buttonAt(u"OCR (O)"_s, index);
+        moveMouse(button - QPoint(3, 0));
+        moveMouse(button);
+        ASSERT_TRUE(eventuallyInLoop([&] { return tooltips.shown() != nullptr; })) << index;
+        EXPECT_TRUE(window(index).geometry().contains(tooltips.shown()->geometry()));
+        moveMouse(window(index).geometry().center());
+        ASSERT_TRUE(eventuallyInLoop([&] { return !tooltips.shown(); })) << index;
+    }
+}
+
+TEST_F(OverlayOnMixedScales, MarksTheLastRowAndColumn) {
+    show();
+    mark({1400, 1000}, {1599, 1199});
+    EXPECT_EQ(marker(0).rect, QRectF(700, 500, 100, 100));
+    mark({1200, 900}, {1598, 1198});
+    EXPECT_EQ(marker(1).rect, QRectF(600, 450, 199, 149));
+    mark({2400, 600}, {2599, 699});
+    EXPECT_EQ(marker(2).rect.size(), QSizeF(200, 100));
 }
 
 TEST_F(Overlay, IsToggledByItsHotkey) {

@@ -59,6 +59,22 @@ void AnnotationGestures::pointerPressed(const QPointF& viewPoint) {
     m_document.setSelectedAnnotationId(id);
 }
 
+bool AnnotationGestures::editTextAt(const QPointF& viewPoint) {
+    if (!m_coordinates.isReachable(viewPoint))
+        return false;
+    const Annotation* hit = annotationAt(m_coordinates.convertPointToScreen(viewPoint));
+    // One without words is being written already.
+    if (!hit || hit->kind != Annotation::Kind::text || hit->text.isEmpty() || !m_document.canChange(*hit))
+        return false;
+    cancel();
+    // A text stands on its start.
+    const QSizeF size = annotation_renderer::textSize(*hit, 1);
+    const QPointF topCenter = hit->start + QPointF(size.width() / 2, -size.height());
+    const QUuid id = hit->id;
+    m_view.openTextEditor(id, m_coordinates.convertPointFromScreen(topCenter));
+    return true;
+}
+
 void AnnotationGestures::pointerDragged(const QPointF& viewPoint) {
     if (!m_coordinates.isReachable(viewPoint))
         return;

@@ -29,7 +29,7 @@ public:
     public:
         virtual ~View() = default;
 
-        /// Lets the user write an annotation's text; `textClosed` takes it.
+        /// Lets the user write an annotation's text, or change what it says; `textClosed` takes it.
         virtual void openTextEditor(const QUuid& annotation, const QPointF& viewPoint) = 0;
         /// Closes what that has opened, if anything.
         virtual void closeTextEditor() = 0;
@@ -45,6 +45,9 @@ public:
     /// A press while a gesture is going on drops that one and begins another, with the tool that is chosen
     /// then. A tool that draws nothing selects.
     void pointerPressed(const QPointF& viewPoint);
+    /// Lets the user change the text that is at that place, as far as it is the topmost shape there and may
+    /// be changed; false where there is none. For the second of two quick presses, which has been made.
+    bool editTextAt(const QPointF& viewPoint);
     void pointerDragged(const QPointF& viewPoint);
     /// Where that is does not count: a click beside a handle would bring the handle there.
     void pointerReleased();

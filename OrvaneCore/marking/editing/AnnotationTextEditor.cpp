@@ -13,12 +13,13 @@ AnnotationTextEditor::AnnotationTextEditor(QWidget& view,
 
 AnnotationTextEditor::~AnnotationTextEditor() = default;
 
-void AnnotationTextEditor::open(const QUuid& annotation, const QPointF& viewPoint) {
+void AnnotationTextEditor::open(const QUuid& annotation, const QPointF& viewPoint, const QString& words) {
     close();
-    m_popover.reset(new AnnotationTextPopover(QString(), &m_view));
-    m_popover->setOnClose([this, annotation] {
+    m_popover.reset(new AnnotationTextPopover(words, &m_view));
+    m_popover->setOnClose([this, annotation, words] {
         const auto popover = std::move(m_popover);
-        m_closed(annotation, popover->text());
+        const bool areWordsKept = popover->wasCancelled() && !words.isEmpty();
+        m_closed(annotation, areWordsKept ? words : popover->text());
         m_view.setFocus();
     });
     m_popover->openAt(viewPoint);

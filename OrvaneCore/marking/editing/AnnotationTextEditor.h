@@ -24,8 +24,9 @@ public:
     AnnotationTextEditor(const AnnotationTextEditor&) = delete;
     AnnotationTextEditor& operator=(const AnnotationTextEditor&) = delete;
 
-    /// Opens for a new text, at a point of the view. Closes what is open.
-    void open(const QUuid& annotation, const QPointF& viewPoint);
+    /// Opens at a point of the view, for a new text or with the words of one. Words stay as they were where
+    /// Escape closes the popover. Closes what is open.
+    void open(const QUuid& annotation, const QPointF& viewPoint, const QString& words = {});
     void close();
 
 private:

@@ -73,14 +73,18 @@ OverlayBar::OverlayBar(MarkerManager& manager, const std::function<void(OverlayC
     : QWidget(parent)
     , m_manager(manager)
     , m_targetIcon(std::move(targetIcon))
-    , m_cancelButton(addButton(u"cancelButton", OverlayCommand::cancel, perform))
-    , m_imageButton(addButton(u"imageButton", OverlayCommand::toggleImage, perform))
-    , m_markupButton(addButton(u"markupButton", OverlayCommand::toggleMarkup, perform))
-    , m_spotlightButton(addButton(u"spotlightButton", OverlayCommand::toggleSpotlight, perform))
-    , m_ocrButton(addButton(u"ocrButton", OverlayCommand::toggleOcr, perform))
-    , m_sendButton(addButton(u"sendButton", OverlayCommand::toggleSend, perform))
+    , m_cancelButton(addButton(u"cancelButton", OverlayCommand::cancel, overlay_bar_tips::cancel(), perform))
+    , m_imageButton(
+          addButton(u"imageButton", OverlayCommand::toggleImage, overlay_bar_tips::image(), perform))
+    , m_markupButton(
+          addButton(u"markupButton", OverlayCommand::toggleMarkup, overlay_bar_tips::markup(), perform))
+    , m_spotlightButton(addButton(u"spotlightButton", OverlayCommand::toggleSpotlight,
+                                  overlay_bar_tips::spotlight(), perform))
+    , m_ocrButton(addButton(u"ocrButton", OverlayCommand::toggleOcr, overlay_bar_tips::ocr(), perform))
+    , m_sendButton(addButton(u"sendButton", OverlayCommand::toggleSend, overlay_bar_tips::send(), perform))
     , m_sendHintLabel(new SendHintLabel(this))
-    , m_submitButton(addButton(u"submitButton", OverlayCommand::submit, perform)) {
+    , m_submitButton(
+          addButton(u"submitButton", OverlayCommand::submit, overlay_bar_tips::submit(), perform)) {
     setAttribute(Qt::WA_NoMousePropagation);
     setCursor(Qt::ArrowCursor);
     for (FirstMouseButton* toggle :
@@ -104,10 +108,12 @@ void OverlayBar::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(m_divider, gray(1, 0.2F));
 }
 
-FirstMouseButton* OverlayBar::addButton(const char16_t* name, OverlayCommand command,
+FirstMouseButton* OverlayBar::addButton(const char16_t* name, OverlayCommand command, const QString& tip,
                                         const std::function<void(OverlayCommand)>& perform) {
     auto* button = new FirstMouseButton(QString(), this);
     button->setObjectName(QString::fromUtf16(name));
+    button->setToolTip(tip);
+    button->setAccessibleDescription(tip);
     // A copy of its own: the bar may be gone before the call is over.
     connect(button, &QAbstractButton::clicked, this, [perform, command] { perform(command); });
     return button;

@@ -34,7 +34,7 @@ protected:
 private:
     class SendHintLabel;
 
-    FirstMouseButton* addButton(const char16_t* name, OverlayCommand command,
+    FirstMouseButton* addButton(const char16_t* name, OverlayCommand command, const QString& tip,
                                 const std::function<void(OverlayCommand)>& perform);
     void refresh();
     void showTitles();

@@ -28,4 +28,36 @@ OverlayBarTexts overlayBarTexts(const MarkupModes& modes, bool markupMode,
     };
 }
 
+namespace overlay_bar_tips {
+
+QString cancel() {
+    return u"Leave without capturing anything. All marks are dropped."_s;
+}
+
+QString image() {
+    return u"Copy the picture of a region alone, without paths and notes."_s;
+}
+
+QString markup() {
+    return u"Draw arrows, boxes, highlights and text on the screen."_s;
+}
+
+QString spotlight() {
+    return u"Blur everything outside the regions in the captured picture."_s;
+}
+
+QString ocr() {
+    return u"Read the text in the regions and copy it."_s;
+}
+
+QString send() {
+    return u"Paste the result into an application at once."_s;
+}
+
+QString submit() {
+    return u"Capture the regions, and copy what your agent needs to find them."_s;
+}
+
+} // namespace overlay_bar_tips
+
 } // namespace orvane

@@ -27,4 +27,17 @@ struct OverlayBarTexts {
 OverlayBarTexts overlayBarTexts(const MarkupModes& modes, bool markupMode,
                                 const std::optional<SendTarget>& target);
 
+/// What the buttons of the bar do, for who points at one of them.
+namespace overlay_bar_tips {
+
+QString cancel();
+QString image();
+QString markup();
+QString spotlight();
+QString ocr();
+QString send();
+QString submit();
+
+} // namespace overlay_bar_tips
+
 } // namespace orvane

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <algorithm>
+
 namespace orvane {
 
 using namespace Qt::StringLiterals;
@@ -22,6 +24,14 @@ QString text(const QRectF& rect) {
 }
 
 } // namespace
+
+QPointF OverlayCoordinates::regionCorner(const QPointF& viewPoint) const {
+    // Half a pixel more than the last one: a display's size in whole points is a rounded one.
+    const auto corner = [this](qreal at, qreal length) {
+        return at < length && at >= std::max(0.0, length - 1.5 * pixelSide) ? length : at;
+    };
+    return {corner(viewPoint.x(), view.frame.width()), corner(viewPoint.y(), view.frame.height())};
+}
 
 QRectF OverlayCoordinates::convertToScreen(const QRectF& viewRect) const {
     const QRectF global = view.convertToScreen(viewRect);

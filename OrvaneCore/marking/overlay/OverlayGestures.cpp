@@ -9,9 +9,9 @@ OverlayGestures::OverlayGestures(MarkerManager& manager, View& view)
     , m_regions(manager, view)
     , m_annotations(manager, view) {}
 
-void OverlayGestures::setFrame(const QRectF& globalFrame, qreal primaryHeight) {
+void OverlayGestures::setFrame(const QRectF& globalFrame, qreal primaryHeight, qreal pixelSide) {
     m_coordinates = {.frame = globalFrame};
-    m_regions.setCoordinates({.view = m_coordinates, .primaryHeight = primaryHeight});
+    m_regions.setCoordinates({.view = m_coordinates, .primaryHeight = primaryHeight, .pixelSide = pixelSide});
     m_annotations.setCoordinates(m_coordinates);
 }
 
@@ -26,6 +26,14 @@ void OverlayGestures::pointerPressed(const QPointF& viewPoint) {
     } else {
         m_annotations.pointerPressed(viewPoint);
     }
+}
+
+void OverlayGestures::pointerDoublePressed(const QPointF& viewPoint) {
+    pointerPressed(viewPoint);
+    // A region that was hit comes first.
+    const bool hasHitRegion = m_beganWithRegionTool && m_manager.selectedMarkerId();
+    if (m_coordinates.isReachable(viewPoint) && !hasHitRegion && m_annotations.editTextAt(viewPoint))
+        cancel();
 }
 
 void OverlayGestures::pointerDragged(const QPointF& viewPoint) {

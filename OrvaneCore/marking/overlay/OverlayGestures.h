@@ -31,11 +31,14 @@ public:
     /// Both outlive this object.
     OverlayGestures(MarkerManager& manager, View& view);
 
-    /// Where the view lies, in global space, and the height of the primary display.
-    void setFrame(const QRectF& globalFrame, qreal primaryHeight);
+    /// Where the view lies, in global space, the height of the primary display, and the side of a pixel of
+    /// the view's display.
+    void setFrame(const QRectF& globalFrame, qreal primaryHeight, qreal pixelSide = 1);
 
     /// The left button. A press while a gesture is going on drops that one and begins another.
     void pointerPressed(const QPointF& viewPoint);
+    /// The second press of two quick ones at a place: a press like any other, but opens the editor of a text.
+    void pointerDoublePressed(const QPointF& viewPoint);
     void pointerDragged(const QPointF& viewPoint);
     void pointerReleased(const QPointF& viewPoint);
     /// A move with no button down.

@@ -2,9 +2,16 @@
 
 namespace orvane {
 
-std::optional<OverlayCommand> overlayCommand(int carbonKeyCode) {
+std::optional<OverlayCommand> overlayCommand(int carbonKeyCode, Qt::KeyboardModifiers modifiers) {
+    constexpr int letterZ = 6;
+    constexpr Qt::KeyboardModifiers otherMeaning = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    if (carbonKeyCode == letterZ && (modifiers & (otherMeaning | Qt::ShiftModifier)) == Qt::ControlModifier)
+        return OverlayCommand::deleteMark;
+    if (modifiers & otherMeaning)
+        return std::nullopt;
     switch (carbonKeyCode) {
     case 36: // Return
+    case 76: // Enter of the keypad
         return OverlayCommand::submit;
     case 53: // Escape
         return OverlayCommand::cancel;

@@ -2,12 +2,14 @@
 
 #include "OrvaneCore/marking/overlay/OverlayCommand.h"
 
+#include <Qt>
+
 #include <optional>
 
 namespace orvane {
 
-/// What a key does while the overlay has the keyboard, by its place on the keyboard: a virtual key code as
-/// in `Shortcut::carbonKeyCode`. Nothing for a key that the overlay leaves alone.
-std::optional<OverlayCommand> overlayCommand(int carbonKeyCode);
+/// What a key does while the overlay has the keyboard: a virtual key code as in `Shortcut::carbonKeyCode`,
+/// and the modifiers that are down. Nothing for a key that the overlay leaves alone.
+std::optional<OverlayCommand> overlayCommand(int carbonKeyCode, Qt::KeyboardModifiers modifiers);
 
 } // namespace orvane

@@ -33,11 +33,13 @@ std::vector<std::pair<AnnotationTool, QString>> paletteTools() {
             {AnnotationTool::text, u"Text"_s}};
 }
 
-/// Keys that are where they are on every keyboard. The PC's Delete key does what its label says.
+/// Keys that every keyboard has, whatever its letters. The PC's Delete key does what its label says.
 std::optional<int> fixedKeyCode(int key) {
     switch (key) {
     case Qt::Key_Return:
         return 36;
+    case Qt::Key_Enter:
+        return 76;
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
         return 48;
@@ -75,14 +77,16 @@ OverlayView::OverlayView(const OverlayDocument& document, QWidget* parent)
     setCursor(Qt::CrossCursor);
     m_palette->setDraggable(true);
     m_palette->hide();
+    m_bar->installEventFilter(this);
+    m_palette->installEventFilter(this);
     m_subscription = m_document.manager.observe([this] { m_refresh.request(); });
 }
 
 OverlayView::~OverlayView() = default;
 
-void OverlayView::setFrame(const QRect& globalFrame, qreal primaryHeight) {
+void OverlayView::setFrame(const QRect& globalFrame, qreal primaryHeight, qreal pixelSide) {
     m_frame = globalFrame;
-    m_gestures.setFrame(globalFrame, primaryHeight);
+    m_gestures.setFrame(globalFrame, primaryHeight, pixelSide);
     m_refresh.request();
 }
 
@@ -122,38 +126,45 @@ void OverlayView::placeControls() {
     m_palette->move((width() - m_palette->width()) / 2, m_bar->y() - paletteGap - m_palette->height());
 }
 
-// Where the pointer is within the window, which the view fills: Qt rounds what it tells a widget inside a
-// window to whole points, and a pixel may be less.
+QPointF OverlayView::placeOf(const QMouseEvent& event) const {
+    // Qt rounds the place in a widget inside a window to whole points, and a pixel may be less; and the place
+    // in the window is (-1, -1) in the move that has left a button.
+    return mapFromGlobal(event.globalPosition());
+}
 
 void OverlayView::mousePressEvent(QMouseEvent* event) {
     const EventRefresh::Event handled(m_refresh);
     if (event->button() == Qt::LeftButton) {
-        m_gestures.pointerPressed(event->scenePosition());
+        m_gestures.pointerPressed(placeOf(*event));
     } else if (event->button() == Qt::RightButton) {
-        m_gestures.rightPressed(event->scenePosition());
+        m_gestures.rightPressed(placeOf(*event));
     }
 }
 
 void OverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
-    // The second press of two quick ones is a press like any other.
-    mousePressEvent(event);
+    if (event->button() != Qt::LeftButton) {
+        mousePressEvent(event);
+        return;
+    }
+    const EventRefresh::Event handled(m_refresh);
+    m_gestures.pointerDoublePressed(placeOf(*event));
 }
 
 void OverlayView::mouseMoveEvent(QMouseEvent* event) {
     const EventRefresh::Event handled(m_refresh);
     if (event->buttons().testFlag(Qt::LeftButton)) {
-        m_gestures.pointerDragged(event->scenePosition());
+        m_gestures.pointerDragged(placeOf(*event));
         return;
     }
     // The release of a gesture may have gone to another program that took the pointer.
     m_gestures.cancel();
-    m_gestures.pointerMoved(event->scenePosition());
+    m_gestures.pointerMoved(placeOf(*event));
 }
 
 void OverlayView::mouseReleaseEvent(QMouseEvent* event) {
     const EventRefresh::Event handled(m_refresh);
     if (event->button() == Qt::LeftButton)
-        m_gestures.pointerReleased(event->scenePosition());
+        m_gestures.pointerReleased(placeOf(*event));
 }
 
 void OverlayView::leaveEvent(QEvent* /*event*/) {
@@ -161,10 +172,19 @@ void OverlayView::leaveEvent(QEvent* /*event*/) {
     m_gestures.pointerLeft();
 }
 
+bool OverlayView::eventFilter(QObject* watched, QEvent* event) {
+    // A pointer that goes over to the bar or the palette does not leave the view for Qt.
+    if (event->type() == QEvent::Enter) {
+        const EventRefresh::Event handled(m_refresh);
+        m_gestures.pointerLeft();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
 void OverlayView::keyPressEvent(QKeyEvent* event) {
-    constexpr Qt::KeyboardModifiers otherMeaning = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const std::optional<int> code = event->modifiers() & otherMeaning ? std::nullopt : keyCode(*event);
-    const std::optional<OverlayCommand> command = code ? overlayCommand(*code) : std::nullopt;
+    const std::optional<int> code = keyCode(*event);
+    const std::optional<OverlayCommand> command =
+        code ? overlayCommand(*code, event->modifiers()) : std::nullopt;
     if (!command) {
         QWidget::keyPressEvent(event);
         return;
@@ -177,7 +197,9 @@ void OverlayView::keyPressEvent(QKeyEvent* event) {
 std::optional<int> OverlayView::keyCode(const QKeyEvent& event) const {
     if (const std::optional<int> code = fixedKeyCode(event.key()))
         return code;
-    return m_document.keyboard.keyCode(event.nativeScanCode());
+    return m_document.keyboard.keyCode({.scanCode = event.nativeScanCode(),
+                                        .virtualKey = event.nativeVirtualKey(),
+                                        .modifiers = event.nativeModifiers()});
 }
 
 bool OverlayView::focusNextPrevChild(bool /*next*/) {
@@ -205,7 +227,8 @@ void OverlayView::openLabelEditor(const QUuid& marker, const QPointF& viewPoint)
 
 void OverlayView::openTextEditor(const QUuid& annotation, const QPointF& viewPoint) {
     closeEditors();
-    m_textEditor.open(annotation, viewPoint);
+    if (const Annotation* text = findAnnotation(m_document.manager, annotation))
+        m_textEditor.open(annotation, viewPoint, QString(text->text));
 }
 
 void OverlayView::takeKeyboard() {

@@ -39,8 +39,11 @@ public:
     OverlayView(const OverlayDocument& document, QWidget* parent);
     ~OverlayView() override;
 
-    /// Where the view is, in global points, and how high the primary display is.
-    void setFrame(const QRect& globalFrame, qreal primaryHeight);
+    /// Where the view is, in global points, how high the primary display is, and how large a pixel of the
+    /// view's display.
+    void setFrame(const QRect& globalFrame, qreal primaryHeight, qreal pixelSide = 1);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     /// Ends what is being typed; it is kept.
     void closeEditors() override;
@@ -75,6 +78,8 @@ private:
     /// Repaints what differs from what is shown.
     void refresh();
     void placeControls();
+    /// Where the pointer is in the view.
+    QPointF placeOf(const QMouseEvent& event) const;
     std::optional<int> keyCode(const QKeyEvent& event) const;
 
     OverlayDocument m_document;

@@ -30,6 +30,8 @@ OverlayWindow::OverlayWindow(const OverlayDocument& document, Surfaces& surfaces
     , m_frozen(frozen)
     , m_view(new OverlayView(document, this)) {
     setAttribute(Qt::WA_QuitOnClose, false);
+    // On the other displays, which do not have the keyboard, as well.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     setAttribute(Qt::WA_TranslucentBackground, m_frozen.isNull());
     setAttribute(Qt::WA_OpaquePaintEvent, !m_frozen.isNull());
     setPalette(steadyPalette());
@@ -44,7 +46,8 @@ void OverlayWindow::coverScreen() {
     if (!m_screen)
         return;
     setGeometry(m_screen->geometry());
-    m_view->setFrame(m_screen->geometry(), QGuiApplication::primaryScreen()->geometry().height());
+    m_view->setFrame(m_screen->geometry(), QGuiApplication::primaryScreen()->geometry().height(),
+                     1 / m_screen->devicePixelRatio());
 }
 
 void OverlayWindow::paintEvent(QPaintEvent* event) {

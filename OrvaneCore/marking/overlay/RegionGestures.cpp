@@ -62,7 +62,7 @@ void RegionGestures::pointerPressed(const QPointF& viewPoint) {
     const QPointF point = m_coordinates.view.convertPointToScreen(viewPoint);
     const std::optional<MarkerHit> hit = markerAt(m_manager.markers(), point);
     if (!hit) {
-        m_gesture = Draw{.start = viewPoint, .rect = std::nullopt};
+        m_gesture = Draw{.start = m_coordinates.regionCorner(viewPoint), .rect = std::nullopt};
         m_manager.setSelectedMarkerId(std::nullopt);
         return;
     }
@@ -111,8 +111,8 @@ std::optional<QRectF> RegionGestures::currentRect() const {
     return drawn ? drawn->rect : std::nullopt;
 }
 
-void RegionGestures::drag(Draw& gesture, const QPointF& viewPoint) {
-    gesture.rect = RectEdges::between(gesture.start, viewPoint).toRect();
+void RegionGestures::drag(Draw& gesture, const QPointF& viewPoint) const {
+    gesture.rect = RectEdges::between(gesture.start, m_coordinates.regionCorner(viewPoint)).toRect();
 }
 
 // The document is changed last in each of these: those who observe it may end the gesture.
@@ -130,7 +130,7 @@ void RegionGestures::drag(Move& gesture, const QPointF& viewPoint) {
 }
 
 void RegionGestures::drag(const Reshape& gesture, const QPointF& viewPoint) {
-    const QPointF point = m_coordinates.view.convertPointToScreen(viewPoint);
+    const QPointF point = m_coordinates.view.convertPointToScreen(m_coordinates.regionCorner(viewPoint));
     m_manager.updateRect(gesture.id, Marker::reshapedRect(gesture.rect, gesture.handle, point));
 }
 

@@ -75,7 +75,7 @@ private:
     using Gesture = std::variant<std::monostate, Draw, Move, Reshape>;
 
     static void drag(std::monostate, const QPointF&) {}
-    static void drag(Draw& gesture, const QPointF& viewPoint);
+    void drag(Draw& gesture, const QPointF& viewPoint) const;
     void drag(Move& gesture, const QPointF& viewPoint);
     void drag(const Reshape& gesture, const QPointF& viewPoint);
 

@@ -258,4 +258,34 @@ TEST(CarbonKeys, AreAllDifferentAndHaveNames) {
     EXPECT_EQ(keysyms.size(), 99U);
 }
 
+TEST(KeyboardMap, TellsLayoutsOfLatinLettersFromOthers) {
+    Keyboard keyboard;
+    keyboard.keys.insert({{24, {XK_a, XK_A, XK_Cyrillic_shorti, XK_Cyrillic_SHORTI}},
+                          {25, {XK_z, XK_Z, XK_Cyrillic_tse, XK_Cyrillic_TSE}},
+                          {26, {XK_comma, XK_question, XK_comma, XK_question}}});
+    EXPECT_TRUE(keyboard.map().hasLatinLetters(0));
+    EXPECT_FALSE(keyboard.map().hasLatinLetters(1));
+    for (const std::size_t unknown : {2, 3, 1000})
+        EXPECT_TRUE(keyboard.map().hasLatinLetters(unknown));
+    // One letter of the other alphabet does not make it.
+    keyboard.keys.insert({27, {XK_Greek_mu, XK_Greek_MU, XK_z, XK_Z}});
+    EXPECT_TRUE(keyboard.map().hasLatinLetters(0));
+    EXPECT_FALSE(keyboard.map().hasLatinLetters(1));
+    EXPECT_TRUE(KeyboardMap(8, 1, {XK_Greek_mu}, {}).hasLatinLetters(1));
+    EXPECT_FALSE(KeyboardMap(8, 1, {XK_Greek_mu}, {}).hasLatinLetters(0));
+    EXPECT_TRUE(KeyboardMap(8, 0, {}, {}).hasLatinLetters(0));
+}
+
+TEST(CarbonKeys, AreFoundByTheirCharacterOnAUsKeyboard) {
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_m), 46);
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_M), 46);
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_a), 0);
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_z), 6);
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_comma), 43);
+    EXPECT_EQ(x11::carbonKeyCodeOf(XK_1), 18);
+    for (const xcb_keysym_t none :
+         {0, XK_eacute, XK_Cyrillic_softsign, XK_Return, XK_KP_1, XK_at, 0x0100006D})
+        EXPECT_EQ(x11::carbonKeyCodeOf(none), std::nullopt) << none;
+}
+
 } // namespace orvane::test

@@ -11,7 +11,7 @@ TEST(NoWindows, AreNothingToOffer) {
     NoShell shell;
     EXPECT_FALSE(shell.hasTrayHost());
     EXPECT_EQ(shell.limits(), std::nullopt);
-    EXPECT_EQ(NoKeyboard().keyCode(38), std::nullopt);
+    EXPECT_EQ(NoKeyboard().keyCode({.scanCode = 38, .virtualKey = u'a'}), std::nullopt);
 }
 
 } // namespace orvane::headless

@@ -510,4 +510,40 @@ TEST_F(AnnotationGesturesTest, PointsThatNoPointerReachesAreIgnored) {
     EXPECT_EQ(document.annotations().size(), 1U);
 }
 
+TEST_F(AnnotationGesturesTest, ATextIsOpenedAboveItsMiddle) {
+    gestures.setCoordinates({.frame = {-100, 50, 800, 600}});
+    const Annotation text{.kind = Kind::text, .start = {200, 300}, .end = {200, 300}, .text = u"words"_s};
+    document.addAnnotation(text);
+    document.setSelectedAnnotationId(std::nullopt);
+    EXPECT_TRUE(gestures.editTextAt({305, 245}));
+    EXPECT_EQ(view.calls, Calls{"open text"});
+    EXPECT_EQ(view.editedAnnotation, text.id);
+    const QSizeF size = annotation_renderer::textSize(text, 1);
+    EXPECT_TRUE(isPoint(view.place, {300 + size.width() / 2, 250 - size.height()}));
+    EXPECT_FALSE(gestures.isGoingOn());
+}
+
+TEST_F(AnnotationGesturesTest, OnlyTheTopmostShapeIsOpenedAndOnlyATextWithWords) {
+    EXPECT_FALSE(gestures.editTextAt({200, 300}));
+    document.addAnnotation({.kind = Kind::text, .start = {200, 300}, .end = {200, 300}});
+    EXPECT_FALSE(gestures.editTextAt({205, 295}));
+    const Annotation text{.kind = Kind::text, .start = {200, 300}, .end = {200, 300}, .text = u"words"_s};
+    document.addAnnotation(text);
+    EXPECT_TRUE(gestures.editTextAt({205, 295}));
+    EXPECT_FALSE(gestures.editTextAt({notANumber, 295}));
+    EXPECT_FALSE(gestures.editTextAt({infinite, 295}));
+    document.addAnnotation({.kind = Kind::highlight, .start = {190, 250}, .end = {300, 400}});
+    EXPECT_FALSE(gestures.editTextAt({205, 295}));
+    EXPECT_EQ(view.calls, Calls{"open text"});
+}
+
+TEST_F(AnnotationGesturesTest, ATextThatMayNotBeHitOrChangedIsNotOpened) {
+    document.addAnnotation({.kind = Kind::text, .start = {200, 300}, .end = {200, 300}, .text = u"words"_s});
+    document.isChangeable = [](const Annotation&) { return false; };
+    EXPECT_FALSE(gestures.editTextAt({205, 295}));
+    document.isChangeable = [](const Annotation&) { return true; };
+    document.isHittable = [](const Annotation&) { return false; };
+    EXPECT_FALSE(gestures.editTextAt({205, 295}));
+}
+
 } // namespace orvane

@@ -73,6 +73,31 @@ TEST_F(AnnotationTextEditorTest, OpensOneAtATimeAndEachEmpty) {
     EXPECT_THAT(written, ElementsAre(Pair(first, u"one"_s), Pair(second, QString())));
 }
 
+TEST_F(AnnotationTextEditorTest, OpensWithTheWordsOfAText) {
+    editor->open(first, {400, 100}, u"as it was"_s);
+    ASSERT_TRUE(isOpen());
+    EXPECT_EQ(static_cast<const QLineEdit*>(QApplication::focusWidget())->text(), u"as it was"_s);
+    test::typeKey(view, Qt::Key_Return);
+    EXPECT_THAT(written, ElementsAre(Pair(first, u"as it was"_s)));
+}
+
+TEST_F(AnnotationTextEditorTest, GivesChangedWordsUnlessItIsCancelled) {
+    editor->open(first, {400, 100}, u"as it was"_s);
+    test::typeText(u"changed"_s);
+    test::typeKey(view, Qt::Key_Return);
+    editor->open(first, {400, 100}, u"changed"_s);
+    test::typeText(u"by a click elsewhere"_s);
+    editor->close();
+    editor->open(first, {400, 100}, u"by a click elsewhere"_s);
+    test::typeText(u"not kept"_s);
+    test::typeKey(view, Qt::Key_Escape);
+    editor->open(first, {400, 100}, u"by a click elsewhere"_s);
+    test::typeKey(view, Qt::Key_Delete);
+    test::typeKey(view, Qt::Key_Return);
+    EXPECT_THAT(written, ElementsAre(Pair(first, u"changed"_s), Pair(first, u"by a click elsewhere"_s),
+                                     Pair(first, u"by a click elsewhere"_s), Pair(first, QString())));
+}
+
 TEST_F(AnnotationTextEditorTest, TakesItsPopoverAlong) {
     editor->open(first, {400, 100});
     editor.reset();

@@ -72,6 +72,7 @@ protected:
     GestureTest() { gestures.setFrame({0, 0, 1920, 1080}, 1080); }
 
     void press(const QPointF& point) { gestures.pointerPressed(point); }
+    void doublePress(const QPointF& point) { gestures.pointerDoublePressed(point); }
     void dragTo(const QPointF& point) { gestures.pointerDragged(point); }
     void release(const QPointF& point) { gestures.pointerReleased(point); }
     void click(const QPointF& point) {

@@ -44,4 +44,31 @@ TEST(OverlayCoordinates, WhatIsBelowThePrimaryDisplayIsLoggedBelowZero) {
               "quartz=(5.0, 1086.0, 20.0, 10.0) mainH=1080.0\n");
 }
 
+TEST(OverlayCoordinates, TheLastColumnAndRowMeanTheEdge) {
+    const OverlayCoordinates once{.view = {{-1440, 200, 1440, 900}}, .primaryHeight = 1080};
+    EXPECT_EQ(once.regionCorner({1439, 899}), QPointF(1440, 900));
+    EXPECT_EQ(once.regionCorner({1439, 400}), QPointF(1440, 400));
+    EXPECT_EQ(once.regionCorner({700, 899}), QPointF(700, 900));
+    for (const QPointF& inside : {QPointF(1438, 898), QPointF(0, 0), QPointF(0.5, 700)})
+        EXPECT_EQ(once.regionCorner(inside), inside);
+    // On other displays the pointer is where it is.
+    for (const QPointF& outside : {QPointF(1440, 900), QPointF(1500, 1000), QPointF(-1, -1)})
+        EXPECT_EQ(once.regionCorner(outside), outside);
+}
+
+TEST(OverlayCoordinates, TheLastColumnIsAPixelWideAtEveryScale) {
+    const OverlayCoordinates twice{.view = {{0, 0, 800, 600}}, .primaryHeight = 600, .pixelSide = 0.5};
+    EXPECT_EQ(twice.regionCorner({799.5, 599.5}), QPointF(800, 600));
+    EXPECT_EQ(twice.regionCorner({799, 599}), QPointF(799, 599));
+    // 1000 pixels are 666.67 points, and a view has whole ones.
+    const OverlayCoordinates half{.view = {{0, 0, 667, 800}}, .primaryHeight = 800, .pixelSide = 1 / 1.5};
+    EXPECT_EQ(half.regionCorner({999 / 1.5, 100}), QPointF(667, 100));
+    EXPECT_EQ(half.regionCorner({998 / 1.5, 100}), QPointF(998 / 1.5, 100));
+}
+
+TEST(OverlayCoordinates, WithoutAFrameThereIsNoEdge) {
+    for (const QPointF& point : {QPointF(0, 0), QPointF(-1, -0.5), QPointF(30, 40)})
+        EXPECT_EQ(OverlayCoordinates().regionCorner(point), point);
+}
+
 } // namespace orvane

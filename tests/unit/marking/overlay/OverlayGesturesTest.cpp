@@ -5,6 +5,8 @@
 
 namespace orvane {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using test::infinite;
@@ -415,6 +417,60 @@ TEST_F(TwoViewsTest, ARegionMayReachFromOneDisplayIntoTheOther) {
     drag({100, 300}, {-300, 500});
     EXPECT_TRUE(isRect(markerNumber(1).rect, {-300, 300, 400, 200}));
     EXPECT_TRUE(isPoint(view.place, {-100, 300}));
+}
+
+TEST_F(OverlayGesturesTest, ADoubleClickOpensATextWithEveryTool) {
+    const Annotation text{
+        .kind = Annotation::Kind::text, .start = {300, 300}, .end = {300, 300}, .text = u"words"_s};
+    manager.addAnnotation(text);
+    for (const AnnotationTool tool :
+         {AnnotationTool::select, AnnotationTool::arrow, AnnotationTool::text, AnnotationTool::region}) {
+        manager.setCurrentTool(tool);
+        click({310, 295});
+        view.calls.clear();
+        doublePress({310, 295});
+        ASSERT_FALSE(view.calls.empty());
+        EXPECT_EQ(view.calls.back(), "open text");
+        EXPECT_EQ(view.editedAnnotation, text.id);
+        // The press has begun nothing.
+        dragTo({400, 400});
+        EXPECT_EQ(gestures.currentRect(), std::nullopt);
+        EXPECT_EQ(gestures.draft(), std::nullopt);
+        release({400, 400});
+        ASSERT_EQ(manager.annotations().size(), 1U);
+        EXPECT_EQ(annotationNumber(1).start, QPointF(300, 300));
+        EXPECT_TRUE(manager.markers().empty());
+    }
+}
+
+TEST_F(OverlayGesturesTest, ADoublePressElsewhereIsAPress) {
+    manager.setCurrentTool(AnnotationTool::region);
+    doublePress({100, 100});
+    dragTo({200, 200});
+    release({200, 200});
+    EXPECT_EQ(manager.markers().size(), 1U);
+    manager.setCurrentTool(AnnotationTool::box);
+    doublePress({300, 300});
+    dragTo({400, 400});
+    release({400, 400});
+    EXPECT_EQ(manager.annotations().size(), 1U);
+    // On the outline of what is no text.
+    doublePress({350, 300});
+    dragTo({360, 310});
+    release({360, 310});
+    EXPECT_EQ(annotationNumber(1).start, QPointF(310, 310));
+}
+
+TEST_F(OverlayGesturesTest, ADoubleClickOnARegionsOutlineMeansTheRegion) {
+    manager.addAnnotation(
+        {.kind = Annotation::Kind::text, .start = {300, 300}, .end = {300, 300}, .text = u"words"_s});
+    region({305, 200, 200, 200});
+    manager.setCurrentTool(AnnotationTool::region);
+    view.calls.clear();
+    doublePress({305, 295});
+    EXPECT_EQ(view.calls, (std::vector<std::string>{"close editors", "take keyboard"}));
+    dragTo({315, 295});
+    EXPECT_EQ(markerNumber(1).rect.x(), 315);
 }
 
 } // namespace orvane

@@ -283,4 +283,21 @@ TEST_F(RegionGesturesTest, ALabelOfAMarkerThatIsGoneIsDropped) {
     EXPECT_TRUE(markerNumber(1).label.isEmpty());
 }
 
+TEST_F(RegionGesturesTest, ADragToTheLastPixelMarksUpToTheEdge) {
+    drag({1800, 1000}, {1919, 1079});
+    EXPECT_TRUE(isRect(markerNumber(1).rect, {1800, 1000, 120, 80}));
+    drag({1919, 600}, {1700, 400});
+    EXPECT_TRUE(isRect(markerNumber(2).rect, {1700, 400, 220, 200}));
+    drag({0, 0}, {50, 50});
+    EXPECT_TRUE(isRect(markerNumber(3).rect, {0, 0, 50, 50}));
+}
+
+TEST_F(RegionGesturesTest, ACornerCanBeDraggedToTheEdge) {
+    region({1000, 500, 200, 100});
+    drag({1200, 600}, {1919, 1079});
+    EXPECT_TRUE(isRect(markerNumber(1).rect, {1000, 500, 920, 580}));
+    drag({1915, 1075}, {1300, 700});
+    EXPECT_TRUE(isRect(markerNumber(1).rect, {1000, 500, 300, 200}));
+}
+
 } // namespace orvane

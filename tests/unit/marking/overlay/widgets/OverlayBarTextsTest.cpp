@@ -34,6 +34,17 @@ TEST(OverlayBarTexts, TellWhatIsOn) {
     EXPECT_EQ(texts.submit.toUtf8(), "Submit  \xE2\x86\xA9");
 }
 
+TEST(OverlayBarTexts, ExplainEachButton) {
+    const QStringList tips{overlay_bar_tips::cancel(), overlay_bar_tips::image(),
+                           overlay_bar_tips::markup(), overlay_bar_tips::spotlight(),
+                           overlay_bar_tips::ocr(),    overlay_bar_tips::send(),
+                           overlay_bar_tips::submit()};
+    for (const QString& tip : tips) {
+        EXPECT_TRUE(tip.endsWith(u'.')) << tip.toStdString();
+        EXPECT_EQ(tips.count(tip), 1) << tip.toStdString();
+    }
+}
+
 TEST(OverlayBarTexts, SayThatThereIsNoApplication) {
     const OverlayBarTexts texts = overlayBarTexts({.directSend = true}, false, std::nullopt);
     EXPECT_EQ(texts.send.toUtf8(), "Send: no app (S)");

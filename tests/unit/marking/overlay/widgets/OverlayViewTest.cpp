@@ -1,6 +1,8 @@
 #include "OrvaneCore/marking/overlay/OverlayView.h"
 
+#include "OrvaneCore/marking/editing/MarkupPalette.h"
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
+#include "OrvaneCore/marking/overlay/OverlayBar.h"
 #include "OrvaneCore/marking/overlay/OverlayCommands.h"
 #include "OrvaneCore/marking/overlay/OverlayPainter.h"
 #include "OrvaneCore/platform/DesktopKeyboard.h"
@@ -10,6 +12,7 @@
 #include "tests/support/WidgetTest.h"
 
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
@@ -20,10 +23,12 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Knows no key but M.
+/// Every key is the same one: M, or whichever a test likes.
 class LetterKeyboard : public DesktopKeyboard {
 public:
-    std::optional<int> keyCode(quint32 /*nativeScanCode*/) const override { return 46; }
+    std::optional<int> keyCode(const NativeKey& /*key*/) override { return code; }
+
+    int code = 46;
 };
 
 class CountingView : public OverlayView {
@@ -115,7 +120,8 @@ protected:
     test::InMemorySettings settings;
     MarkerManager manager{settings};
     SendTargets targets;
-    OverlayCommands commands{manager, targets, [] {}, [] {}};
+    int submissions = 0;
+    OverlayCommands commands{manager, targets, [this] { ++submissions; }, [] {}};
     LetterKeyboard keyboard;
     OverlayDocument overlay{.manager = manager,
                             .commands = commands,
@@ -210,6 +216,79 @@ TEST_F(OverlayViewTest, AKeyThatChangesSeveralThingsMakesOneScene) {
     EXPECT_TRUE(isShown());
     EXPECT_EQ(scenesOf([this] { test::typeKey(ground, Qt::Key_Backspace); }), 1);
     EXPECT_TRUE(manager.markers().empty());
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, EnterOfTheKeypadSubmits) {
+    test::typeKey(ground, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(submissions, 1);
+    test::typeKey(ground, Qt::Key_Return);
+    EXPECT_EQ(submissions, 2);
+}
+
+TEST_F(OverlayViewTest, ControlZUndoes) {
+    keyboard.code = 6;
+    manager.add({0, 150, 200, 100}, QString());
+    test::typeKey(ground, Qt::Key_Z);
+    EXPECT_EQ(manager.markers().size(), 1U);
+    test::typeKey(ground, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(manager.markers().empty());
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(OverlayViewTest, TheCrosshairLeavesWhereThePointerIsOnTheBarOrThePalette) {
+    commands.perform(OverlayCommand::toggleMarkup);
+    for (const QWidget* strip : {static_cast<QWidget*>(view.findChild<OverlayBar*>()),
+                                 static_cast<QWidget*>(view.findChild<MarkupPalette*>())}) {
+        ASSERT_TRUE(strip && strip->isVisible());
+        moveTo({100, 100});
+        EXPECT_EQ(view.current().mousePosition, QPointF(100, 100));
+        moveTo(strip->geometry().center());
+        EXPECT_EQ(view.current().mousePosition, std::nullopt);
+        EXPECT_TRUE(isShown());
+        moveTo({120, 110});
+        EXPECT_EQ(view.current().mousePosition, QPointF(120, 110));
+        EXPECT_TRUE(isShown());
+    }
+    // A gesture goes on over both.
+    manager.setCurrentTool(AnnotationTool::region);
+    press({120, 110});
+    const QPoint place = view.findChild<OverlayBar*>()->geometry().center();
+    moveTo(place);
+    EXPECT_EQ(view.current().mousePosition, QPointF(place));
+    EXPECT_TRUE(view.current().currentRect);
+    release(place);
+}
+
+TEST_F(OverlayViewTest, ADoubleClickOpensATextWithItsWords) {
+    commands.perform(OverlayCommand::toggleMarkup);
+    const Annotation text{.kind = Annotation::Kind::text,
+                          .start = {100, 250},
+                          .end = {100, 250},
+                          .text = u"first words"_s,
+                          .color = Qt::red,
+                          .strokeWidth = 6};
+    manager.addAnnotation(text);
+    const QPoint place(210, 192);
+    const auto doubleClick = [&] {
+        moveTo(place);
+        QTest::mouseDClick(ground.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+    };
+    doubleClick();
+    const auto* field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(field);
+    EXPECT_EQ(field->text(), u"first words"_s);
+    test::typeText(u"others"_s);
+    test::typeKey(ground, Qt::Key_Escape);
+    EXPECT_EQ(manager.annotations().at(0).text, u"first words"_s);
+    EXPECT_TRUE(view.hasFocus());
+    doubleClick();
+    test::typeText(u"others"_s);
+    test::typeKey(ground, Qt::Key_Return);
+    ASSERT_EQ(manager.annotations().size(), 1U);
+    EXPECT_EQ(manager.annotations()[0].text, u"others"_s);
+    EXPECT_EQ(manager.annotations()[0].id, text.id);
+    EXPECT_EQ(manager.annotations()[0].start, text.start);
     EXPECT_TRUE(isShown());
 }
 
