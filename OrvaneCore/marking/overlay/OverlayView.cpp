@@ -127,9 +127,12 @@ void OverlayView::placeControls() {
 }
 
 QPointF OverlayView::placeOf(const QMouseEvent& event) const {
-    // Qt rounds the place in a widget inside a window to whole points, and a pixel may be less; and the place
-    // in the window is (-1, -1) in the move that has left a button.
-    return mapFromGlobal(event.globalPosition());
+    // Within the window, which the view fills: Qt rounds what it tells a widget inside a window to whole
+    // points, and a pixel may be less.
+    const QPointF place = event.scenePosition();
+    // A move that has just left a button has the place in the window of the event that told the button so.
+    const bool isOverwritten = place == QPointF(-1, -1);
+    return isOverwritten ? event.globalPosition() - QPointF(window()->geometry().topLeft()) : place;
 }
 
 void OverlayView::mousePressEvent(QMouseEvent* event) {
