@@ -1,11 +1,13 @@
 #include "Orvane/AppDelegate.h"
 
+#include "Orvane/Patience.h"
 #include "OrvaneCore/base/Log.h"
 #include "OrvanePlatform/Platform.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 
 #include <chrono>
@@ -31,7 +33,7 @@ AppDelegate::AppDelegate(Platform& platform)
     , m_services(platform)
     , m_endpoint(QDir::homePath(), platform.secretStore())
     , m_hotkeys(platform.makeHotkeys())
-    , m_shortcuts(platform.settingsStore(), *m_hotkeys, platform.words())
+    , m_shortcuts(std::make_unique<KeyboardShortcuts>(platform.settingsStore(), *m_hotkeys, platform.words()))
     , m_toast(platform.surfaces())
     , m_tooltips(platform.surfaces())
     , m_recording(m_services.recorder(), m_services.discovery(), m_services.storage(), m_tasks, *this,
@@ -74,7 +76,7 @@ void AppDelegate::applicationDidFinishLaunching() {
                      [this] { m_retentionSweep.begin(); });
     m_cleanupTimer.start(cleanupPeriod);
     setupMenuBar();
-    m_commands.bindHotkeys(m_shortcuts);
+    m_commands.bindHotkeys(*m_shortcuts);
     startMCPHost();
 }
 
@@ -151,7 +153,8 @@ void AppDelegate::chooseTarget(const std::function<void(std::optional<RecordingT
 }
 
 void AppDelegate::recordingChanged() {
-    m_statusItem->update();
+    if (m_statusItem)
+        m_statusItem->update();
 }
 
 void AppDelegate::copyToClipboard(const QString& text) {
@@ -172,12 +175,31 @@ void AppDelegate::holdWindowsBack(bool areHeldBack) {
 void AppDelegate::quit() {
     if (std::exchange(m_hasQuit, true))
         return;
-    if (m_recording.isRecording())
-        m_recording.stop();
+    // What may take its time follows in `finish`.
     if (m_mcpHTTPServer)
         m_mcpHTTPServer->stop();
     m_endpoint.remove();
     QCoreApplication::quit();
+}
+
+void AppDelegate::withdraw() {
+    m_overlay.hideOverlay();
+    m_statusItem.reset();
+    // The connection that they are grabbed on goes with them, so that the next copy gets them at once.
+    m_shortcuts.reset();
+    m_hotkeys.reset();
+    // What was asked of the display goes out.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+bool AppDelegate::finish() {
+    const QDeadlineTimer toolDeadline(patience::tools);
+    bool done = m_services.finishRecording(patience::saving);
+    done = m_tasks.waitForDone(patience::saving) && done;
+    if (m_mcpHTTPServer)
+        done = m_mcpHTTPServer->waitForTools(std::chrono::milliseconds(toolDeadline.remainingTime())) && done;
+    // A tool may have begun one meanwhile.
+    return m_services.finishRecording(patience::saving) && done;
 }
 
 } // namespace orvane

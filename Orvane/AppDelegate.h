@@ -41,6 +41,13 @@ public:
     /// Ends the event loop, and before that what others could still come by. Once is enough.
     void quit();
 
+    /// After the event loop: leaves the screen and the keyboard to whoever comes next.
+    void withdraw();
+
+    /// Afterwards: brings recordings and submissions to their end, and waits a moment for tools. False when
+    /// something still runs; then this object may not be destroyed, and all that there is to save is saved.
+    bool finish();
+
 private:
     void setupMenuBar();
     /// What is left of the launch follows when the host is there.
@@ -63,7 +70,8 @@ private:
     ToolServices m_services;
     MCPEndpoint m_endpoint;
     std::unique_ptr<GlobalHotkeys> m_hotkeys;
-    KeyboardShortcuts m_shortcuts;
+    /// Null after the end.
+    std::unique_ptr<KeyboardShortcuts> m_shortcuts;
     ToastWindow m_toast;
     Tooltips m_tooltips;
     HumanRecording m_recording;
@@ -72,7 +80,7 @@ private:
     SubmitPipeline m_submitPipeline;
     OverlayController m_overlay;
     Commands m_commands;
-    /// Null until the application has launched.
+    /// Null until the application has launched and after the end.
     std::unique_ptr<StatusItem> m_statusItem;
     /// Null where no port is free.
     std::unique_ptr<MCPHTTPServer> m_mcpHTTPServer;

@@ -60,7 +60,7 @@ int runApplicationFace(int argc, char* argv[]) {
     QApplication::setDesktopFileName(u"com.orvane.app"_s);
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const auto lock = acquireLock(*platform, startedByLauncher ? lockPatience : 0ms);
+    auto lock = acquireLock(*platform, startedByLauncher ? lockPatience : 0ms);
     if (!lock) {
         // Of several copies that agents start at once one is enough, and nobody is there to read an alert.
         if (!startedByLauncher)
@@ -73,6 +73,12 @@ int runApplicationFace(int argc, char* argv[]) {
     QObject::connect(&application, &QCoreApplication::aboutToQuit, [&delegate] { delegate.quit(); });
     delegate.applicationDidFinishLaunching();
     QApplication::exec();
+    delegate.withdraw();
+    // From here on another copy may run, and its own endpoint file stands.
+    lock.reset();
+    // A tool that still runs uses what would go now.
+    if (!delegate.finish())
+        std::_Exit(EXIT_SUCCESS);
     return EXIT_SUCCESS;
 }
 

@@ -1,5 +1,6 @@
 #include "Orvane/BackgroundTasks.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -11,6 +12,10 @@ BackgroundTasks::BackgroundTasks() {
 
 BackgroundTasks::~BackgroundTasks() {
     m_threads.waitForDone();
+}
+
+bool BackgroundTasks::waitForDone(std::chrono::milliseconds patience) {
+    return m_threads.waitForDone(static_cast<int>(std::max<qint64>(0, patience.count())));
 }
 
 void BackgroundTasks::run(std::function<Continuation()> work) {

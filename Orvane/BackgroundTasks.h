@@ -5,6 +5,8 @@
 
 #include <QThreadPool>
 
+#include <chrono>
+
 namespace orvane {
 
 /// Tasks on threads of its own, as many as there are tasks under way: most of them wait for something, and a
@@ -16,6 +18,9 @@ public:
     ~BackgroundTasks() override;
 
     void run(std::function<Continuation()> work) override;
+
+    /// Waits for the work that has begun or waits its turn, at most that long. False when there is some left.
+    bool waitForDone(std::chrono::milliseconds patience);
 
 private:
     CallReceiver m_mainThread;

@@ -1,5 +1,6 @@
 #include "Orvane/ToolFace.h"
 
+#include "Orvane/Patience.h"
 #include "Orvane/ToolServices.h"
 #include "OrvaneCore/base/Clock.h"
 #include "OrvaneCore/base/Log.h"
@@ -10,10 +11,13 @@
 #include "OrvaneCore/platform/ApplicationStarter.h"
 #include "OrvanePlatform/Platform.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QGuiApplication>
+#include <QSemaphore>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace orvane {
 
@@ -22,7 +26,7 @@ namespace {
 /// Where the human wants to start the application, or cannot be there to see it.
 class NeverStarts final : public ApplicationStarter {
 public:
-    bool start() override { return false; }
+    Outcome start() override { return Outcome::impossible; }
 };
 
 bool mayStartApplication() {
@@ -47,9 +51,17 @@ void serveAlone(Platform& platform, LineReader& lines, int argc, char* argv[]) {
     // None of the arguments is meant for Qt, which would take "-platform" for one of its own.
     argc = std::min(argc, 1);
     const QGuiApplication application(argc, argv);
-    const ToolServices services(platform);
-    platform.endInputOnSignals();
+    ToolServices services(platform);
+    QSemaphore served;
+    const auto endRequests = platform.endInputOnSignals([&services, &served] {
+        const QDeadlineTimer deadline(patience::tools);
+        services.finishRecording(patience::saving);
+        // A tool that still runs would hold up the end of the input, and uses what would go with it.
+        if (!served.tryAcquire(1, static_cast<int>(deadline.remainingTime())))
+            std::_Exit(EXIT_SUCCESS);
+    });
     services.server().run(lines, platform.standardStreams());
+    served.release();
 }
 
 } // namespace

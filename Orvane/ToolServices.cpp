@@ -3,13 +3,24 @@
 #include "OrvaneCore/base/Log.h"
 #include "OrvanePlatform/Platform.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QSemaphore>
 
 #include <exception>
+#include <memory>
+#include <thread>
 
 namespace orvane {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto endPoll = 10ms;
+
+} // namespace
 
 ToolServices::ToolServices(Platform& platform)
     : m_storage(platform.settingsStore(), QDir::homePath())
@@ -23,6 +34,10 @@ ToolServices::ToolServices(Platform& platform)
     , m_server(m_toolHandler) {}
 
 ToolServices::~ToolServices() {
+    stopRecording();
+}
+
+void ToolServices::stopRecording() {
     if (!m_recorder.recordingSessionId())
         return;
     try {
@@ -31,6 +46,23 @@ ToolServices::~ToolServices() {
         // Somebody else has stopped it meanwhile.
         logLine(u"stop recording failed: "_s + QString::fromUtf8(error.what()));
     }
+}
+
+bool ToolServices::finishRecording(std::chrono::milliseconds patience) {
+    const QDeadlineTimer deadline(patience);
+    const auto stopped = std::make_shared<QSemaphore>();
+    std::thread([this, stopped] {
+        stopRecording();
+        stopped->release();
+    }).detach();
+    if (!stopped->tryAcquire(1, static_cast<int>(patience.count())))
+        return false;
+    while (m_recorder.currentSessionDir()) {
+        if (deadline.hasExpired())
+            return false;
+        std::this_thread::sleep_for(endPoll);
+    }
+    return true;
 }
 
 } // namespace orvane

@@ -11,6 +11,8 @@
 #include "OrvaneCore/tools/SessionTools.h"
 #include "OrvaneCore/tools/ToolHandler.h"
 
+#include <chrono>
+
 namespace orvane {
 
 class Platform;
@@ -26,6 +28,11 @@ public:
     ToolServices(const ToolServices&) = delete;
     ToolServices& operator=(const ToolServices&) = delete;
 
+    /// Brings a recording that is going on to its end, and waits for one that somebody else is bringing to
+    /// its end, at most that long. True when no recording is being made any more. After false these services
+    /// may not be destroyed, because a thread still works on it.
+    bool finishRecording(std::chrono::milliseconds patience);
+
     StorageManager& storage() { return m_storage; }
     WindowDiscovery& discovery() { return m_discovery; }
     ScreenCapture& screenCapture() { return m_screenCapture; }
@@ -34,6 +41,8 @@ public:
     const MCPServer& server() const { return m_server; }
 
 private:
+    void stopRecording();
+
     StorageManager m_storage;
     WindowDiscovery m_discovery;
     ScreenCapture m_screenCapture;

@@ -14,6 +14,7 @@
 #include "OrvanePlatform/posix/ConnectionPeer.h"
 #include "OrvanePlatform/posix/DetachedApplication.h"
 #include "OrvanePlatform/posix/EndNotifier.h"
+#include "OrvanePlatform/posix/EndWatch.h"
 #include "OrvanePlatform/posix/GiveWay.h"
 #include "OrvanePlatform/posix/PosixStreams.h"
 #include "OrvanePlatform/posix/SingleInstanceGuard.h"
@@ -52,6 +53,15 @@ private:
     posix::EndNotifier m_notifier;
 };
 
+class WatchedRequests final : public EndRequests {
+public:
+    WatchedRequests(int descriptor, std::function<void()> handler)
+        : m_watch(descriptor, std::move(handler)) {}
+
+private:
+    posix::EndWatch m_watch;
+};
+
 /// What does not depend on the kind of desktop.
 class CommonPlatform : public Platform {
 public:
@@ -70,7 +80,10 @@ public:
     std::unique_ptr<InstanceLock> acquireInstanceLock(const QString& path) override {
         return posix::SingleInstanceGuard::acquire(path);
     }
-    void endInputOnSignals() override { m_streams.endInputOnSignals(); }
+    std::unique_ptr<EndRequests> endInputOnSignals(std::function<void()> handler) override {
+        m_streams.endInputOnSignals();
+        return std::make_unique<WatchedRequests>(m_streams.endDescriptor(), std::move(handler));
+    }
     std::unique_ptr<EndRequests> whenAskedToEnd(std::function<void()> handler) override {
         return std::make_unique<SignalRequests>(std::move(handler));
     }

@@ -78,7 +78,9 @@ public:
     virtual QByteArray windowSystem() const = 0;
 
     /// From now on the standard input ends also when a signal asks the process to end. The thread that reads.
-    virtual void endInputOnSignals() = 0;
+    /// While what it gives lives, the handler is called once then, on a thread of its own; whoever lets go of
+    /// it waits for a handler that runs.
+    virtual std::unique_ptr<EndRequests> endInputOnSignals(std::function<void()> handler) = 0;
 
     /// While what it gives lives, the handler is called on the main thread, whose event loop runs, when a
     /// signal asks the process to end. Not together with `endInputOnSignals`.

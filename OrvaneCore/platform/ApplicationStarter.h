@@ -9,11 +9,17 @@ public:
     /// is to leave without a word.
     static constexpr const char* startedByLauncherVariable = "ORVANE_STARTED_BY_LAUNCHER";
 
+    enum class Outcome {
+        /// A start is under way; nothing is known about whether it will come to answer.
+        started,
+        /// Nothing was started, because another copy holds the instance lock: it runs, or is being started.
+        notNeeded,
+        impossible,
+    };
+
     virtual ~ApplicationStarter() = default;
 
-    /// True when a start is under way, or is not needed because the application runs or is being started
-    /// already; nothing is known then about whether it will come to answer. False when it cannot be started.
-    virtual bool start() = 0;
+    virtual Outcome start() = 0;
 
 protected:
     ApplicationStarter() = default;

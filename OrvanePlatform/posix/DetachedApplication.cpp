@@ -36,11 +36,11 @@ DetachedApplication::DetachedApplication(QString executable, QString homeDirecto
     , m_homeDirectory(std::move(homeDirectory))
     , m_isDisplayReachable(std::move(isDisplayReachable)) {}
 
-bool DetachedApplication::start() {
+DetachedApplication::Outcome DetachedApplication::start() {
     if (isLocked(m_homeDirectory + u"/.orvane/.gui.lock"_s))
-        return true;
+        return Outcome::notNeeded;
     if (!m_isDisplayReachable())
-        return false;
+        return Outcome::impossible;
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QString::fromLatin1(startedByLauncherVariable), u"1"_s);
@@ -54,7 +54,7 @@ bool DetachedApplication::start() {
     // keep it open. Here and not in the child, where QProcess has no place for it when the child is detached.
     constexpr unsigned firstAfterStandardStreams = 3;
     ::close_range(firstAfterStandardStreams, ~0U, CLOSE_RANGE_CLOEXEC);
-    return process.startDetached();
+    return process.startDetached() ? Outcome::started : Outcome::impossible;
 }
 
 } // namespace orvane::posix

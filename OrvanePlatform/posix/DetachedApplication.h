@@ -19,9 +19,9 @@ public:
     /// display for the application to come up on; asked on the thread that calls `start`.
     DetachedApplication(QString executable, QString homeDirectory, DisplayCheck isDisplayReachable);
 
-    /// Where another process holds the instance lock (~/.orvane/.gui.lock) nothing is started, and that
-    /// counts as under way; else a display must be reachable. Any number of processes may call this at once.
-    bool start() override;
+    /// Where another process holds the instance lock (~/.orvane/.gui.lock) none is needed; else a display
+    /// must be reachable. Any number of processes may call this at once.
+    Outcome start() override;
 
 private:
     QString m_executable;

@@ -78,6 +78,10 @@ void PosixStreams::endInputOnSignals() {
         m_endSignals = std::make_unique<EndSignals>();
 }
 
+int PosixStreams::endDescriptor() const {
+    return m_endSignals ? m_endSignals->descriptor() : -1;
+}
+
 /// Waits for input; false when a signal asked the process to end.
 bool PosixStreams::mayRead() {
     if (!m_endSignals)

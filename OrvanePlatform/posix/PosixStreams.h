@@ -21,6 +21,9 @@ public:
     /// be brought to its end. The thread that reads.
     void endInputOnSignals();
 
+    /// After `endInputOnSignals`: readable once a signal has asked. -1 where there is none.
+    int endDescriptor() const;
+
     qsizetype read(std::span<char> buffer) override;
     bool write(QByteArrayView bytes) override;
 

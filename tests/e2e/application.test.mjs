@@ -6,9 +6,9 @@ import { join } from "node:path";
 import { after, before, describe, it } from "node:test";
 import { Client } from "@modelcontextprotocol/sdk/client/index.js";
 import { StreamableHTTPClientTransport } from "@modelcontextprotocol/sdk/client/streamableHttp.js";
-import { Application, endpointFile, http, withApplication } from "./lib/application.mjs";
+import { Application, applications, endApplication, endpoint, endpointFile, http, withApplication } from "./lib/application.mjs";
 import { startDesktop, until } from "./lib/desktop.mjs";
-import { call } from "./lib/orvane.mjs";
+import { RawProcess, call, withProcess } from "./lib/orvane.mjs";
 import { Recording, pause, sessionIds, sessionsFolder } from "./lib/recording.mjs";
 
 let desktop;
@@ -138,6 +138,94 @@ describe("the application", () => {
             assert.ok(!existsSync(endpointFile(desktop.home)));
         });
     }
+});
+
+/// Fills a terminal with words, which take long to be read.
+async function denseWindow() {
+    const window = await desktop.openWindow({ className: "DenseTerm", size: [1250, 750], position: [0, 0] });
+    const words = "the quick brown fox jumps over the lazy dog while seven wizards box with 0123456789 quaint gnomes ";
+    for (let line = 0; line < 60; line++) {
+        window.show(words.slice(line % 20).repeat(2).slice(0, 170) + "\\n");
+    }
+    await desktop.settled(window.id);
+    return window;
+}
+
+/// Readings of the whole screen, and how many of them have come to their end.
+function readScreen(request, count) {
+    const readings = { done: 0 };
+    readings.all = Array.from({ length: count }, (_, id) => request({ jsonrpc: "2.0", id, method: "tools/call", params: {
+        name: "capture_region", arguments: { x: 0, y: 0, width: 1280, height: 800, ocr: true } } })
+        .then(() => { readings.done++; }, () => {}));
+    return readings;
+}
+
+describe("the application when it is asked to quit while tools run", () => {
+    it("finishes the recording and leaves within two seconds, and the next copy runs at once", async () => {
+        rmSync(sessionsFolder(desktop), { recursive: true, force: true });
+        const window = await denseWindow();
+        const first = await Application.start(desktop);
+        const { body } = await first.post({ jsonrpc: "2.0", id: "r", method: "tools/call", params: {
+            name: "start_recording", arguments: { app_name: "DenseTerm" } } });
+        assert.match(JSON.parse(body).result.content[0].text, /^Recording started for DenseTerm\./);
+        const readings = readScreen((message) => first.post(message), 8);
+        await until("tools run", () => first.stderr.includes("orvane: recording started"));
+        await pause(300);
+        const begin = Date.now();
+        const closed = first.stop();
+        await until("the address is gone", () => !existsSync(endpointFile(desktop.home)), 2);
+        await withApplication(desktop, async (second) => {
+            assert.equal(await closed, 0);
+            assert.ok(Date.now() - begin < 2500, `it took ${Date.now() - begin} ms`);
+            assert.ok(readings.done < 8, "all tools had ended before");
+            assert.equal(second.endpoint.pid, second.process.pid);
+            assert.equal(JSON.parse((await second.post({ id: 1, method: "ping" })).body).id, 1);
+            assert.doesNotMatch(second.stderr, /hotkey|conflict/i);
+        });
+        await Promise.all(readings.all);
+        const report = new Recording(desktop, null, sessionIds(desktop)[0]).report();
+        assert.match(report, /\| recording_end \| Recording stopped/);
+        await window.close();
+    });
+
+    it("is started again by a tool server that comes at that moment", async () => {
+        const window = await denseWindow();
+        const first = await Application.start(desktop);
+        const readings = readScreen((message) => first.post(message), 8);
+        await pause(300);
+        const closed = first.stop();
+        await until("the address is gone", () => !existsSync(endpointFile(desktop.home)), 2);
+        await withProcess(desktop.applicationEnv, async (server) => {
+            await server.assertAlive();
+            assert.match(server.stderr, /orvane: proxying MCP to /);
+            assert.equal(await closed, 0);
+            assert.notEqual(first.process.pid, endpoint(desktop.home).pid);
+        });
+        await Promise.all(readings.all);
+        for (const pid of applications(desktop.home)) {
+            await endApplication(pid);
+        }
+        await window.close();
+    });
+
+    it("is no different for a tool server that serves alone", async () => {
+        rmSync(sessionsFolder(desktop), { recursive: true, force: true });
+        const window = await denseWindow();
+        const server = new RawProcess(desktop.env);
+        await Recording.start(desktop, server, "DenseTerm");
+        for (let id = 0; id < 4; id++) {
+            server.send({ jsonrpc: "2.0", id, method: "tools/call", params: {
+                name: "capture_region", arguments: { x: 0, y: 0, width: 1280, height: 800, ocr: true } } });
+        }
+        await pause(300);
+        const begin = Date.now();
+        server.process.kill("SIGTERM");
+        assert.equal(await server.closed, 0);
+        assert.ok(Date.now() - begin < 2500, `it took ${Date.now() - begin} ms`);
+        const report = new Recording(desktop, null, sessionIds(desktop)[0]).report();
+        assert.match(report, /\| recording_end \| Recording stopped/);
+        await window.close();
+    });
 });
 
 describe("a second copy of the application", () => {

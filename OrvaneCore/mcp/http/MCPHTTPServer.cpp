@@ -55,6 +55,10 @@ void MCPHTTPServer::stop() {
     });
 }
 
+bool MCPHTTPServer::waitForTools(std::chrono::milliseconds patience) {
+    return m_workers.waitForDone(static_cast<int>(std::max<qint64>(0, patience.count())));
+}
+
 void MCPHTTPServer::runOnSocketThread(const std::function<void()>& step) {
     QSemaphore done;
     m_listener->post([&] {

@@ -5,6 +5,7 @@
 #include <QThread>
 #include <QThreadPool>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -40,6 +41,9 @@ public:
     /// Stops listening, ends all connections and forgets the messages that wait for a thread. Does not wait
     /// for tools: they run to their end, and their replies are dropped. May be followed by another start.
     void stop();
+
+    /// After `stop`: waits for tools that still run, at most that long. False when there are some left.
+    bool waitForTools(std::chrono::milliseconds patience);
 
 private:
     /// Returns when the step is done.

@@ -52,13 +52,20 @@ MCPLauncher::Outcome MCPLauncher::run(const std::stop_token& stop) {
 
     logLine(u"launching app for shared-state MCP…");
     std::optional<MCPEndpointInfo> launched;
-    if (m_starter.start())
+    if (startApplication())
         launched = waitForEndpoint(launchDeadline, stop);
     if (decideAfterLaunch(launched, launched.has_value()) == MCPLaunchAction::proxy)
         return proxyLoop(*launched);
 
     logLine(u"app host unavailable — serving MCP in-process");
     return Outcome::inProcess;
+}
+
+/// False when it cannot be started.
+bool MCPLauncher::startApplication() {
+    const ApplicationStarter::Outcome outcome = m_starter.start();
+    m_anotherRan = outcome == ApplicationStarter::Outcome::notNeeded;
+    return outcome != ApplicationStarter::Outcome::impossible;
 }
 
 std::optional<MCPEndpointInfo> MCPLauncher::waitForEndpoint(std::chrono::milliseconds deadline,
@@ -68,6 +75,8 @@ std::optional<MCPEndpointInfo> MCPLauncher::waitForEndpoint(std::chrono::millise
         std::optional<MCPEndpointInfo> info = m_readEndpoint();
         if (info && m_host.isHealthy(*info, laterProbeTimeout))
             return info;
+        if (m_anotherRan)
+            startApplication();
         if (!m_clock.sleepUntil(m_clock.monotonic() + probePause, stop))
             return std::nullopt;
     }

@@ -46,12 +46,14 @@ public:
     static MCPLaunchAction decideInitial(const std::optional<MCPEndpointInfo>& endpoint, bool healthy);
     static MCPLaunchAction decideAfterLaunch(const std::optional<MCPEndpointInfo>& endpoint, bool healthy);
 
-    /// Looks again and again for a host that is well. Nothing when there is none within the time, or when a
-    /// stop is requested meanwhile.
+    /// Looks again and again for a host that is well. Has the application started where the copy of it that
+    /// ran when `run` wanted to start one has gone meanwhile. Nothing when there is none within the time, or
+    /// when a stop is requested meanwhile.
     std::optional<MCPEndpointInfo> waitForEndpoint(std::chrono::milliseconds deadline,
                                                    const std::stop_token& stop = {});
 
 private:
+    bool startApplication();
     Outcome proxyLoop(const MCPEndpointInfo& info);
 
     EndpointReader m_readEndpoint;
@@ -60,6 +62,8 @@ private:
     Clock& m_clock;
     LineReader& m_lines;
     StandardStreams& m_streams;
+    /// A copy of the application was in the way of starting one, and may be about to end.
+    bool m_anotherRan = false;
 };
 
 } // namespace orvane

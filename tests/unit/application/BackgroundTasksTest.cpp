@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <future>
+#include <latch>
 
 namespace orvane {
 namespace {
@@ -54,6 +55,19 @@ TEST(BackgroundTasksTest, NoneWaitsForOthersHoweverManyTheyAre) {
     });
     EXPECT_TRUE(test::eventuallyInLoop([&] { return ran.load(); }));
     gate.set_value();
+}
+
+TEST(BackgroundTasksTest, IsWaitedForAsLongAsOneLikes) {
+    std::latch gate(1);
+    BackgroundTasks tasks;
+    tasks.run([&]() -> TaskRunner::Continuation {
+        gate.wait();
+        return {};
+    });
+    EXPECT_FALSE(tasks.waitForDone(std::chrono::milliseconds(20)));
+    EXPECT_FALSE(tasks.waitForDone(std::chrono::milliseconds(-1)));
+    gate.count_down();
+    EXPECT_TRUE(tasks.waitForDone(std::chrono::hours(1)));
 }
 
 TEST(BackgroundTasksTest, TheEndWaitsForWorkAndDropsWhatFollows) {

@@ -73,7 +73,9 @@ protected:
         return content(u"told"_s);
     }
 
-    bool start(const QString& executable, bool hasDisplay = true) {
+    using Outcome = ApplicationStarter::Outcome;
+
+    Outcome start(const QString& executable, bool hasDisplay = true) {
         DetachedApplication starter(executable, m_home.path(), [this, hasDisplay] {
             ++m_displayChecks;
             return hasDisplay;
@@ -96,7 +98,7 @@ TEST_F(DetachedApplicationTest, IsGivenNothingOfOurs) {
     std::array<int, 2> pipe{-1, -1};
     // Without O_CLOEXEC, as an agent's program may leave its own.
     ASSERT_EQ(::pipe(pipe.data()), 0);
-    EXPECT_TRUE(start(teller()));
+    EXPECT_EQ(Outcome::started, start(teller()));
     const QList<QByteArray> lines = told().split('\n');
     ASSERT_EQ(lines.size(), 8) << content(u"told"_s).constData();
     EXPECT_EQ(lines[0], "0") << "arguments";
@@ -117,65 +119,66 @@ TEST_F(DetachedApplicationTest, IsGivenNothingOfOurs) {
 TEST_F(DetachedApplicationTest, WritesNothingToOurStreams) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    EXPECT_TRUE(start(application("echo out; echo err >&2; : >told")));
+    EXPECT_EQ(Outcome::started, start(application("echo out; echo err >&2; : >told")));
     told();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(DetachedApplicationTest, IsNoChildOfOurs) {
-    EXPECT_TRUE(start(application("ps -o ppid= -p $$ >told.part; mv told.part told")));
+    EXPECT_EQ(Outcome::started, start(application("ps -o ppid= -p $$ >told.part; mv told.part told")));
     EXPECT_NE(told().trimmed().toLongLong(), ::getpid());
 }
 
 TEST_F(DetachedApplicationTest, SignalsDoToItWhatTheyDoByDefault) {
     surviveBrokenPipes();
-    EXPECT_TRUE(start(application("sh -c 'kill -s PIPE $$'; echo $? >told.part; mv told.part told")));
+    EXPECT_EQ(Outcome::started,
+              start(application("sh -c 'kill -s PIPE $$'; echo $? >told.part; mv told.part told")));
     EXPECT_EQ(told().trimmed().toInt(), 128 + SIGPIPE);
     std::signal(SIGPIPE, SIG_DFL);
 }
 
 TEST_F(DetachedApplicationTest, IsNotStartedWithoutADisplay) {
-    EXPECT_FALSE(start(application(": >told"), false));
+    EXPECT_EQ(Outcome::impossible, start(application(": >told"), false));
     EXPECT_EQ(m_displayChecks, 1);
     EXPECT_FALSE(QFile::exists(at(u"told"_s)));
 }
 
 TEST_F(DetachedApplicationTest, AnExecutableThatIsNoneIsNotAccepted) {
-    EXPECT_FALSE(start(at(u"missing"_s)));
+    EXPECT_EQ(Outcome::impossible, start(at(u"missing"_s)));
     QFile file(at(u"text"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    EXPECT_FALSE(start(file.fileName()));
+    EXPECT_EQ(Outcome::impossible, start(file.fileName()));
 }
 
 TEST_F(DetachedApplicationTest, IsNotStartedWhereAnotherHoldsTheLock) {
     const int held = lock();
-    EXPECT_TRUE(start(application(": >told")));
+    EXPECT_EQ(Outcome::notNeeded, start(application(": >told")));
     // Whatever our own display, that one has its own.
-    EXPECT_TRUE(start(application(": >told"), false));
+    EXPECT_EQ(Outcome::notNeeded, start(application(": >told"), false));
     EXPECT_EQ(m_displayChecks, 0);
     EXPECT_FALSE(QFile::exists(at(u"told"_s)));
     ::close(held);
-    EXPECT_TRUE(start(application(": >told")));
+    EXPECT_EQ(Outcome::started, start(application(": >told")));
     told();
 }
 
 TEST_F(DetachedApplicationTest, LeavesTheLockFree) {
     ::close(lock());
-    EXPECT_TRUE(start(teller()));
+    EXPECT_EQ(Outcome::started, start(teller()));
     told();
     ::close(lock());
 }
 
 TEST_F(DetachedApplicationTest, MakesNoLockFile) {
-    EXPECT_TRUE(start(teller()));
+    EXPECT_EQ(Outcome::started, start(teller()));
     told();
     EXPECT_FALSE(QFile::exists(at(u".orvane/.gui.lock"_s)));
 }
 
 TEST_F(DetachedApplicationTest, StartsWhereTheLockFileCannotBeOpened) {
     ASSERT_TRUE(QDir().rmdir(at(u".orvane"_s)));
-    EXPECT_TRUE(start(teller()));
+    EXPECT_EQ(Outcome::started, start(teller()));
     EXPECT_FALSE(told().isEmpty());
 }
 
@@ -190,7 +193,7 @@ TEST_F(DetachedApplicationTest, ManyAtOnceMakeOne) {
     std::vector<std::thread> launchers;
     launchers.reserve(10);
     for (int i = 0; i < 10; ++i)
-        launchers.emplace_back([&] { accepted += start(executable) ? 1 : 0; });
+        launchers.emplace_back([&] { accepted += start(executable) != Outcome::impossible ? 1 : 0; });
     for (std::thread& launcher : launchers)
         launcher.join();
     EXPECT_EQ(accepted, 10);
@@ -200,7 +203,7 @@ TEST_F(DetachedApplicationTest, ManyAtOnceMakeOne) {
     EXPECT_TRUE(eventually([&] { return content(u"left"_s).count('\n') == others; }))
         << content(u"left"_s).constData();
     EXPECT_EQ(content(u"started"_s), "started\n");
-    EXPECT_TRUE(start(executable));
+    EXPECT_EQ(Outcome::notNeeded, start(executable));
     EXPECT_EQ(m_displayChecks, others + 1);
 }
 

@@ -194,6 +194,23 @@ TEST_F(MCPHTTPServerLifeTest, StopEndsListeningAndConnections) {
     m_host->stop();
 }
 
+TEST_F(MCPHTTPServerLifeTest, WaitsForRunningToolsAsLongAsItIsTold) {
+    m_handler.answer = [this](const QString&, const QJsonObject&) {
+        m_gate.pass();
+        return QJsonObject();
+    };
+    startHost();
+    test::RawConnection connection(m_port);
+    connection.send(post(toolCall("slow")));
+    ASSERT_TRUE(test::eventually([&] { return m_gate.waiting() == 1; }));
+    m_host->stop();
+    EXPECT_FALSE(m_host->waitForTools(std::chrono::milliseconds(0)));
+    EXPECT_FALSE(m_host->waitForTools(std::chrono::milliseconds(-5)));
+    EXPECT_FALSE(m_host->waitForTools(std::chrono::milliseconds(20)));
+    m_gate.open();
+    EXPECT_TRUE(m_host->waitForTools(std::chrono::hours(1)));
+}
+
 TEST_F(MCPHTTPServerLifeTest, DestructionWaitsForRunningTools) {
     startHost();
     std::atomic<bool> finished = false;

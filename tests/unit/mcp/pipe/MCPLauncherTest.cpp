@@ -57,11 +57,13 @@ public:
         return replies.contains(line.toByteArray()) ? replies.value(line.toByteArray()) : std::nullopt;
     }
 
-    bool start() override {
+    ApplicationStarter::Outcome start() override {
         note("start"_L1);
         if (onStart)
             onStart();
-        return accepts;
+        return isLocked() ? ApplicationStarter::Outcome::notNeeded
+               : accepts  ? ApplicationStarter::Outcome::started
+                          : ApplicationStarter::Outcome::impossible;
     }
 
     QDateTime now() override { return {}; }
@@ -89,6 +91,8 @@ public:
     std::function<std::optional<MCPEndpointInfo>()> file;
     std::function<bool(int port)> isHostUp = [](int) { return false; };
     std::function<void()> onStart;
+    /// Another copy of the application holds the instance lock.
+    std::function<bool()> isLocked = [] { return false; };
     bool accepts = true;
     /// A host that is not up takes the whole time limit instead of none.
     bool hostsHang = false;
@@ -226,6 +230,39 @@ TEST_F(MCPLauncherTest, PipesAtOnceWhereTheStartBroughtTheHostUp) {
     EXPECT_THAT(m_world.events, ElementsAre("read", "start", "read", "probe 47600 limit 1000",
                                             "forward to 47600 limit 30000"));
     EXPECT_EQ(m_world.sleeps, 0);
+}
+
+TEST_F(MCPLauncherTest, StartsTheApplicationAgainOnceTheOneThatWasEndingIsGone) {
+    m_world.isLocked = [&] { return m_world.time() < 3s; };
+    int starts = 0;
+    m_world.onStart = [&] {
+        if (!m_world.isLocked()) {
+            ++starts;
+        }
+    };
+    m_world.file = [&] {
+        return starts > 0 && m_world.time() >= 4s ? std::optional(endpointAt(47600)) : std::nullopt;
+    };
+    m_world.isHostUp = [](int) { return true; };
+    EXPECT_EQ(run({"a\n"}), Outcome::inputEnded);
+    EXPECT_EQ(m_log, launching + proxying(47600));
+    EXPECT_EQ(starts, 1) << "it takes its time to come up";
+    EXPECT_EQ(m_world.time(), 4s);
+}
+
+TEST_F(MCPLauncherTest, AnApplicationThatIsBeingStartedBySomebodyElseIsWaitedFor) {
+    m_world.isLocked = [] { return true; };
+    EXPECT_EQ(run({"a\n"}), Outcome::inProcess);
+    EXPECT_EQ(m_world.time(), 10s);
+    EXPECT_EQ(m_log, launching + unavailable);
+}
+
+TEST_F(MCPLauncherTest, OneThatCannotBeStartedAgainIsWaitedForAllTheSame) {
+    m_world.isLocked = [&] { return m_world.time() < 3s; };
+    m_world.accepts = false;
+    EXPECT_EQ(run({"a\n"}), Outcome::inProcess);
+    EXPECT_EQ(m_world.time(), 10s);
+    EXPECT_EQ(std::count(m_world.events.begin(), m_world.events.end(), "start"), 10);
 }
 
 TEST_F(MCPLauncherTest, GivesUpAfterTenSecondsWithoutAFile) {
