@@ -1,5 +1,6 @@
 #include "OrvanePlatform/posix/ConnectionPeer.h"
 
+#include "OrvanePlatform/posix/SocketDiag.h"
 #include "OrvanePlatform/posix/TcpTable.h"
 
 #include <QByteArray>
@@ -56,8 +57,9 @@ std::vector<Row> readTable(const QString& path) {
 ConnectionPeer::ConnectionPeer()
     : ConnectionPeer(::geteuid()) {}
 
-ConnectionPeer::ConnectionPeer(uid_t user)
-    : m_user(user) {}
+ConnectionPeer::ConnectionPeer(uid_t user, bool kernelAnswers)
+    : m_user(user)
+    , m_kernelAnswers(kernelAnswers) {}
 
 bool ConnectionPeer::isOurs(qintptr socket) {
     const auto descriptor = static_cast<int>(socket);
@@ -65,6 +67,10 @@ bool ConnectionPeer::isOurs(qintptr socket) {
     const std::optional<End> theirs = nameOf(descriptor, ::getpeername);
     if (!ours || !theirs || !tcp_table::isLoopback(theirs->address))
         return false;
+    const std::optional<socket_diag::Answer> answer =
+        m_kernelAnswers ? socket_diag::ownerOfOtherEnd(*ours, *theirs) : std::nullopt;
+    if (answer)
+        return answer->owner == m_user;
     std::vector<Row> rows = readTable(u"/proc/net/tcp"_s);
     // A socket of IPv6 can take connections over IPv4.
     const std::vector<Row> ipv6Rows = readTable(u"/proc/net/tcp6"_s);

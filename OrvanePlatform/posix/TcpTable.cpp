@@ -80,11 +80,6 @@ std::optional<Row> readRow(const QByteArray& line) {
                .isHeld = columns[inodeColumn] != "0"};
 }
 
-bool isMapped(const Address& address) {
-    const Address any = tcp_table::mappedAddress({});
-    return std::equal(any.begin(), any.begin() + mappedPrefix, address.begin());
-}
-
 /// The one owner of all rows that are asked for.
 template <typename Wanted>
 std::optional<quint32> commonOwner(const std::vector<Row>& rows, Wanted wanted) {
@@ -103,6 +98,11 @@ Address tcp_table::mappedAddress(const std::array<quint8, 4>& ipv4) {
     address[mappedPrefix - 2] = address[mappedPrefix - 1] = 0xff;
     std::copy(ipv4.begin(), ipv4.end(), address.begin() + mappedPrefix);
     return address;
+}
+
+bool tcp_table::isMapped(const Address& address) {
+    const Address any = mappedAddress({});
+    return std::equal(any.begin(), any.begin() + mappedPrefix, address.begin());
 }
 
 bool tcp_table::isLoopback(const Address& address) {
@@ -133,7 +133,7 @@ std::optional<quint32> tcp_table::ownerOfOtherEnd(const std::vector<Row>& rows, 
     const auto listensAnywhere = [&](const Row& row) {
         return row.listens && row.local.port == theirs.port &&
                (row.local.address == Address{} ||
-                (isMapped(theirs.address) && row.local.address == mappedAddress({})));
+                (tcp_table::isMapped(theirs.address) && row.local.address == mappedAddress({})));
     };
     if (std::any_of(rows.begin(), rows.end(), isOtherEnd))
         return commonOwner(rows, isOtherEnd);

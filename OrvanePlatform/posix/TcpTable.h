@@ -15,6 +15,9 @@ using Address = std::array<quint8, 16>;
 
 Address mappedAddress(const std::array<quint8, 4>& ipv4);
 
+/// Whether it is one of IPv4.
+bool isMapped(const Address& address);
+
 /// 127.0.0.0/8 and ::1.
 bool isLoopback(const Address& address);
 

@@ -1,5 +1,7 @@
 #include "OrvanePlatform/posix/ConnectionPeer.h"
 
+#include "OrvanePlatform/posix/SocketDiag.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -44,7 +46,8 @@ in6_addr mapped(in_addr_t address) {
 }
 
 /// Listens on a free port of one address, and connects to it.
-class ConnectionPeerTest : public testing::Test {
+/// The parameter is whether the kernel is asked for single sockets, or its tables are read.
+class ConnectionPeerTest : public testing::TestWithParam<bool> {
 protected:
     Socket listen(in_addr_t address) {
         Socket socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -79,9 +82,11 @@ protected:
         return Socket(::fcntl(socket.fd(), F_DUPFD_CLOEXEC, 0));
     }
 
-    static bool isOurs(const Socket& socket) { return ConnectionPeer().isOurs(socket.fd()); }
+    static bool isOurs(const Socket& socket) {
+        return ConnectionPeer(::geteuid(), GetParam()).isOurs(socket.fd());
+    }
     static bool isSomebodyElses(const Socket& socket) {
-        return ConnectionPeer(::geteuid() + 1).isOurs(socket.fd());
+        return ConnectionPeer(::geteuid() + 1, GetParam()).isOurs(socket.fd());
     }
 
 private:
@@ -96,7 +101,7 @@ private:
     in_port_t m_port = 0;
 };
 
-TEST_F(ConnectionPeerTest, IsWhoListensUntilSomebodyAccepts) {
+TEST_P(ConnectionPeerTest, IsWhoListensUntilSomebodyAccepts) {
     Socket listener = listen(INADDR_LOOPBACK);
     const Socket client = connected();
     EXPECT_TRUE(isOurs(client));
@@ -109,13 +114,13 @@ TEST_F(ConnectionPeerTest, IsWhoListensUntilSomebodyAccepts) {
     EXPECT_FALSE(isSomebodyElses(client));
 }
 
-TEST_F(ConnectionPeerTest, KnowsListenersOnAllAddresses) {
+TEST_P(ConnectionPeerTest, KnowsListenersOnAllAddresses) {
     const Socket listener = listen(INADDR_ANY);
     EXPECT_TRUE(isOurs(connected()));
     EXPECT_TRUE(isOurs(connected(INADDR_LOOPBACK + 1)));
 }
 
-TEST_F(ConnectionPeerTest, KnowsListenersOfIpv6) {
+TEST_P(ConnectionPeerTest, KnowsListenersOfIpv6) {
     {
         const Socket listener = listen6(in6addr_any);
         const Socket client = connected();
@@ -128,20 +133,30 @@ TEST_F(ConnectionPeerTest, KnowsListenersOfIpv6) {
     EXPECT_TRUE(isOurs(connected()));
 }
 
-TEST_F(ConnectionPeerTest, IsNobodysWhereThereIsNoConnection) {
+TEST_P(ConnectionPeerTest, IsNobodysWhereThereIsNoConnection) {
     const Socket listener = listen(INADDR_LOOPBACK);
     EXPECT_FALSE(isOurs(listener));
-    EXPECT_FALSE(ConnectionPeer().isOurs(-1));
+    EXPECT_FALSE(ConnectionPeer(::geteuid(), GetParam()).isOurs(-1));
     const Socket file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     EXPECT_FALSE(isOurs(file));
 }
 
-TEST_F(ConnectionPeerTest, IsNobodysWhenTheHostIsGone) {
+TEST_P(ConnectionPeerTest, IsNobodysWhenTheHostIsGone) {
     Socket listener = listen(INADDR_LOOPBACK);
     const Socket client = connected();
     listener.close();
     EXPECT_FALSE(isOurs(client));
 }
+
+/// Otherwise half of these tests would test the other half's way.
+TEST(SocketDiag, ServesHere) {
+    const tcp_table::End nobody{tcp_table::mappedAddress({127, 0, 0, 1}), 1};
+    const auto answer = socket_diag::ownerOfOtherEnd(nobody, nobody);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->owner, std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ConnectionPeerTest, testing::Bool());
 
 } // namespace
 } // namespace orvane::posix
