@@ -178,6 +178,7 @@ TEST_F(SessionToolsTest, ShowsWhateverHoldsTheLettersOfStartOrEndWhenItStops) {
     start();
     const QString folder = storage.sessionDir(id);
     write(folder + u"/sender.png"_s, png(8, 8));
+    write(folder + u"/Zend.png"_s, png(8, 8));
     write(folder + u"/.restarted.png"_s, png(9, 9));
     write(folder + u"/end.txt"_s, "no picture");
     write(folder + u"/spending.png"_s, "no picture");
@@ -187,8 +188,9 @@ TEST_F(SessionToolsTest, ShowsWhateverHoldsTheLettersOfStartOrEndWhenItStops) {
     QStringList names;
     for (int i = 1; i < items(result); i += 2)
         names.append(text(result, i));
-    EXPECT_EQ(names, (QStringList{u"--- .restarted.png ---"_s, u"--- frame-000-start.png ---"_s,
-                                  u"--- frame-001-end.png ---"_s, u"--- sender.png ---"_s}));
+    EXPECT_EQ(names, (QStringList{u"--- .restarted.png ---"_s, u"--- Zend.png ---"_s,
+                                  u"--- frame-000-start.png ---"_s, u"--- frame-001-end.png ---"_s,
+                                  u"--- sender.png ---"_s}));
 }
 
 TEST_F(SessionToolsTest, StopsWithoutAReportWhereThereIsNone) {

@@ -412,7 +412,8 @@ TEST_F(ToolHandlerTest, ComparesBeforeAndAfter) {
 
     const QImage before = desktop.picture;
     desktop.picture.fill(Qt::red);
-    now = now.addSecs(61);
+    // Told in UTC, whatever the clock is set to.
+    now = now.addSecs(61).toOffsetFromUtc(3 * 3600);
     const QJsonObject second = call("capture_diff", {{u"app_name"_s, u"tERMINAL"_s}});
     EXPECT_EQ(text(second),
               u"BEFORE (2026-03-04T05:06:07Z) and AFTER (2026-03-04T05:07:08Z) of Terminal (300x200)");
