@@ -64,6 +64,19 @@ TEST_F(RecordingJournalTest, TellsNewsOnce) {
     EXPECT_TRUE(journal->takeNews().isEmpty());
 }
 
+TEST_F(RecordingJournalTest, TellsOfASingleMinorUpdateBeforeTheNextChange) {
+    for (const QImage& changed : {changedIn(7, 0), changedIn(7, 0), changedIn(0, 0)}) {
+        journal->compare(frame, changed, begin.addSecs(1));
+        work.drain();
+    }
+    const QStringList news = journal->takeNews();
+    ASSERT_EQ(news.size(), 3);
+    EXPECT_TRUE(news.at(0).startsWith(u"T+1.0s | visual_change | "_s));
+    EXPECT_EQ(news.at(1),
+              u"T+1.0s | minor_changes | 1 minor update(s) (continuous activity in active regions)"_s);
+    EXPECT_TRUE(news.at(2).startsWith(u"T+1.0s | visual_change | "_s));
+}
+
 TEST_F(RecordingJournalTest, NumbersPicturesByTheFramesCompared) {
     journal->compare(frame, frame, begin.addSecs(1));
     journal->compare(frame, changedIn(7, 0), begin.addSecs(2));

@@ -95,6 +95,22 @@ TEST_F(KeyboardShortcutsTest, CallsSeveralActionsInTheirOrder) {
     EXPECT_EQ(calls, u"ab"_s);
 }
 
+TEST_F(KeyboardShortcutsTest, AnActionMayAddOthersThatAreCalledFromTheNextTimeOn) {
+    QString calls;
+    shortcuts.onKeyUp(HotkeyName::toggleOverlay, [&] {
+        calls += u'a';
+        // Enough to move the list elsewhere.
+        for (int i = 0; i < 100; ++i)
+            shortcuts.onKeyUp(HotkeyName::toggleOverlay, [&] { calls += u'+'; });
+    });
+    shortcuts.onKeyUp(HotkeyName::toggleOverlay, [&] { calls += u'b'; });
+    hotkeys.press(overlayDefault);
+    EXPECT_EQ(calls, u"ab"_s);
+    calls.clear();
+    hotkeys.press(overlayDefault);
+    EXPECT_EQ(calls, u"ab"_s + QString(100, u'+'));
+}
+
 TEST_F(KeyboardShortcutsTest, ChangesAtOnce) {
     int fired = 0;
     shortcuts.onKeyUp(HotkeyName::toggleOverlay, counting(fired));
