@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class QPainter;
 class QTextLayout;
@@ -21,12 +22,16 @@ QFont monospacedFont(int pixelSize);
 
 /// A piece of text in the system font or another one, measured and drawn by the same layout. It is laid out
 /// once at scale 1 without hinting, so that its size at every scale is exactly in proportion and a plate made
-/// for it fits. Newlines break lines; any script. Needs a QGuiApplication; any thread.
+/// for it fits. Newlines break lines, and so does the end of the room that a text is given: between words, or
+/// within those that are wider. Any script. Needs a QGuiApplication; any thread.
 class DrawnText {
 public:
     /// `pixelSize` is that of the font at scale 1; `scale` is finite and positive.
     DrawnText(const QString& text, int pixelSize, QFont::Weight weight, qreal scale);
-    DrawnText(const QString& text, const QFont& font, qreal scale);
+    /// `room` is what the text may take, at scale 1; as much as it likes without one. Lines that would leave
+    /// it are left out, all but the first, and the last one then ends with an ellipsis.
+    DrawnText(const QString& text, const QFont& font, qreal scale,
+              const std::optional<QSizeF>& room = std::nullopt);
     ~DrawnText();
     DrawnText(const DrawnText&) = delete;
     DrawnText& operator=(const DrawnText&) = delete;
@@ -38,6 +43,10 @@ public:
     void drawCentered(QPainter& painter, const QPointF& center, const QColor& color) const;
 
 private:
+    /// Gives how many lines there are.
+    int layOut(const QString& text, const std::optional<QSizeF>& room, int mostLines);
+    int linesWithin(const std::optional<QSizeF>& room) const;
+
     std::unique_ptr<QTextLayout> m_layout;
     qreal m_scale;
     QSizeF m_size;
@@ -45,6 +54,12 @@ private:
 
 /// The size of a text that is drawn at scale 1, in a system or a monospaced font as above. It is remembered,
 /// so that asking for the same text again costs no layout. Needs a QGuiApplication; any thread.
-QSizeF drawnTextSize(const QString& text, const QFont& font);
+QSizeF drawnTextSize(const QString& text, const QFont& font,
+                     const std::optional<QSizeF>& room = std::nullopt);
+
+/// The room for a text that must not take more than `most`, at scale 1: nothing where it takes less, and
+/// otherwise one of `preferredWidth` where that is high enough for it. Needs a QGuiApplication; any thread.
+std::optional<QSizeF> roomForText(const QString& text, const QFont& font, const QSizeF& most,
+                                  qreal preferredWidth);
 
 } // namespace orvane

@@ -32,6 +32,15 @@ bool RectEdges::outlineContains(const QPointF& point, qreal tolerance) const {
     return contains(point, tolerance) && !contains(point, -tolerance);
 }
 
+QRectF movedInto(const QRectF& rect, const QRectF& bounds) {
+    const auto moved = [](qreal first, qreal length, qreal boundsFirst, qreal boundsLength) {
+        return std::max(boundsFirst, std::min(first, boundsFirst + boundsLength - length));
+    };
+    return {{moved(rect.x(), rect.width(), bounds.x(), bounds.width()),
+             moved(rect.y(), rect.height(), bounds.y(), bounds.height())},
+            rect.size()};
+}
+
 bool isFinite(const QPointF& point) {
     return std::isfinite(point.x()) && std::isfinite(point.y());
 }

@@ -26,6 +26,10 @@ struct RectEdges {
     bool outlineContains(const QPointF& point, qreal tolerance) const;
 };
 
+/// The rectangle moved to where all of it is in some bounds, as little as that takes; one that is there
+/// already is given back as it is. Of one that is larger the beginning is in them.
+QRectF movedInto(const QRectF& rect, const QRectF& bounds);
+
 bool isFinite(const QPointF& point);
 bool isFinite(const QRectF& rect);
 

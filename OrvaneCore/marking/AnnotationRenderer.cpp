@@ -32,6 +32,8 @@ struct PlateStyle {
 // The sizes of all that is drawn, in points at scale 1.
 constexpr PlateStyle textPlate{.pixelSize = 15, .weight = QFont::Bold, .padding = 5};
 constexpr PlateStyle labelPlate{.pixelSize = 12, .weight = QFont::DemiBold, .padding = 4};
+/// What a label that is too long for its display is wrapped to: lines that are easily read.
+constexpr qreal readableWidth = 480;
 constexpr QSizeF emptyTextSize(80, 20);
 constexpr qreal headPerWidth = 3.5;
 constexpr qreal handleRadius = 4.5;
@@ -78,9 +80,11 @@ public:
     };
 
     /// The annotation outlives this object.
-    ShapeLayout(const Annotation& annotation, const PointMap& mapPoint, qreal scale)
+    ShapeLayout(const Annotation& annotation, const PointMap& mapPoint, qreal scale,
+                const std::optional<QRectF>& display)
         : m_annotation(annotation)
         , m_scale(scale)
+        , m_display(display)
         , m_start(mapPoint(annotation.start))
         , m_end(mapPoint(annotation.end))
         // Of points that are near already: a QRectF keeps a width, which far points round or overflow.
@@ -131,24 +135,36 @@ public:
     /// Of a text annotation.
     QRectF text() const {
         const qreal padding = textPlate.padding * m_scale;
-        return {drawable(m_start) - QPointF(padding, padding), plateSize(textPlate, m_annotation.text)};
+        return {drawable(m_start) - QPointF(padding, padding),
+                plateSize(textPlate, m_annotation.text, std::nullopt)};
     }
 
-    /// Just above the shape's top-left corner.
+    /// Just above the shape's top-left corner, and as near to that as the display allows.
     QRectF label() const {
-        const QSizeF size = plateSize(labelPlate, m_annotation.label);
+        const QSizeF size = plateSize(labelPlate, m_annotation.label, labelRoom());
         const qreal padding = labelPlate.padding * m_scale;
-        return {m_rect.topLeft() - QPointF(0, padding + size.height()), size};
+        const QRectF usual(m_rect.topLeft() - QPointF(0, padding + size.height()), size);
+        return m_display ? movedInto(usual, *m_display) : usual;
+    }
+
+    /// For the text of the label, at scale 1.
+    std::optional<QSizeF> labelRoom() const {
+        if (!m_display)
+            return std::nullopt;
+        const QSizeF padding(2 * labelPlate.padding, 2 * labelPlate.padding);
+        return roomForText(m_annotation.label, labelPlate.font(), m_display->size() / m_scale - padding,
+                           readableWidth);
     }
 
 private:
-    QSizeF plateSize(const PlateStyle& style, const QString& text) const {
+    QSizeF plateSize(const PlateStyle& style, const QString& text, const std::optional<QSizeF>& room) const {
         const qreal padding = style.padding * m_scale;
-        return drawnTextSize(text, style.font()) * m_scale + QSizeF(2 * padding, 2 * padding);
+        return drawnTextSize(text, style.font(), room) * m_scale + QSizeF(2 * padding, 2 * padding);
     }
 
     const Annotation& m_annotation;
     qreal m_scale;
+    std::optional<QRectF> m_display;
     QPointF m_start;
     QPointF m_end;
     QRectF m_rect;
@@ -158,10 +174,11 @@ private:
 /// One annotation on its way to one painter.
 class ShapeDrawing {
 public:
-    ShapeDrawing(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale)
+    ShapeDrawing(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale,
+                 const std::optional<QRectF>& display)
         : m_painter(painter)
         , m_annotation(annotation)
-        , m_layout(annotation, mapPoint, scale)
+        , m_layout(annotation, mapPoint, scale, display)
         , m_scale(scale) {}
 
     void draw() {
@@ -185,7 +202,7 @@ public:
             break;
         case Annotation::Kind::text:
             if (!m_annotation.text.isEmpty())
-                drawPlate(textPlate, m_annotation.text, m_layout.text());
+                drawPlate(textPlate, m_annotation.text, m_layout.text(), std::nullopt);
             return;
         case Annotation::Kind::image:
             if (!m_layout.hasPicture())
@@ -194,7 +211,7 @@ public:
             break;
         }
         if (!m_annotation.label.isEmpty())
-            drawPlate(labelPlate, m_annotation.label, m_layout.label());
+            drawPlate(labelPlate, m_annotation.label, m_layout.label(), m_layout.labelRoom());
     }
 
 private:
@@ -238,12 +255,13 @@ private:
     }
 
     /// In the shape's colour.
-    void drawPlate(const PlateStyle& style, const QString& text, const QRectF& plate) {
+    void drawPlate(const PlateStyle& style, const QString& text, const QRectF& plate,
+                   const std::optional<QSizeF>& room) {
         const qreal padding = style.padding * m_scale;
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(withAlpha(m_annotation.color, 0.95F));
         inBands(plate, roundBand, [&] { m_painter.drawRoundedRect(plate, padding, padding); });
-        DrawnText(text, style.font(), m_scale)
+        DrawnText(text, style.font(), m_scale, room)
             .draw(m_painter, plate.topLeft() + QPointF(padding, padding), textColorOn(m_annotation.color));
     }
 
@@ -303,11 +321,11 @@ SelectionLayout selectionLayout(const Annotation& annotation, const PointMap& ma
 } // namespace
 
 void annotation_renderer::draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint,
-                               qreal scale) {
+                               qreal scale, const std::optional<QRectF>& display) {
     if (!hasFinitePoints(annotation))
         return;
     const PainterState state(painter);
-    ShapeDrawing(painter, annotation, mapPoint, scale).draw();
+    ShapeDrawing(painter, annotation, mapPoint, scale, display).draw();
 }
 
 void annotation_renderer::drawSelectionHandles(QPainter& painter, const Annotation& annotation,
@@ -339,11 +357,11 @@ void annotation_renderer::drawHandleDots(QPainter& painter, const std::vector<QP
 }
 
 Extent annotation_renderer::extent(const Annotation& annotation, const PointMap& mapPoint, qreal scale,
-                                   const QRectF& visible) {
+                                   const QRectF& visible, const std::optional<QRectF>& display) {
     Extent extent;
     if (!hasFinitePoints(annotation))
         return extent;
-    const ShapeLayout layout(annotation, mapPoint, scale);
+    const ShapeLayout layout(annotation, mapPoint, scale, display);
     const qreal halfLine = layout.lineWidth() / 2;
     switch (annotation.kind) {
     case Annotation::Kind::arrow: {

@@ -21,7 +21,9 @@ namespace orvane {
 ///
 /// `mapPoint` takes the annotation's global points to the painter's space, y down. `scale` multiplies all
 /// sizes that its two points do not give, such as widths of strokes and fonts: 1 where the painter counts in
-/// points, the pixels of a point where it counts in pixels. Both are finite and positive.
+/// points, the pixels of a point where it counts in pixels. Both are finite and positive. `display` is the
+/// display that the shape belongs to, in the painter's space: the label is kept on it, and wrapped where it
+/// is wider. Without one it is where the shape puts it.
 ///
 /// Shapes whose points are not finite are not drawn and have no extent, and no other number harms: a stroke
 /// is at least 1 wide, an angle that is not finite is upright. The painter is left as it was. Needs a
@@ -29,7 +31,8 @@ namespace orvane {
 namespace annotation_renderer {
 
 /// The shape with its label, whether or not it is `removed`.
-void draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale);
+void draw(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint, qreal scale,
+          const std::optional<QRectF>& display = std::nullopt);
 
 /// The marks of a selected annotation.
 void drawSelectionHandles(QPainter& painter, const Annotation& annotation, const PointMap& mapPoint,
@@ -42,7 +45,8 @@ void drawHandleDots(QPainter& painter, const std::vector<QPointF>& points, qreal
 // around a shape shows it.
 
 /// Of an arrow only what is in `visible` or near it, which is finite. The plane is that of a highlight.
-Extent extent(const Annotation& annotation, const PointMap& mapPoint, qreal scale, const QRectF& visible);
+Extent extent(const Annotation& annotation, const PointMap& mapPoint, qreal scale, const QRectF& visible,
+              const std::optional<QRectF>& display = std::nullopt);
 Extent selectionExtent(const Annotation& annotation, const PointMap& mapPoint, qreal scale);
 Extent handleDotsExtent(const std::vector<QPointF>& points, qreal scale);
 

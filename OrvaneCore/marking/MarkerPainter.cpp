@@ -5,12 +5,15 @@
 #include "OrvaneCore/drawing/DrawnText.h"
 #include "OrvaneCore/drawing/Identical.h"
 #include "OrvaneCore/drawing/PainterState.h"
+#include "OrvaneCore/drawing/PlateEdge.h"
 #include "OrvaneCore/drawing/SoftShadow.h"
 #include "OrvaneCore/marking/Palettes.h"
 
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+#include <array>
 #include <numbers>
 
 namespace orvane {
@@ -22,6 +25,7 @@ const MarkerStyle MarkerStyle::onImage{
     .numberPixelSize = 15,
     .labelPixelSize = 13,
     .labelWeight = QFont::Medium,
+    .hasLabelEdge = false,
 };
 
 const MarkerStyle MarkerStyle::onOverlay{
@@ -31,6 +35,7 @@ const MarkerStyle MarkerStyle::onOverlay{
     .numberPixelSize = 13,
     .labelPixelSize = 12,
     .labelWeight = QFont::Normal,
+    .hasLabelEdge = true,
 };
 
 namespace {
@@ -49,6 +54,10 @@ constexpr qreal dotInset = 9;
 constexpr qreal dotDiameter = 7;
 constexpr qreal dotGap = 6;
 constexpr qreal labelEnd = 9;
+/// Around the text of a label.
+constexpr QSizeF labelPadding(dotInset + dotDiameter + dotGap + labelEnd, 2 * labelPaddingY);
+/// What a label that is too long for its display is wrapped to: lines that are easily read.
+constexpr qreal readableWidth = 480;
 constexpr QPointF shadowOffset(0, 1);
 
 QFont numberFont(const MarkerStyle& style) {
@@ -75,18 +84,30 @@ QRectF shadowArea(const QRectF& rect, qreal blur, qreal scale) {
     return grown(rect, softShadowReach(blur * scale)).translated(shadowOffset * scale);
 }
 
-/// In a capsule below the region.
-MarkerLayout::Label labelLayout(const QString& label, const QPointF& place, qreal scale,
+/// For the text, at scale 1.
+std::optional<QSizeF> labelRoom(const QString& label, const MarkerLayout& layout, qreal scale,
                                 const MarkerStyle& style) {
-    const QSizeF text = drawnTextSize(label, labelFont(style)) * scale;
+    if (!layout.display)
+        return std::nullopt;
+    const QSizeF most = layout.display->size() / scale - labelPadding;
+    const qreal asRegion = layout.region.width() / scale - labelPadding.width();
+    return roomForText(label, labelFont(style), most, std::max(readableWidth, asRegion));
+}
+
+MarkerLayout::Label labelLayout(const QString& label, const MarkerLayout& layout, qreal scale,
+                                const MarkerStyle& style) {
+    const std::optional<QSizeF> room = labelRoom(label, layout, scale, style);
+    const QSizeF text = drawnTextSize(label, labelFont(style), room) * scale;
     const qreal textInset = (dotInset + dotDiameter + dotGap) * scale;
-    const QRectF capsule(place, text + QSizeF(textInset + labelEnd * scale, 2 * labelPaddingY * scale));
+    const QSizeF size = text + labelPadding * scale;
+    const QRectF capsule(layout.labelPlace(size), size);
     const qreal dotRadius = dotDiameter / 2 * scale;
     return {
         .capsule = capsule,
         .shadow = shadowArea(capsule, labelShadowBlur, scale),
         .dot = circle({capsule.left() + dotInset * scale + dotRadius, capsule.center().y()}, dotRadius),
         .text = {capsule.topLeft() + QPointF(textInset, labelPaddingY * scale), text},
+        .room = room,
     };
 }
 
@@ -111,7 +132,6 @@ public:
 
     void drawOutline() { stroke(m_layout.outline, m_marker.color); }
 
-    /// On the region's top-left corner.
     void drawBadge() {
         QPainterPath badge;
         badge.addEllipse(m_layout.badge);
@@ -132,11 +152,13 @@ public:
         drawSoftShadow(m_painter, outline, withAlpha(Qt::black, 0.3F), labelShadowBlur * m_scale,
                        shadowOffset * m_scale);
         m_painter.fillPath(outline, marker_palette::labelFill());
+        if (m_style.hasLabelEdge)
+            drawPlateEdge(m_painter, label.capsule, m_layout.cornerRadius, m_scale);
 
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(marker_palette::dot(m_marker.index));
         m_painter.drawEllipse(label.dot);
-        const DrawnText text(m_marker.label, labelFont(m_style), m_scale);
+        const DrawnText text(m_marker.label, labelFont(m_style), m_scale, label.room);
         text.draw(m_painter, label.text.topLeft(), Qt::white);
     }
 
@@ -156,35 +178,62 @@ private:
 
 } // namespace
 
+QPointF MarkerLayout::labelPlace(const QSizeF& size) const {
+    if (!display)
+        return belowRegion;
+    const QRectF ring = badgeRing.outer();
+    const QRectF usual(belowRegion, size);
+    const QRectF nearest = movedInto(usual, *display);
+    const bool isUsual = nearest == usual && badge.center() == region.topLeft();
+    if (isUsual || !nearest.intersects(ring))
+        return nearest.topLeft();
+    const qreal gap = belowRegion.y() - region.bottom();
+    const std::array besideBadge{QPointF(nearest.left(), ring.bottom() + gap),
+                                 QPointF(ring.right() + gap, nearest.top()),
+                                 QPointF(ring.left() - gap - size.width(), nearest.top()),
+                                 QPointF(nearest.left(), ring.top() - gap - size.height())};
+    const auto* free = std::find_if(besideBadge.begin(), besideBadge.end(), [&](const QPointF& place) {
+        return display->contains(QRectF(place, size));
+    });
+    return free == besideBadge.end() ? nearest.topLeft() : *free;
+}
+
 MarkerLayout marker_painter::layout(const Marker& marker, const QRectF& rect, qreal scale,
-                                    const MarkerStyle& style, Spotlight spotlight) {
+                                    const MarkerStyle& style, Spotlight spotlight,
+                                    const std::optional<QRectF>& display) {
     const QRectF region = drawable(rect);
     const qreal outlineWidth = spotlight == Spotlight::on ? style.spotlightOutlineWidth : style.outlineWidth;
-    const QPointF center = region.topLeft();
     const qreal radius = style.badgeDiameter / 2 * scale;
+    const qreal ringRadius = radius + badgeRingGrowth * scale;
+    const QRectF ring = circle(region.topLeft(), ringRadius + badgeRingWidth / 2 * scale);
+    const QPointF moved = display ? movedInto(ring, *display).topLeft() - ring.topLeft() : QPointF();
+    // Not the middle of what was moved, which may be rounded.
+    const QPointF center = region.topLeft() + moved;
     const QRectF badge = circle(center, radius);
     const QSizeF number = drawnTextSize(numberText(marker), numberFont(style)) * scale;
-    const QPointF labelPlace = region.bottomLeft() + QPointF(0, labelGap * scale);
-    return {
+    MarkerLayout layout{
         .region = region,
         .cornerRadius = cornerRadius * scale,
         .halo = {.rect = grown(region, haloGrowth * scale), .width = haloWidth * scale},
         .outline = {.rect = region, .width = outlineWidth * scale},
         .badge = badge,
         .badgeShadow = shadowArea(badge, badgeShadowBlur, scale),
-        .badgeRing = {.rect = circle(center, radius + badgeRingGrowth * scale),
-                      .width = badgeRingWidth * scale},
+        .badgeRing = {.rect = circle(center, ringRadius), .width = badgeRingWidth * scale},
         .number = {center - QPointF(number.width() / 2, number.height() / 2), number},
-        .labelPlace = labelPlace,
-        .label = marker.label.isEmpty() ? std::nullopt
-                                        : std::optional(labelLayout(marker.label, labelPlace, scale, style)),
+        .belowRegion = region.bottomLeft() + QPointF(0, labelGap * scale),
+        .display = display,
+        .label = std::nullopt,
     };
+    if (!marker.label.isEmpty())
+        layout.label = labelLayout(marker.label, layout, scale, style);
+    return layout;
 }
 
 Extent marker_painter::extent(const Marker& marker, const QRectF& rect, qreal scale, const MarkerStyle& style,
-                              Spotlight spotlight) {
-    return isFinite(rect) ? extent(marker, layout(marker, rect, scale, style, spotlight), scale, spotlight)
-                          : Extent();
+                              Spotlight spotlight, const std::optional<QRectF>& display) {
+    return isFinite(rect)
+               ? extent(marker, layout(marker, rect, scale, style, spotlight, display), scale, spotlight)
+               : Extent();
 }
 
 Extent marker_painter::extent(const Marker& marker, const MarkerLayout& layout, qreal scale,
@@ -205,9 +254,11 @@ Extent marker_painter::extent(const Marker& marker, const MarkerLayout& layout, 
 }
 
 void marker_painter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
-                          const MarkerStyle& style, Spotlight spotlight) {
+                          const MarkerStyle& style, Spotlight spotlight,
+                          const std::optional<QRectF>& display) {
     if (isFinite(rect))
-        draw(painter, marker, layout(marker, rect, scale, style, spotlight), scale, style, spotlight);
+        draw(painter, marker, layout(marker, rect, scale, style, spotlight, display), scale, style,
+             spotlight);
 }
 
 void marker_painter::draw(QPainter& painter, const Marker& marker, const MarkerLayout& layout, qreal scale,

@@ -54,6 +54,13 @@ void FirstMouseButton::setProminent(bool prominent) {
     update();
 }
 
+void FirstMouseButton::setDimmed(bool dimmed) {
+    if (m_isDimmed == dimmed)
+        return;
+    m_isDimmed = dimmed;
+    update();
+}
+
 void FirstMouseButton::setCornerRadius(qreal radius) {
     m_cornerRadius = radius;
     update();
@@ -94,7 +101,7 @@ void FirstMouseButton::drawGround(QPainter& painter) const {
     QPainterPath outline;
     outline.addRoundedRect(rect(), m_cornerRadius, m_cornerRadius);
     if (m_isProminent) {
-        painter.fillPath(outline, look::accent());
+        painter.fillPath(outline, m_isDimmed ? withAlpha(look::accent(), 0.3F) : look::accent());
     } else if (isChecked() && !m_swatch) {
         painter.fillPath(outline, withAlpha(look::accent(), 0.45F));
     }
@@ -111,7 +118,8 @@ void FirstMouseButton::drawTitle(QPainter& painter) const {
     // In the middle: what a title ends with is the key to press.
     const QString shown = titleWidth() <= room ? m_title : metrics.elidedText(m_title, Qt::ElideMiddle, room);
     painter.setFont(titleFont());
-    painter.setPen(gray(1, m_isProminent || isChecked() ? 1.0F : 0.85F));
+    const float usual = m_isProminent || isChecked() ? 1.0F : 0.85F;
+    painter.setPen(gray(1, m_isDimmed ? 0.45F : usual));
     painter.drawText(
         QPointF((width() - metrics.horizontalAdvance(shown)) / 2, (height() + metrics.capHeight()) / 2),
         shown);

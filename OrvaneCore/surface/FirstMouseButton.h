@@ -30,6 +30,9 @@ public:
 
     /// The one button of several that stands out.
     void setProminent(bool prominent);
+    /// Whether it shows that there is nothing for it to do now. It can be pressed all the same.
+    void setDimmed(bool dimmed);
+    bool isDimmed() const { return m_isDimmed; }
     void setCornerRadius(qreal radius);
     /// What is kept free on both sides of the title. A title that does not fit is shortened.
     void setPadding(int padding);
@@ -53,6 +56,7 @@ private:
     QPainterPath m_glyph;
     std::optional<QColor> m_swatch;
     bool m_isProminent = false;
+    bool m_isDimmed = false;
     qreal m_cornerRadius;
     int m_padding;
 };

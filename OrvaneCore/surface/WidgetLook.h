@@ -4,6 +4,7 @@
 
 class QPainter;
 class QPainterPath;
+class QRectF;
 
 /// What the bar, the palette and the bubbles of the overlay have in common, so that they look like one family
 /// on every desktop, whatever its style and colours.
@@ -27,7 +28,10 @@ QColor ground();
 /// What is switched on, or to be pressed next.
 QColor accent();
 
-/// A dark plate of that shape. The painter is given back as it was.
+// A dark plate with a light edge, which shows on dark windows as well. The painter is given back as it was.
+
+void drawPlate(QPainter& painter, const QRectF& rect, qreal radius);
+/// Of any shape.
 void drawPlate(QPainter& painter, const QPainterPath& outline);
 
 } // namespace orvane::look

@@ -14,7 +14,8 @@ VisualBounds AnnotationBounds::annotation(const Annotation& annotation) const {
     if (!isFinite(m_scene.origin))
         return {};
     const PointMap toView{.origin = m_scene.origin};
-    return VisualBounds::of(annotation_renderer::extent(annotation, toView, 1, m_view), m_view);
+    const std::optional<QRectF> display = displayInView(m_scene, annotation.anchorForRegion());
+    return VisualBounds::of(annotation_renderer::extent(annotation, toView, 1, m_view, display), m_view);
 }
 
 VisualBounds AnnotationBounds::draft() const {

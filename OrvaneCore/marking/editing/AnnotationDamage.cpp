@@ -24,7 +24,8 @@ const Annotation* draftOf(const AnnotationScene& scene) {
 QRegion damage(const AnnotationScene& before, const AnnotationScene& after) {
     const AnnotationBounds old(before);
     const AnnotationBounds now(after);
-    if (!identical(before.size, after.size) || !identical(before.origin, after.origin))
+    if (!identical(before.size, after.size) || !identical(before.origin, after.origin) ||
+        before.displays != after.displays)
         return now.view();
 
     QRegion region = listDamage(

@@ -3,6 +3,7 @@
 #include "OrvaneCore/marking/Annotation.h"
 
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <QUuid>
 
@@ -22,9 +23,15 @@ struct AnnotationScene {
     std::optional<QUuid> selectedId;
     /// The shape that is being drawn.
     std::optional<Annotation> draft;
+    /// All displays, in global points; where there are none the view is the only one. Texts that belong to a
+    /// mark are kept on the first that it is on, so that all views show the same.
+    std::vector<QRectF> displays = {};
 };
 
 /// The first shape with the selected id; null for none.
 const Annotation* selectedAnnotation(const AnnotationScene& scene);
+
+/// The display that a global point is on, in points of the view; nothing where it is on none.
+std::optional<QRectF> displayInView(const AnnotationScene& scene, const QPointF& point);
 
 } // namespace orvane

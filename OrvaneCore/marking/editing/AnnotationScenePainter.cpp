@@ -20,7 +20,8 @@ void paintAnnotations(QPainter& painter, const AnnotationScene& scene, const QRe
         const PainterState state(painter);
         // Whatever is written on it, it does not leave marks where nobody wipes them off.
         painter.setClipRect(place.boundingRect(), Qt::IntersectClip);
-        annotation_renderer::draw(painter, annotation, toView, 1);
+        annotation_renderer::draw(painter, annotation, toView, 1,
+                                  displayInView(scene, annotation.anchorForRegion()));
     };
     for (const Annotation& annotation : scene.annotations)
         paint(annotation);

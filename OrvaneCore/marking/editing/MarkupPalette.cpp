@@ -9,7 +9,6 @@
 
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 
@@ -104,9 +103,7 @@ void MarkupPalette::refresh() {
 
 void MarkupPalette::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), paletteRadius, paletteRadius);
-    look::drawPlate(painter, outline);
+    look::drawPlate(painter, rect(), paletteRadius);
     for (const QRect& divider : m_dividers)
         painter.fillRect(divider, gray(1, 0.2F));
     if (!m_isDraggable)

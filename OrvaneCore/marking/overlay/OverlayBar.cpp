@@ -9,7 +9,6 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <cmath>
 
@@ -93,6 +92,7 @@ OverlayBar::OverlayBar(MarkerManager& manager, const std::function<void(OverlayC
     m_submitButton->setProminent(true);
     m_subscription = manager.observe([this] { refresh(); });
     showTitles();
+    dimSubmit();
 }
 
 void OverlayBar::place(const QRect& viewRect) {
@@ -102,9 +102,7 @@ void OverlayBar::place(const QRect& viewRect) {
 
 void OverlayBar::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), barRadius, barRadius);
-    look::drawPlate(painter, outline);
+    look::drawPlate(painter, rect(), barRadius);
     painter.fillRect(m_divider, gray(1, 0.2F));
 }
 
@@ -120,6 +118,7 @@ FirstMouseButton* OverlayBar::addButton(const char16_t* name, OverlayCommand com
 }
 
 void OverlayBar::refresh() {
+    dimSubmit();
     // The manager also tells of every step of a drag.
     const bool isIconCurrent =
         !m_manager.modes().directSend || !m_manager.currentSendTarget() ||
@@ -187,6 +186,11 @@ void OverlayBar::arrange() {
                                      m_ocrButton, m_sendButton, m_submitButton})
         button->setPadding(layout.padding);
     update();
+}
+
+void OverlayBar::dimSubmit() {
+    // Shapes alone are no submission.
+    m_submitButton->setDimmed(m_manager.markers().empty());
 }
 
 QIcon OverlayBar::iconOf(const std::optional<SendTarget>& target) {

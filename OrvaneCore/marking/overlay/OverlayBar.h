@@ -39,6 +39,7 @@ private:
     void refresh();
     void showTitles();
     void arrange();
+    void dimSubmit();
     QIcon iconOf(const std::optional<SendTarget>& target);
 
     MarkerManager& m_manager;

@@ -18,8 +18,7 @@ VisualBounds OverlayBounds::marker(const Marker& marker) const {
     const auto region = regionInView(m_scene, marker);
     if (!region)
         return {};
-    const MarkerLayout layout =
-        marker_painter::layout(marker, *region, 1, MarkerStyle::onOverlay, spotlight(m_scene));
+    const MarkerLayout layout = markerInView(m_scene, marker, *region);
     Extent extent = marker_painter::extent(marker, layout, 1, spotlight(m_scene));
     extent.add(overlay_layout::sizeTag(layout, m_scene.shapes.size));
     if (hasHint(m_scene, marker))
@@ -61,8 +60,7 @@ VisualBounds OverlayBounds::instructions() const {
     if (m_view.isEmpty())
         return {};
     Extent extent;
-    extent.add(overlay_layout::instructionsPill(
-        overlay_layout::instructionsText(overlayInstructions(m_scene), m_scene.shapes.size)));
+    extent.add(overlay_layout::instructions(overlayInstructions(m_scene), m_scene.shapes.size).pill);
     return VisualBounds::of(extent, m_view);
 }
 
@@ -71,6 +69,11 @@ std::optional<QRectF> regionInView(const OverlayScene& scene, const Marker& mark
     if (!isFinite(region))
         return std::nullopt;
     return drawable(region);
+}
+
+MarkerLayout markerInView(const OverlayScene& scene, const Marker& marker, const QRectF& region) {
+    return marker_painter::layout(marker, region, 1, MarkerStyle::onOverlay, spotlight(scene),
+                                  displayInView(scene.shapes, marker.rect.center()));
 }
 
 std::vector<QPointF> selectedCornersInView(const OverlayScene& scene) {
@@ -113,7 +116,8 @@ QString coordinateText(const OverlayScene& scene, const QPointF& pointer) {
 }
 
 QString overlayInstructions(const OverlayScene& scene) {
-    return overlayInstructions(scene.modes, static_cast<int>(scene.markers.size()));
+    return overlayInstructions(scene.modes, static_cast<int>(scene.markers.size()), scene.tool,
+                               !scene.shapes.annotations.empty());
 }
 
 } // namespace orvane

@@ -37,6 +37,8 @@ private:
 // How the scene's marks come to the view; nothing for what is not finite.
 
 std::optional<QRectF> regionInView(const OverlayScene& scene, const Marker& marker);
+/// Where the layers of a marker with that region in the view lie.
+MarkerLayout markerInView(const OverlayScene& scene, const Marker& marker, const QRectF& region);
 /// The corners of the selected marker's region; none without one.
 std::vector<QPointF> selectedCornersInView(const OverlayScene& scene);
 std::optional<QRectF> currentRectInView(const OverlayScene& scene);

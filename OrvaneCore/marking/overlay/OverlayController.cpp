@@ -18,6 +18,18 @@ namespace orvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// In the order in which regions are given to them.
+std::vector<QRectF> displaysNow() {
+    std::vector<QRectF> displays;
+    for (const QScreen* screen : QGuiApplication::screens())
+        displays.emplace_back(screen->geometry());
+    return displays;
+}
+
+} // namespace
+
 OverlayController::OverlayController(const Services& services)
     : m_services(services)
     , m_commands(
@@ -80,7 +92,8 @@ void OverlayController::openWindow(QScreen& screen, const QImage& frozen, Surfac
     const OverlayDocument document{.manager = m_services.manager,
                                    .commands = m_commands,
                                    .keyboard = m_services.keyboard,
-                                   .targetIcon = [](const SendTarget&) { return QIcon(); }};
+                                   .targetIcon = [](const SendTarget&) { return QIcon(); },
+                                   .displays = displaysNow};
     m_windows.emplace_back(new OverlayWindow(document, m_services.surfaces, screen, frozen, keyboard));
     OverlayWindow& window = *m_windows.back();
     QObject::connect(&screen, &QScreen::geometryChanged, &window, [&window] { window.coverScreen(); });

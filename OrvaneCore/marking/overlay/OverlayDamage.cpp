@@ -36,7 +36,7 @@ QRegion damage(const OverlayScene& before, const OverlayScene& after) {
         region += VisualBounds::difference(old.selectedMarker(), now.selectedMarker());
     if (!identical(before.mousePosition, after.mousePosition))
         region += VisualBounds::difference(old.crosshair(), now.crosshair());
-    if (before.markers.size() != after.markers.size())
+    if (overlayInstructions(before) != overlayInstructions(after))
         region += VisualBounds::difference(old.instructions(), now.instructions());
     return region;
 }

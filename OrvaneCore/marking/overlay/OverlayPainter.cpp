@@ -2,6 +2,7 @@
 
 #include "OrvaneCore/drawing/DrawingColors.h"
 #include "OrvaneCore/drawing/PainterState.h"
+#include "OrvaneCore/drawing/PlateEdge.h"
 #include "OrvaneCore/marking/AnnotationRenderer.h"
 #include "OrvaneCore/marking/MarkerPainter.h"
 #include "OrvaneCore/marking/editing/AnnotationScenePainter.h"
@@ -81,13 +82,13 @@ private:
         // Whatever is written on the label, it does not leave marks where nobody wipes them off.
         m_painter.setClipRect(bounds.boundingRect(), Qt::IntersectClip);
         const MarkerStyle& style = MarkerStyle::onOverlay;
-        const MarkerLayout layout = marker_painter::layout(marker, *region, 1, style, spotlight(m_scene));
+        const MarkerLayout layout = markerInView(m_scene, marker, *region);
         marker_painter::draw(m_painter, marker, layout, 1, style, spotlight(m_scene));
-        drawPlate(overlay_layout::sizeTag(layout, m_scene.shapes.size), 3, gray(0.12F, 1),
-                  OverlayFont::sizeTag, sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
+        drawPlate(overlay_layout::sizeTag(layout, m_scene.shapes.size), 3, gray(0.12F), OverlayFont::sizeTag,
+                  sizeTagText(region->size()), withAlpha(Qt::white, 0.8F));
         if (hasHint(m_scene, marker)) {
-            // White alone could not be read on a white window.
-            drawPlate(overlay_layout::hint(layout), 6, gray(0.12F, 0.6F), OverlayFont::hint, labelHintText(),
+            // What shone through would be read together with it.
+            drawPlate(overlay_layout::hint(layout), 6, gray(0.12F), OverlayFont::hint, labelHintText(),
                       withAlpha(Qt::white, 0.75F));
         }
     }
@@ -121,10 +122,11 @@ private:
     }
 
     void drawInstructions() {
-        const QString text = overlayInstructions(m_scene);
-        const QRectF place = overlay_layout::instructionsText(text, m_scene.shapes.size);
-        drawGround(overlay_layout::instructionsPill(place), 14, withAlpha(Qt::black, 0.75F));
-        drawOverlayText(m_painter, OverlayFont::instructions, text, place.topLeft(), Qt::white);
+        const auto [pill, lines] =
+            overlay_layout::instructions(overlayInstructions(m_scene), m_scene.shapes.size);
+        drawGround(pill, 14, withAlpha(Qt::black, 0.75F));
+        for (const auto& [text, place] : lines)
+            drawOverlayText(m_painter, OverlayFont::instructions, text, place.topLeft(), Qt::white);
     }
 
     /// The corner of the pixel that the point is in, so that a thin line fills as few pixels as it can.
@@ -187,6 +189,7 @@ private:
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(color);
         m_painter.drawRoundedRect(rect, radius, radius);
+        drawPlateEdge(m_painter, rect, radius);
     }
 
     void drawPlate(const QRectF& plate, qreal radius, const QColor& ground, OverlayFont font,

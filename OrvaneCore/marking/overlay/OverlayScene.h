@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvaneCore/marking/AnnotationTool.h"
 #include "OrvaneCore/marking/Marker.h"
 #include "OrvaneCore/marking/editing/AnnotationScene.h"
 #include "OrvaneCore/marking/submit/SubmitRequest.h"
@@ -19,6 +20,7 @@ struct OverlayScene {
     /// Shapes, with the place and the size of the view.
     AnnotationScene shapes;
     MarkupModes modes;
+    AnnotationTool tool = AnnotationTool::region;
     std::vector<Marker> markers;
     std::optional<QUuid> selectedMarkerId;
     /// The region that is being dragged open, view.

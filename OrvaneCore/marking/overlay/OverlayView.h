@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace orvane {
 
@@ -30,6 +31,8 @@ struct OverlayDocument {
     OverlayCommands& commands;
     DesktopKeyboard& keyboard;
     std::function<QIcon(const SendTarget&)> targetIcon;
+    /// All displays, in global points; may be empty where there is but the view's.
+    std::function<std::vector<QRectF>()> displays = {};
 };
 
 /// The overlay on one display: hands events to the rules, shows what the marks look like, and holds the

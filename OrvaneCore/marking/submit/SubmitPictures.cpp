@@ -54,10 +54,11 @@ QImage SubmitPictures::annotatedDisplay(const std::vector<Marker>& markers,
                          ? blurOutside(m_capture, rects, MarkupModes::spotlightSigma)
                          : m_capture;
     QPainter painter(&picture);
+    const QRectF whole = picture.rect();
     for (std::size_t i = 0; i < markers.size(); ++i)
-        marker_painter::draw(painter, markers[i], rects[i], scale(), MarkerStyle::onImage, spotlight);
+        marker_painter::draw(painter, markers[i], rects[i], scale(), MarkerStyle::onImage, spotlight, whole);
     for (const Annotation& annotation : annotations)
-        annotation_renderer::draw(painter, annotation, map, scale());
+        annotation_renderer::draw(painter, annotation, map, scale(), whole);
     painter.end();
     return picture;
 }
@@ -87,7 +88,8 @@ void SubmitPictures::drawOnCrop(QImage& crop, const QRectF& region,
         return;
     QPainter painter(&crop);
     for (const Annotation& annotation : annotations)
-        annotation_renderer::draw(painter, annotation, mapFrom(region.normalized().topLeft()), scale());
+        annotation_renderer::draw(painter, annotation, mapFrom(region.normalized().topLeft()), scale(),
+                                  QRectF(crop.rect()));
 }
 
 PointMap SubmitPictures::mapFrom(const QPointF& origin) const {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <thread>
 
 namespace orvane::test {
@@ -223,6 +224,86 @@ TEST(DrawnText, IsAsLargeAsItIsSaidToBeInEveryFont) {
         }
     }
     EXPECT_EQ(drawnTextSize(u"Note"_s, systemFont(12)) * 2, DrawnText(u"Note"_s, systemFont(12), 2).size());
+}
+
+TEST(DrawnText, BreaksBetweenWordsWhereItsRoomEnds) {
+    const QFont font = systemFont(pixelSize);
+    const QSizeF line = drawnTextSize(u"A label of"_s, font);
+    const QSizeF room(line.width() + 2, 1000);
+    const QSizeF wrapped = drawnTextSize(u"A label of two lines"_s, font, room);
+    const QSizeF byHand = drawnTextSize(u"A label of\ntwo lines"_s, font);
+    EXPECT_DOUBLE_EQ(wrapped.height(), byHand.height());
+    EXPECT_NEAR(wrapped.width(), byHand.width(), 1.5);
+    EXPECT_LE(wrapped.width(), room.width());
+    EXPECT_EQ(wrapped * 2, DrawnText(u"A label of two lines"_s, font, 2, room).size());
+    // As if there were none.
+    EXPECT_EQ(drawnTextSize(u"A label of"_s, font, room), line);
+}
+
+TEST(DrawnText, BreaksWithinWordsThatAreWiderThanItsRoom) {
+    const QFont font = systemFont(pixelSize);
+    const qreal letter = drawnTextSize(u"M"_s, font).width();
+    const QSizeF wrapped = drawnTextSize(u"M"_s.repeated(10), font, QSizeF(4.5 * letter, 1000));
+    EXPECT_DOUBLE_EQ(wrapped.height(), 3 * drawnTextSize(u"M"_s, font).height());
+    EXPECT_NEAR(wrapped.width(), 4 * letter, 0.5);
+}
+
+TEST(DrawnText, ShowsAllOfItselfWithinItsSizeAndRoom) {
+    const QFont font = systemFont(pixelSize);
+    for (const QString& text : {u"Latin words that go on and on"_s, u"שלום עולם זה טקסט ארוך"_s,
+                                u"日本語の文章はどこでも折り返す"_s, u"one\ntwo and three and four"_s}) {
+        const QSizeF room(110, 1000);
+        const DrawnText drawn(text, font, 1, room);
+        EXPECT_LE(drawn.size().width(), room.width());
+        EXPECT_GT(drawn.size().height(), 1.9 * drawnTextSize(u"M"_s, font).height());
+        QImage picture = ground({400, 400});
+        QPainter painter(&picture);
+        drawn.draw(painter, {100, 100}, QColor(black));
+        painter.end();
+        const QRect ink = inkBounds(picture, white, 100);
+        EXPECT_TRUE(QRectF({100, 100}, drawn.size()).adjusted(-2, -2, 2, 2).contains(ink))
+            << text.toStdString();
+        EXPECT_GT(ink.height(), drawn.size().height() / 2);
+    }
+}
+
+TEST(DrawnText, EndsWithAnEllipsisWhereItsRoomIsTooLow) {
+    const QFont font = systemFont(pixelSize);
+    const qreal line = drawnTextSize(u"M"_s, font).height();
+    const auto pictureOfText = [&](const QString& text, const std::optional<QSizeF>& room) {
+        QImage picture = ground({400, 200});
+        QPainter painter(&picture);
+        DrawnText(text, font, 1, room).draw(painter, {20, 20}, QColor(black));
+        painter.end();
+        return picture;
+    };
+    const QString words = u"one\ntwo\nthree\nfour"_s;
+    EXPECT_EQ(pictureOfText(words, QSizeF(300, 2.5 * line)), pictureOfText(u"one\ntwo…"_s, std::nullopt));
+    EXPECT_DOUBLE_EQ(drawnTextSize(words, font, QSizeF(300, 2.5 * line)).height(), 2 * line);
+    EXPECT_EQ(pictureOfText(words, QSizeF(300, 4.1 * line)), pictureOfText(words, std::nullopt));
+    // One line there is always.
+    EXPECT_EQ(pictureOfText(words, QSizeF(300, 1)), pictureOfText(u"one…"_s, std::nullopt));
+    const QSizeF cut = drawnTextSize(u"M"_s.repeated(1000), font, QSizeF(300, 2.5 * line));
+    EXPECT_DOUBLE_EQ(cut.height(), 2 * line);
+    EXPECT_LE(cut.width(), 300);
+    EXPECT_GT(cut.width(), 270);
+}
+
+TEST(DrawnText, RoomIsGivenOnlyToTextsThatNeedIt) {
+    const QFont font = systemFont(pixelSize);
+    const QSizeF word = drawnTextSize(u"word"_s, font);
+    const QString text = u"word word word word"_s;
+    EXPECT_EQ(roomForText(u"word"_s, font, word, 10), std::nullopt);
+    EXPECT_EQ(roomForText(text, font, {1000, 100}, 10), std::nullopt);
+    const qreal two = drawnTextSize(u"word word"_s, font).width() + 1;
+    const qreal three = drawnTextSize(u"word word word"_s, font).width() + 1;
+    const qreal line = word.height();
+    EXPECT_EQ(roomForText(text, font, {three, 2 * line}, two), QSizeF(two, 2 * line));
+    // Never wider than the most there is.
+    EXPECT_EQ(roomForText(text, font, {two, 2 * line}, three), QSizeF(two, 2 * line));
+    // In the preferred width it would be too high.
+    EXPECT_EQ(roomForText(text, font, {three, 2 * line}, word.width() + 1), QSizeF(three, 2 * line));
+    EXPECT_EQ(roomForText(text, font, {-5, -5}, 100), QSizeF(1, -5));
 }
 
 TEST(DrawnText, MayBeVeryLong) {

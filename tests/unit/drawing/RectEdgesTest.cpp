@@ -1,12 +1,16 @@
 #include "OrvaneCore/drawing/RectEdges.h"
 
+#include "tests/unit/marking/ExactGeometry.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 
-namespace orvane {
+namespace orvane::test {
 
 namespace {
+
+constexpr QRectF bounds(-100, 50, 300, 200);
 
 const RectEdges edges{.left = 10, .top = 20, .right = 50, .bottom = 60};
 
@@ -57,4 +61,22 @@ TEST(RectEdges, AreFiniteWhereAllNumbersAre) {
     EXPECT_FALSE(isFinite(QRectF(1, qQNaN(), 3, 4)));
 }
 
-} // namespace orvane
+TEST(MovedInto, LeavesWhatIsInside) {
+    for (const QRectF& rect : {QRectF(0.1, 60.3, 20.7, 30), bounds, QRectF(-100, 50, 1, 1),
+                               QRectF(199, 249, 1, 1), QRectF(10, 60, 0, 0)})
+        EXPECT_TRUE(isRect(movedInto(rect, bounds), rect));
+}
+
+TEST(MovedInto, MovesAsLittleAsItTakes) {
+    EXPECT_TRUE(isRect(movedInto({-120, 100, 50, 20}, bounds), {-100, 100, 50, 20}));
+    EXPECT_TRUE(isRect(movedInto({190, 100, 50, 20}, bounds), {150, 100, 50, 20}));
+    EXPECT_TRUE(isRect(movedInto({0, 0, 50, 20}, bounds), {0, 50, 50, 20}));
+    EXPECT_TRUE(isRect(movedInto({900, 900, 50, 20}, bounds), {150, 230, 50, 20}));
+}
+
+TEST(MovedInto, ShowsTheBeginningOfWhatIsTooLarge) {
+    EXPECT_TRUE(isRect(movedInto({0, 100, 400, 20}, bounds), {-100, 100, 400, 20}));
+    EXPECT_TRUE(isRect(movedInto({0, 100, 50, 500}, bounds), {0, 50, 50, 500}));
+}
+
+} // namespace orvane::test

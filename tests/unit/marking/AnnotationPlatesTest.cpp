@@ -193,6 +193,57 @@ TEST_P(DrawsPlates, LabelFollowsTheMapOfAnUnevenDrawing) {
                 blue);
 }
 
+TEST_P(DrawsPlates, LabelIsKeptOnTheDisplay) {
+    const qreal s = scale();
+    const QString& label = blank;
+    const QSizeF tag = tagOf(label, {}, s).size();
+    const QRectF display = QRectF(10 * s, 10 * s, 180 * s, 130 * s);
+    const auto pictureOf = [&](const Annotation& annotation) {
+        QImage picture = ground((QSizeF(200, 150) * s).toSize());
+        QPainter painter(&picture);
+        annotation_renderer::draw(painter, annotation, mapAt(s), s, display);
+        painter.end();
+        return picture;
+    };
+    const auto boxAt = [&](const QRectF& rect) {
+        Annotation box = shape(Kind::highlight, rect.topLeft(), rect.bottomRight());
+        box.label = label;
+        // The shape itself does not show.
+        box.color = QColor(blue);
+        return box;
+    };
+    // Where it fits it is where it always is.
+    expectPlate(pictureOf(boxAt({60, 80, 0, 0})), tagOf(label, QPointF(60, 80) * s, s), 4 * s, blue);
+    // At the top, at the right, and in the corner.
+    expectPlate(pictureOf(boxAt({60, 12, 0, 0})), {QPointF(60 * s, display.top()), tag}, 4 * s, blue);
+    expectPlate(pictureOf(boxAt({185, 80, 0, 0})),
+                {QPointF(display.right() - tag.width(), tagOf(label, QPointF(0, 80 * s), s).top()), tag},
+                4 * s, blue);
+    expectPlate(pictureOf(boxAt({185, 12, 0, 0})),
+                {QPointF(display.right() - tag.width(), display.top()), tag}, 4 * s, blue);
+}
+
+TEST_P(DrawsPlates, LabelThatIsWiderThanTheDisplayIsWrapped) {
+    const qreal s = scale();
+    const QRectF display = QRectF(0, 0, 200 * s, 150 * s);
+    Annotation box = shape(Kind::highlight, {100, 120}, {100, 120});
+    box.label = u"Some words that are far more than what has room in one line"_s;
+    QImage picture = ground(display.size().toSize());
+    QPainter painter(&picture);
+    annotation_renderer::draw(painter, box, mapAt(s), s, display);
+    painter.end();
+    const QRectF tag = annotation_renderer::extent(box, mapAt(s), s, display, display)
+                           .parts.at(0)
+                           .adjusted(14 * s, 14 * s, -14 * s, -14 * s);
+    EXPECT_GT(tag.height(), 2 * tagOf(u"x"_s, {}, s).height());
+    EXPECT_TRUE(display.adjusted(-0.01, -0.01, 0.01, 0.01).contains(tag));
+    EXPECT_NEAR(tag.bottom(), 116 * s, 0.01);
+    // To its end: as much ink in the last line as in one of its words.
+    const QRectF lastLine(tag.left(), tag.bottom() - tagOf(u"x"_s, {}, s).height() + 4 * s, tag.width(),
+                          12 * s);
+    EXPECT_GT(countOf(picture, lastLine.toAlignedRect(), white), 10 * s);
+}
+
 INSTANTIATE_TEST_SUITE_P(AnnotationRenderer, DrawsPlates, testing::ValuesIn(displayScales), nameOfScale);
 
 TEST(AnnotationPlates, EmptyTextDrawsNothing) {

@@ -241,6 +241,35 @@ TEST_P(ExtentOfMarks, HoldsAnyMarks) {
     }
 }
 
+TEST_P(ExtentOfMarks, HoldsWhatIsKeptOnADisplay) {
+    RandomMarks marks(7);
+    const QRectF display = map()(QRectF(20, 15, 200, 150));
+    for (int i = 0; i < 150; ++i) {
+        Marker marker = marks.marker();
+        Annotation annotation = marks.annotation();
+        if (i % 3 == 0) {
+            marker.label = u"A long label that is wrapped. "_s.repeated(1 + i / 10);
+            annotation.label = marker.label;
+        }
+        const QRectF region = map()(marker.rect);
+        QImage picture = paper();
+        QPainter painter(&picture);
+        marker_painter::draw(painter, marker, region, scale(), MarkerStyle::onOverlay, Spotlight::off,
+                             display);
+        painter.end();
+        EXPECT_TRUE(isWithin(picture, marker_painter::extent(marker, region, scale(), MarkerStyle::onOverlay,
+                                                             Spotlight::off, display)))
+            << i;
+        picture = paper();
+        painter.begin(&picture);
+        annotation_renderer::draw(painter, annotation, map(), scale(), display);
+        painter.end();
+        EXPECT_TRUE(
+            isWithin(picture, annotation_renderer::extent(annotation, map(), scale(), visible(), display)))
+            << i;
+    }
+}
+
 TEST_P(ExtentOfMarks, HoldsWhatIsFarLargerThanThePicture) {
     for (const Kind kind : allKinds) {
         for (const qreal far : {3e3, 1e9, 1e300}) {

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <vector>
+
 namespace orvane::test {
 
 using namespace Qt::StringLiterals;
@@ -27,6 +30,31 @@ protected:
         return isRect(actual, scaled(pointsExpected), rounding);
     }
 };
+
+/// But for what floating-point sums may lose.
+bool isWithin(const QRectF& rect, const QRectF& bounds) {
+    return bounds.adjusted(-rounding, -rounding, rounding, rounding).contains(rect);
+}
+
+/// Regions inside a display, at its edges and across them, with their middle on it.
+std::vector<QRectF> regionsAround(const QRectF& display) {
+    std::vector<QRectF> regions;
+    regions.reserve(300);
+    for (const QSizeF& size :
+         {QSizeF(11, 11), QSizeF(60, 12), QSizeF(40, 300), QSizeF(300, 200), display.size()}) {
+        const QSizeF half = size / 2;
+        for (const qreal x : {0.0, half.width(), 7.0, display.width() / 3, display.width() - half.width(),
+                              display.width() - 4.5, display.width()}) {
+            for (const qreal y :
+                 {0.0, half.height(), 9.0, display.height() / 2, display.height() - half.height(),
+                  display.height() - 3.25, display.height()}) {
+                const QPointF middle = display.topLeft() + QPointF(x, y);
+                regions.emplace_back(middle - QPointF(half.width(), half.height()), size);
+            }
+        }
+    }
+    return regions;
+}
 
 } // namespace
 
@@ -78,7 +106,7 @@ TEST_P(LaysOutMarkers, LabelBelowTheRegion) {
             DrawnText(u"Note"_s, style.labelPixelSize, style.labelWeight, scale()).size() / scale();
         const QSizeF capsule = text + QSizeF(31, 8);
         ASSERT_TRUE(place.label);
-        EXPECT_TRUE(isPoint(place.labelPlace, QPointF(100, 356) * scale(), rounding));
+        EXPECT_TRUE(isPoint(place.belowRegion, QPointF(100, 356) * scale(), rounding));
         EXPECT_TRUE(isAt(place.label->capsule, {QPointF(100, 356), capsule}));
         EXPECT_TRUE(isAt(place.label->text, {QPointF(122, 360), text}));
         EXPECT_TRUE(isAt(place.label->dot, {109, 356 + capsule.height() / 2 - 3.5, 7, 7}));
@@ -92,7 +120,7 @@ TEST_P(LaysOutMarkers, LabelBelowTheRegion) {
 TEST_P(LaysOutMarkers, PlaceOfALabelThatIsNotThere) {
     const MarkerLayout place = layout({}, MarkerStyle::onOverlay);
     EXPECT_FALSE(place.label);
-    EXPECT_TRUE(isPoint(place.labelPlace, QPointF(100, 356) * scale(), rounding));
+    EXPECT_TRUE(isPoint(place.belowRegion, QPointF(100, 356) * scale(), rounding));
 }
 
 TEST_P(LaysOutMarkers, RegionInsideOutOrFarAway) {
@@ -101,6 +129,98 @@ TEST_P(LaysOutMarkers, RegionInsideOutOrFarAway) {
     };
     EXPECT_TRUE(isRect(regionOf({90, 80, -50, -40}), {40, 40, 50, 40}));
     EXPECT_TRUE(isRect(regionOf({1e300, 80, 50, 40}), {1e6, 80, 0, 40}));
+}
+
+TEST_P(LaysOutMarkers, KeepsBadgeAndLabelOnTheDisplay) {
+    const QRectF display = scaled({-400, 30, 800, 600});
+    for (const MarkerStyle& style : {MarkerStyle::onImage, MarkerStyle::onOverlay}) {
+        for (const QRectF& region : regionsAround({-400, 30, 800, 600})) {
+            for (const QString& label :
+                 {u"Note"_s, u"A label of some length\nand two lines"_s,
+                  u"A label that is longer than the display is wide. "_s.repeated(20)}) {
+                const Marker marker{.label = label};
+                const auto where = [&] {
+                    return testing::Message() << region.x() << "," << region.y() << " " << region.width()
+                                              << "x" << region.height() << " " << label.size();
+                };
+                const MarkerLayout free =
+                    marker_painter::layout(marker, scaled(region), scale(), style, Spotlight::off);
+                const MarkerLayout kept =
+                    marker_painter::layout(marker, scaled(region), scale(), style, Spotlight::off, display);
+                EXPECT_TRUE(isWithin(kept.badgeRing.outer(), display)) << where();
+                EXPECT_TRUE(isWithin(kept.label->capsule, display)) << where();
+                EXPECT_FALSE(kept.label->capsule.intersects(kept.badgeRing.outer())) << where();
+                EXPECT_TRUE(isPoint(kept.number.center(), kept.badge.center(), rounding));
+                EXPECT_TRUE(isPoint(kept.badgeRing.rect.center(), kept.badge.center(), rounding));
+                EXPECT_TRUE(isPoint(kept.label->text.topLeft() - kept.label->capsule.topLeft(),
+                                    QPointF(22, 4) * scale(), rounding));
+                EXPECT_TRUE(isRect(kept.region, free.region));
+                EXPECT_TRUE(isRect(kept.outline.rect, free.outline.rect));
+                if (isWithin(free.badgeRing.outer(), display) && isWithin(free.label->capsule, display)) {
+                    EXPECT_TRUE(isRect(kept.badge, free.badge)) << where();
+                    EXPECT_TRUE(isRect(kept.label->capsule, free.label->capsule)) << where();
+                    EXPECT_FALSE(kept.label->room) << where();
+                }
+            }
+        }
+    }
+}
+
+TEST_P(LaysOutMarkers, MovesNoFurtherThanItMust) {
+    const auto kept = [](const QRectF& region, const QString& label) {
+        return marker_painter::layout({.label = label}, scaled(region), scale(), MarkerStyle::onOverlay,
+                                      Spotlight::off, scaled({0, 0, 800, 600}));
+    };
+    EXPECT_TRUE(isAt(kept({0, 0, 300, 200}, u"x"_s).badgeRing.outer(), {0, 0, 28, 28}));
+    EXPECT_TRUE(isAt(kept({500, 5, 200, 200}, u"x"_s).badgeRing.outer(), {486, 0, 28, 28}));
+    const MarkerLayout atTheRight = kept({790, 100, 10, 50}, u"A label"_s);
+    EXPECT_NEAR(atTheRight.label->capsule.right(), 800 * scale(), rounding);
+    EXPECT_NEAR(atTheRight.label->capsule.top(), 156 * scale(), rounding);
+    const MarkerLayout atTheBottom = kept({100, 400, 300, 190}, u"A label"_s);
+    EXPECT_NEAR(atTheBottom.label->capsule.bottom(), 600 * scale(), rounding);
+    EXPECT_NEAR(atTheBottom.label->capsule.left(), 100 * scale(), rounding);
+}
+
+TEST_P(LaysOutMarkers, WrapsALabelOnlyWhereItIsWiderThanTheDisplay) {
+    const auto labelOf = [](const QString& label, const QRectF& region, qreal displayWidth) {
+        return *marker_painter::layout({.label = label}, scaled(region), scale(), MarkerStyle::onImage,
+                                       Spotlight::off, scaled({0, 0, displayWidth, 900}))
+                    .label;
+    };
+    const QString label = u"Twelve words that make a label as long as it is wide"_s;
+    const QFont font = systemFont(13, QFont::Medium);
+    const QSizeF line = drawnTextSize(label, font);
+    const QRectF region(10, 10, 200, 100);
+    const MarkerLayout::Label whole = labelOf(label, region, std::ceil(line.width()) + 31);
+    EXPECT_FALSE(whole.room);
+    EXPECT_TRUE(isRect(whole.text, {whole.text.topLeft(), line * scale()}, rounding));
+    const MarkerLayout::Label wrapped = labelOf(label, region, std::floor(line.width()) + 30);
+    EXPECT_TRUE(wrapped.room);
+    EXPECT_NEAR(wrapped.text.height(), 2 * line.height() * scale(), rounding);
+    // Easily read, unless the region is wider.
+    const QString text = (label + u' ').repeated(12);
+    EXPECT_LE(labelOf(text, region, 1200).text.width(), 480 * scale());
+    EXPECT_GT(labelOf(text, region, 1200).text.width(), 400 * scale());
+    EXPECT_GT(labelOf(text, {10, 10, 900, 100}, 1200).text.width(), 800 * scale());
+}
+
+TEST_P(LaysOutMarkers, ALabelLargerThanItsDisplayIsShortened) {
+    const QString label = u"word "_s.repeated(2000);
+    const QRectF display = scaled({0, 0, 300, 200});
+    const MarkerLayout place = marker_painter::layout({.label = label}, scaled({50, 50, 100, 60}), scale(),
+                                                      MarkerStyle::onImage, Spotlight::off, display);
+    EXPECT_TRUE(isWithin(place.label->capsule, display));
+    EXPECT_GT(place.label->capsule.height(), 180 * scale());
+}
+
+TEST_P(LaysOutMarkers, ADisplaySmallerThanAMarker) {
+    for (const QSizeF& size : {QSizeF(10, 10), QSizeF(0, 0), QSizeF(1, 900)}) {
+        const QRectF display = scaled({{100, 200}, size});
+        const MarkerLayout place = marker_painter::layout({.label = u"Note"_s}, display, scale(),
+                                                          MarkerStyle::onImage, Spotlight::off, display);
+        EXPECT_TRUE(isPoint(place.badgeRing.outer().topLeft(), display.topLeft(), rounding));
+        EXPECT_GE(place.label->capsule.width(), 31 * scale() - rounding);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(MarkerLayout, LaysOutMarkers, testing::ValuesIn(displayScales), nameOfScale);

@@ -78,7 +78,10 @@ protected:
     static qreal badgeRadius() { return GetParam().badgeDiameter / 2 * scale(); }
 
     static QImage drawn(const Marker& marker, QRgb under, Spotlight spotlight = GetParam().spotlight) {
-        return drawnMarker(marker, rect(), scale(), GetParam().style, spotlight,
+        // The edge has a test of its own.
+        MarkerStyle style = GetParam().style;
+        style.hasLabelEdge = false;
+        return drawnMarker(marker, rect(), scale(), style, spotlight,
                            ground((QSizeF(240, 190) * scale()).toSize(), under));
     }
 
@@ -274,6 +277,30 @@ TEST_P(DrawsMarkers, CapsuleBelowTheRegion) {
         EXPECT_TRUE(isColor(picture, corner + (onArc + 1.1) * inward, ink, 2));
         EXPECT_TRUE(isColor(picture, corner + (onArc - 1.1) * inward, black, 2));
     }
+}
+
+TEST_P(DrawsMarkers, CapsuleHasALightEdgeOnTheOverlayAlone) {
+    const qreal s = scale();
+    const QRectF capsule = capsuleOf(blank);
+    const QImage picture = drawnMarker(markerOf(black, blank), rect(), s, GetParam().style, Spotlight::on,
+                                       ground((QSizeF(240, 190) * s).toSize(), black));
+    const QImage plain = drawn(markerOf(black, blank), black, Spotlight::on);
+    EXPECT_EQ(picture == plain, !GetParam().style.hasLabelEdge);
+    EXPECT_EQ(GetParam().style.hasLabelEdge, GetParam().style.badgeDiameter == 24);
+    if (!GetParam().style.hasLabelEdge)
+        return;
+    // Along the inside: no pixel beyond the capsule, and none in its middle.
+    const QRectF inside = capsule.adjusted(s, s, -s, -s);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const bool mayDiffer =
+                capsule.toAlignedRect().contains(x, y) &&
+                !pixelsInside(inside.adjusted(2 * s, 2 * s, -2 * s, -2 * s)).contains(x, y);
+            ASSERT_TRUE(mayDiffer || picture.pixel(x, y) == plain.pixel(x, y)) << x << "," << y;
+        }
+    }
+    const QPointF onEdge(capsule.center().x(), capsule.top() + 0.6 * s);
+    EXPECT_GT(qGray(picture.pixel(pixelAt(onEdge))), qGray(plain.pixel(pixelAt(onEdge))) + 25);
 }
 
 TEST_P(DrawsMarkers, DotInTheCapsule) {

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace orvane {
 
 namespace {
@@ -100,6 +102,36 @@ TEST_F(FirstMouseButtonTest, LooksDifferentWhenOnWhenPressedAndUnderTheMouse) {
     test::releaseAt(ground, button.geometry().center());
     test::moveTo(ground, {5, 190});
     EXPECT_EQ(test::pictureOf(ground).pixel(button.pos() + beside), test::black);
+}
+
+TEST_F(FirstMouseButtonTest, IsDarkerWhileItIsDimmedAndCanBePressed) {
+    QPalette dark(ground.palette());
+    dark.setColor(QPalette::Window, Qt::black);
+    ground.setPalette(dark);
+    button.setProminent(true);
+    test::moveTo(ground, {5, 190});
+    const QPoint beside = button.pos() + QPoint(10, 5);
+    const auto lightest = [this] {
+        const QImage picture = test::pictureOf(ground).copy(button.geometry());
+        int most = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                most = std::max(most, qGray(picture.pixel(x, y)));
+        }
+        return most;
+    };
+    EXPECT_EQ(test::pictureOf(ground).pixel(beside), 0xFF2F7DF6);
+    EXPECT_GT(lightest(), 240);
+    button.setDimmed(true);
+    EXPECT_TRUE(button.isDimmed());
+    EXPECT_TRUE(
+        test::isColor(test::pictureOf(ground), beside, test::blended(0xFF2F7DF6, 0.3, test::black), 2));
+    EXPECT_LT(lightest(), 160);
+    test::click(button);
+    EXPECT_EQ(clicks, 1);
+    button.setDimmed(false);
+    test::moveTo(ground, {5, 190});
+    EXPECT_EQ(test::pictureOf(ground).pixel(beside), 0xFF2F7DF6);
 }
 
 TEST_F(FirstMouseButtonTest, KeepsItsTitleInsideItself) {

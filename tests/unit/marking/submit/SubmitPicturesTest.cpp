@@ -1,6 +1,7 @@
 #include "OrvaneCore/marking/submit/SubmitPictures.h"
 
 #include "OrvaneCore/drawing/SpotlightBlur.h"
+#include "OrvaneCore/marking/AnnotationRenderer.h"
 #include "OrvaneCore/marking/submit/SubmitRequest.h"
 #include "tests/support/DrawnPixels.h"
 #include "tests/support/KnownPicture.h"
@@ -109,7 +110,7 @@ TEST_P(SubmitPicturesAtScale, TheAnnotatedDisplayIsTheCaptureWithTheMarks) {
     QImage expected = picture;
     QPainter painter(&expected);
     marker_painter::draw(painter, marker, {30 * scale, 20 * scale, 60 * scale, 40 * scale}, scale,
-                         MarkerStyle::onImage, Spotlight::off);
+                         MarkerStyle::onImage, Spotlight::off, QRectF(expected.rect()));
     painter.end();
     EXPECT_EQ(annotated.size(), picture.size());
     EXPECT_EQ(annotated.format(), QImage::Format_RGB32);
@@ -124,6 +125,45 @@ TEST_P(SubmitPicturesAtScale, TheAnnotatedDisplayIsTheCaptureWithTheMarks) {
     EXPECT_TRUE(isSpan(spanInRow(annotated, 40 * scale, 36 * scale, 50 * scale,
                                  expected.pixel(annotated.rect().center()), 0xFFFF0000),
                        38 * scale, 42 * scale));
+}
+
+TEST_P(SubmitPicturesAtScale, NumbersAndLabelsAtTheEdgesStayOnThePicture) {
+    const qreal scale = GetParam().scale;
+    const QImage picture = ground({toPixels(120), toPixels(80)});
+    const Marker marker = markerAt(onDisplay(0, 0, 120, 80), u"Note"_s);
+    const QImage annotated = SubmitPictures(picture, bounds()).annotatedDisplay({marker}, {}, Spotlight::off);
+    const MarkerLayout place = marker_painter::layout(
+        marker, QRectF(picture.rect()), scale, MarkerStyle::onImage, Spotlight::off, QRectF(picture.rect()));
+    ASSERT_TRUE(QRectF(picture.rect()).contains(place.badgeRing.outer()));
+    ASSERT_TRUE(QRectF(picture.rect()).contains(place.label->capsule));
+    // White letters on the badge and on the capsule.
+    const QImage badge = annotated.copy(pixelsInside(place.number));
+    EXPECT_FALSE(inkBounds(badge, marker.color.rgb(), 120).isEmpty());
+    const QImage label = annotated.copy(pixelsInside(place.label->text));
+    EXPECT_GT(inkBounds(label, 0xFF12141A, 120).width(), place.label->text.width() * 0.8);
+}
+
+TEST_P(SubmitPicturesAtScale, LabelsOfShapesStayOnDisplayAndCrop) {
+    const qreal scale = GetParam().scale;
+    const QImage picture = ground({toPixels(120), toPixels(80)});
+    const SubmitPictures pictures(picture, bounds());
+    Annotation annotation = redBox(onDisplay(90, 2, 28, 20));
+    annotation.label = u"Note"_s;
+    const auto tagOn = [&](const QSize& size, const PointMap& map) {
+        const QRectF whole({0, 0}, size);
+        return annotation_renderer::extent(annotation, map, scale, whole, whole).parts.back();
+    };
+    // All of the tag, which has the shape's colour: the widest row of it begins left of the shape.
+    const QImage annotated = pictures.annotatedDisplay({}, {annotation}, Spotlight::off);
+    const QRectF tag =
+        tagOn(picture.size(), {.origin = bounds().topLeft(), .scaleX = scale, .scaleY = scale});
+    EXPECT_LT(inkBounds(annotated).left(), 88 * scale);
+    EXPECT_LE(tag.left() + 14 * scale, inkBounds(annotated).left() + 1);
+    const QRectF region = onDisplay(80, 0, 40, 40);
+    QImage crop = pictures.regionCrop(region);
+    pictures.drawOnCrop(crop, region, {annotation});
+    EXPECT_LT(inkBounds(crop).left(), 8 * scale);
+    EXPECT_EQ(inkBounds(crop).top(), 0);
 }
 
 TEST(SubmitPictures, AnnotationsLieOnTopOfMarkers) {

@@ -153,9 +153,8 @@ TEST(OverlayDamage, OfTheNumberOfMarkersIsTheInstructionsToo) {
     OverlayScene after = before;
     after.markers = {markerAt({200, 1300, 300, 200})};
     const auto pill = [](int count) {
-        return overlay_layout::instructionsPill(
-                   overlay_layout::instructionsText(overlayInstructions({}, count), {3840, 2160}))
-            .toAlignedRect();
+        return overlay_layout::instructions(overlayInstructions({}, count), {3840, 2160})
+            .pill.toAlignedRect();
     };
     for (const QRegion& region : {damage(before, after), damage(after, before)}) {
         EXPECT_TRUE((QRegion(pill(0)) + pill(1) - region).isEmpty());
@@ -164,6 +163,26 @@ TEST(OverlayDamage, OfTheNumberOfMarkersIsTheInstructionsToo) {
     before = after;
     before.markers[0].label = u"x"_s;
     EXPECT_FALSE(damage(before, after).intersects(pill(1)));
+}
+
+TEST(OverlayDamage, OfTheToolIsTheInstructions) {
+    const OverlayScene before = emptyScene({3840, 2160});
+    OverlayScene after = before;
+    after.tool = AnnotationTool::arrow;
+    const QRegion region = damage(before, after);
+    for (const AnnotationTool tool : {AnnotationTool::region, AnnotationTool::arrow}) {
+        const QRectF pill = overlay_layout::instructions(overlayInstructions({}, 0, tool), {3840, 2160}).pill;
+        EXPECT_TRUE((QRegion(pill.toAlignedRect()) - region).isEmpty());
+    }
+    EXPECT_LE(areaOf(region), 1000 * 35);
+    EXPECT_TRUE(damage(after, after).isEmpty());
+}
+
+TEST(OverlayDamage, OfOtherDisplaysIsAll) {
+    const OverlayScene before = fullScene();
+    OverlayScene after = before;
+    after.shapes.displays = {{0, 0, 1920, 1080}};
+    EXPECT_EQ(damage(before, after), QRegion(wholeOf(before)));
 }
 
 TEST(OverlayDamage, OfAnAnnotationIsThatOfItsShape) {

@@ -50,6 +50,41 @@ TEST(OverlayLayout, SizeTagIsClearOfBadgeLabelAndHint) {
     }
 }
 
+TEST(OverlayLayout, PlatesOfARegionAreOnItsDisplayAndClearOfEachOther) {
+    const QRectF display({0, 0}, view);
+    for (const QRectF& region : regions()) {
+        if (!display.contains(region.center()))
+            continue;
+        for (const QString& label : {QString(), u"A label"_s, u"Lines\nand lines\nand lines"_s,
+                                     u"A label that is longer than the display. "_s.repeated(9)}) {
+            const auto where = [&] {
+                return testing::Message() << region.x() << "," << region.y() << " " << region.width() << "x"
+                                          << region.height() << " " << label.size();
+            };
+            const MarkerLayout place = placed(region, label, display);
+            const QRectF below = place.label ? place.label->capsule : overlay_layout::hint(place);
+            const QRectF tag = overlay_layout::sizeTag(place, view);
+            EXPECT_TRUE(display.contains(tag)) << where();
+            EXPECT_TRUE(display.contains(below)) << where();
+            EXPECT_FALSE(tag.intersects(place.badgeRing.outer())) << where();
+            EXPECT_FALSE(tag.intersects(below)) << where();
+            EXPECT_FALSE(below.intersects(place.badgeRing.outer())) << where();
+            const QRectF usual = overlay_layout::sizeTag(placed(region, label), view);
+            const bool isFree = display.contains(usual) && !usual.intersects(place.badgeRing.outer()) &&
+                                !usual.intersects(below);
+            EXPECT_TRUE(!isFree || tag == usual) << where();
+        }
+    }
+}
+
+TEST(OverlayLayout, PlatesOfARegionOnAnotherDisplayAreThere) {
+    const QRectF left(-640, 0, 640, 480);
+    const MarkerLayout place = placed({-30, 100, 40, 50}, u"A label of some length"_s, left);
+    EXPECT_EQ(place.label->capsule.right(), 0);
+    EXPECT_TRUE(left.contains(overlay_layout::sizeTag(place, view)));
+    EXPECT_EQ(overlay_layout::hint(placed({-30, 100, 40, 50}, {}, left)).right(), 0);
+}
+
 TEST(OverlayLayout, SizeTagIsAboveTheTopRightCorner) {
     const QRectF region(100, 200, 300, 150);
     const QRectF tag = overlay_layout::sizeTag(placed(region), view);
@@ -106,15 +141,51 @@ TEST(OverlayLayout, DimensionLabelIsAboveTheRegionOrInside) {
     const QRectF inside = overlay_layout::dimensionLabel({100, 5, 300, 150}, view);
     EXPECT_EQ(inside.topLeft(), QPointF(106, 11));
     EXPECT_LE(overlay_layout::dimensionLabel({790, 200, 8, 8}, view).right(), view.width());
+    for (const QRectF& region : regions())
+        EXPECT_TRUE(QRectF({0, 0}, view).contains(overlay_layout::dimensionLabel(region, view)));
 }
 
 TEST(OverlayLayout, InstructionsAreCentredAboveALineNearTheTop) {
     const QString text = overlayInstructions({}, 0);
-    const QRectF place = overlay_layout::instructionsText(text, view);
+    const auto [pill, lines] = overlay_layout::instructions(text, view);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].text, text);
+    const QRectF place = lines[0].place;
     EXPECT_EQ(place.size(), overlayTextSize(OverlayFont::instructions, text));
     EXPECT_DOUBLE_EQ(place.bottom(), 56);
     EXPECT_NEAR(place.center().x(), 400, 0.5);
-    EXPECT_EQ(overlay_layout::instructionsPill(place), place.adjusted(-12, -6, 12, 6));
+    EXPECT_EQ(pill, place.adjusted(-12, -6, 12, 6));
+}
+
+TEST(OverlayLayout, InstructionsTakeAsManyLinesAsANarrowViewNeeds) {
+    const QString text = overlayInstructions({}, 2);
+    const qreal whole = overlayTextSize(OverlayFont::instructions, text).width();
+    const qreal lineHeight = overlayTextSize(OverlayFont::instructions, text).height();
+    EXPECT_EQ(overlay_layout::instructions(text, {std::ceil(whole) + 24, 600}).lines.size(), 1U);
+    EXPECT_EQ(overlay_layout::instructions(text, {std::floor(whole) + 23, 600}).lines.size(), 2U);
+    for (const qreal width : {900.0, 853.5, 800.0, 640.0, 512.0, 427.0, 320.0, 240.0}) {
+        const auto [pill, lines] = overlay_layout::instructions(text, {width, 600});
+        EXPECT_TRUE(QRectF(0, 0, width, 600).contains(pill)) << width;
+        QStringList said;
+        qreal bottom = pill.top() + 6;
+        for (const auto& [line, place] : lines) {
+            EXPECT_EQ(place.size(), overlayTextSize(OverlayFont::instructions, line));
+            EXPECT_NEAR(place.center().x(), width / 2, 0.5) << width;
+            EXPECT_NEAR(place.top(), bottom, 1e-9) << width;
+            EXPECT_TRUE(pill.adjusted(12, 6, -12, -6).adjusted(-0.1, -0.1, 0.1, 0.1).contains(place))
+                << width;
+            bottom = place.bottom();
+            said << line.trimmed();
+        }
+        // Nothing is lost.
+        EXPECT_EQ(said.join(u' ').remove(u'•').simplified(), QString(text).remove(u'•').simplified())
+            << width;
+        EXPECT_NEAR(pill.bottom(), bottom + 6, 1e-9);
+        // As low as ever while there is room above.
+        const bool isLow = 56 - static_cast<qreal>(lines.size()) * lineHeight < 10;
+        EXPECT_NEAR(bottom, isLow ? 10 + static_cast<qreal>(lines.size()) * lineHeight : 56, 1e-9) << width;
+    }
+    EXPECT_EQ(overlay_layout::instructions(text, {800, 600}).lines.size(), 2U);
 }
 
 TEST(OverlayLayout, SpacesCountAtBothEnds) {

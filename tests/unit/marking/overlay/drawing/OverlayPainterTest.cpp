@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 namespace orvane::test {
 
 using namespace Qt::StringLiterals;
@@ -91,8 +94,9 @@ TEST_P(PaintsOverlay, HintWhereALabelWouldBe) {
     OverlayScene scene = emptyScene();
     scene.markers = {markerAt(region)};
     const QRectF hint = overlay_layout::hint(placed(region));
-    const QRgb plate = blended(plateGround, 0.6, white);
-    EXPECT_TRUE(isWritten(picture(scene), hint.adjusted(1, 1, -1, -1), plate));
+    // What is beneath does not show through.
+    for (const QRgb under : {white, black})
+        EXPECT_TRUE(isWritten(picture(scene, under), hint.adjusted(2, 2, -2, -2), plateGround));
     scene.modes.ocr = true;
     EXPECT_TRUE(isFilled(picture(scene), pixels(hint), white));
     scene.markers[0].label = u"Note"_s;
@@ -100,7 +104,8 @@ TEST_P(PaintsOverlay, HintWhereALabelWouldBe) {
     EXPECT_FALSE(isFilled(labelled, pixels(hint), white));
     scene.modes.ocr = false;
     // With a label there is no hint.
-    EXPECT_EQ(labelled.copy(pixels({0, 70, 400, 230})), picture(scene).copy(pixels({0, 70, 400, 230})));
+    const QRectF belowInstructions(0, 95, 400, 205);
+    EXPECT_EQ(labelled.copy(pixels(belowInstructions)), picture(scene).copy(pixels(belowInstructions)));
 }
 
 TEST_P(PaintsOverlay, RegionThatIsDraggedOpen) {
@@ -162,8 +167,7 @@ TEST_P(PaintsOverlay, CoordinatePlateSaysWhereThePointerIsGlobally) {
 TEST_P(PaintsOverlay, InstructionsInAPill) {
     const OverlayScene scene = emptyScene();
     const QImage shown = picture(scene);
-    const QRectF text = overlay_layout::instructionsText(overlayInstructions({}, 0), scene.shapes.size);
-    const QRectF pill = overlay_layout::instructionsPill(text);
+    const QRectF pill = overlay_layout::instructions(overlayInstructions({}, 0), scene.shapes.size).pill;
     const QRgb ground = blended(black, 0.75, white);
     EXPECT_TRUE(isFilled(shown, pixels({pill.left() + 14, pill.top() + 1, pill.width() - 28, 4}), ground));
     EXPECT_TRUE(isWritten(shown, pill.adjusted(2, 7, -2, -7), ground));
@@ -199,6 +203,30 @@ TEST_P(PaintsOverlay, SelectionHandles) {
     EXPECT_EQ(unknown, picture(scene, black));
 }
 
+TEST_P(PaintsOverlay, PlatesHaveALightEdgeOnDarkWindows) {
+    OverlayScene scene = emptyScene();
+    scene.markers = {markerAt(region), markerAt({240, 110, 120, 90}, u"Note"_s, 2)};
+    scene.mousePosition = QPointF(120, 150);
+    const QImage shown = picture(scene, black);
+    const QString pointer = u"120, 150"_s;
+    const std::array plates{overlay_layout::sizeTag(placed(region), scene.shapes.size),
+                            overlay_layout::hint(placed(region)),
+                            placed({240, 110, 120, 90}, u"Note"_s).label->capsule,
+                            overlay_layout::coordinatePlate({120, 150}, pointer, scene.shapes.size),
+                            overlay_layout::instructions(overlayInstructions({}, 2), scene.shapes.size).pill};
+    for (const QRectF& plate : plates) {
+        // The lightest on the way across its left side, above the text.
+        const QRect side = pixels({plate.left() - 2, plate.center().y() - 1, 5, 2});
+        int lightest = 0;
+        for (int x = side.left(); x <= side.right(); ++x)
+            lightest = std::max(lightest, qGray(shown.pixel(x, side.center().y())));
+        EXPECT_GE(lightest, 50) << plate.left() << "," << plate.top();
+        // It is thin: within it is dark again.
+        EXPECT_LE(qGray(shown.pixel(pixelAt((QPointF(plate.left() + 2.6, plate.center().y())) * ratio()))),
+                  36);
+    }
+}
+
 TEST_P(PaintsOverlay, LayersLieInTheirOrder) {
     OverlayScene scene = emptyScene();
     const QPointF place(150, 150);
@@ -228,14 +256,38 @@ TEST_P(PaintsOverlay, LayersLieInTheirOrder) {
 
 TEST_P(PaintsOverlay, InstructionsAreAboveAll) {
     OverlayScene scene = emptyScene();
-    scene.markers = {markerAt({20, 10, 360, 120})};
+    scene.markers = {markerAt({20, -20, 360, 150})};
     scene.shapes.annotations = {shapeAt(Annotation::Kind::highlight, {0, 0}, {400, 100}, white)};
-    const QString text = overlayInstructions({}, 1);
-    const QRectF pill =
-        overlay_layout::instructionsPill(overlay_layout::instructionsText(text, scene.shapes.size));
+    const QRectF pill = overlay_layout::instructions(overlayInstructions({}, 1), scene.shapes.size).pill;
     const QRgb under = blended(white, 0.35, blended(blue, 0.09, white));
     EXPECT_TRUE(
         isFilled(picture(scene), pixels({200, pill.top() + 1, 60, 4}), blended(black, 0.75, under), 2));
+}
+
+TEST_P(PaintsOverlay, AllLinesOfTheInstructions) {
+    OverlayScene scene = emptyScene();
+    scene.markers = {markerAt(region)};
+    const auto [pill, lines] = overlay_layout::instructions(overlayInstructions({}, 1), scene.shapes.size);
+    ASSERT_GT(lines.size(), 1U);
+    const QImage shown = picture(scene);
+    for (const auto& [text, place] : lines)
+        EXPECT_TRUE(isWritten(shown, place, blended(black, 0.75, white))) << text.toStdString();
+}
+
+TEST_P(PaintsOverlay, MarksOfAnotherDisplayKeepTheirTextsThere) {
+    OverlayScene scene = emptyScene();
+    scene.shapes.displays = {{0, 0, 400, 300}, {-400, 0, 400, 300}};
+    // The middle of each is on the display at the left.
+    scene.markers = {markerAt({-90, 100, 100, 60}, u"A label that is wider than its region"_s)};
+    Annotation shape = shapeAt(Annotation::Kind::highlight, {-60, 200}, {20, 260}, red);
+    shape.label = u"A label of that"_s;
+    scene.shapes.annotations = {shape};
+    const QRectF beside(30, 95, 300, 195);
+    EXPECT_TRUE(isFilled(picture(scene), pixels(beside), white));
+    EXPECT_TRUE(isFilled(picture(scene), pixels({12, 168, 300, 18}), white));
+    // Alone, the view has them.
+    scene.shapes.displays = {{0, 0, 400, 300}};
+    EXPECT_FALSE(isFilled(picture(scene), pixels({12, 168, 300, 18}), white));
 }
 
 TEST_P(PaintsOverlay, OnlyWhatIsExposed) {

@@ -21,6 +21,8 @@ namespace {
 const QString stacked = u"Za\u0300\u0301\u0302\u0303\u0304\u0305\u0306\u0307\u0308\u030a\u030b\u030clgo\u0323"
                         u"\u0324\u0325\u0326\u0329"_s;
 
+const QString longLabel = u"A label that is longer than the display is wide and so stands in several lines"_s;
+
 /// A human's work with the overlay, with the same dice for the same seed.
 class RandomWork {
 public:
@@ -29,6 +31,9 @@ public:
         , m_drawsPictures(drawsPictures) {
         scene = emptyScene({371, 263});
         scene.shapes.origin = {-1500.5, 120};
+        // What belongs to marks beside the view is kept on the display there.
+        if (seed % 2 == 0)
+            scene.shapes.displays = {{-1500.5, 120, 371, 263}, {-1129.5, 120, 200, 263}};
         scene.modes.spotlight = spotlight;
         for (int i = 0; i < 3; ++i) {
             addMarker();
@@ -113,6 +118,10 @@ public:
             scene.modes.ocr = !scene.modes.ocr;
             return "recognition";
         }
+        if (m_random.bounded(3) != 0) {
+            scene.tool = m_random.bounded(2) == 0 ? AnnotationTool::region : AnnotationTool::arrow;
+            return "tool";
+        }
         if (scene.markers.size() > 6)
             scene.markers.clear();
         if (scene.shapes.annotations.size() > 6)
@@ -133,8 +142,8 @@ private:
     qreal offset(int most) { return m_random.bounded(8 * most) / 4.0 - most; }
     QColor color() { return QColor(markup_colors::presets[size_t(m_random.bounded(6))]); }
     QString label() {
-        const std::array labels{QString(),       u"Note"_s, u"A longer label, with gj"_s,
-                                u"Two\nlines"_s, stacked,   u"يا 日本 ไทย"_s};
+        const std::array labels{QString(), u"Note"_s,        u"Two\nlines"_s, u"A longer label, with gj"_s,
+                                stacked,   u"يا 日本 ไทย"_s, longLabel};
         return labels[size_t(m_random.bounded(int(labels.size())))];
     }
 

@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 
 /// Scenes of the overlay and pictures of them, as all tests of its drawing make them.
@@ -45,9 +46,10 @@ inline Marker markerAt(const QRectF& rect, const QString& label = {}, int index 
 }
 
 /// Where the layers of a marker with that region in the view lie.
-inline MarkerLayout placed(const QRectF& region, const QString& label = {}) {
+inline MarkerLayout placed(const QRectF& region, const QString& label = {},
+                           const std::optional<QRectF>& display = std::nullopt) {
     return marker_painter::layout(markerAt({}, label), region, 1, MarkerStyle::onOverlay,
-                                  marker_painter::Spotlight::off);
+                                  marker_painter::Spotlight::off, display);
 }
 
 inline Annotation shapeAt(Annotation::Kind kind, const QPointF& start, const QPointF& end, QRgb color = red) {

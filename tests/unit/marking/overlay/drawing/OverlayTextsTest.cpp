@@ -28,6 +28,50 @@ TEST(OverlayTexts, OtherModesChangeNoInstructions) {
         EXPECT_EQ(overlayInstructions(modes, count), overlayInstructions({}, count));
 }
 
+TEST(OverlayTexts, InstructionsOfToolsForShapes) {
+    using Tool = AnnotationTool;
+    const auto instructions = [](Tool tool, int markers, bool hasShapes, bool ocr = false) {
+        return overlayInstructions({.ocr = ocr}, markers, tool, hasShapes);
+    };
+    EXPECT_EQ(instructions(Tool::select, 0, false), u"  Drag a shape to move it  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::arrow, 0, false), u"  Drag to draw an arrow  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::box, 0, false), u"  Drag to draw a box  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::ellipse, 0, false), u"  Drag to draw an ellipse  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::highlight, 0, false), u"  Drag to highlight  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::text, 0, false), u"  Click to place a text  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::image, 0, false), u"  Drag to place an image  •  Cancel (esc)  "_s);
+    EXPECT_EQ(instructions(Tool::arrow, 0, true),
+              u"  Drag to draw an arrow  •  Delete to undo  •  Mark a region to submit  •  Cancel (esc)  "_s);
+    for (const bool hasShapes : {false, true}) {
+        EXPECT_EQ(instructions(Tool::box, 3, hasShapes),
+                  u"  3 region(s)  •  Drag to draw a box  •  Delete to undo  •  Submit (enter)  "_s);
+        EXPECT_EQ(instructions(Tool::box, 3, hasShapes, true),
+                  u"  OCR · 3 region(s)  •  Drag to draw a box  •  Delete to undo  •  Submit (enter)  "_s);
+        EXPECT_EQ(instructions(Tool::region, 0, hasShapes), overlayInstructions({}, 0));
+        EXPECT_EQ(instructions(Tool::region, 2, hasShapes), overlayInstructions({}, 2));
+    }
+}
+
+TEST(OverlayTexts, LinesAreBrokenBetweenTheirParts) {
+    const auto widthOf = [](const QString& line) { return static_cast<qreal>(line.size()); };
+    const QString text = u"  One two  •  Three  •  Four five six  •  Seven  "_s;
+    EXPECT_EQ(instructionsInLines(text, 49, widthOf), QStringList{text});
+    // No line much shorter than the others, though more would fit in the first.
+    EXPECT_EQ(instructionsInLines(text, 43, widthOf),
+              (QStringList{u"  One two  •  Three  "_s, u"  Four five six  •  Seven  "_s}));
+    EXPECT_EQ(instructionsInLines(text, 24, widthOf),
+              (QStringList{u"  One two  •  Three  "_s, u"  Four five six  "_s, u"  Seven  "_s}));
+    EXPECT_EQ(instructionsInLines(text, 17, widthOf),
+              (QStringList{u"  One two  "_s, u"  Three  "_s, u"  Four five six  "_s, u"  Seven  "_s}));
+    // Between words where a part is wider.
+    EXPECT_EQ(
+        instructionsInLines(text, 13, widthOf),
+        (QStringList{u"  One two  "_s, u"  Three  "_s, u"  Four five  "_s, u"  six  "_s, u"  Seven  "_s}));
+    // A word is not broken.
+    EXPECT_EQ(instructionsInLines(u"  Abcdef gh  •  i  "_s, 3, widthOf),
+              (QStringList{u"  Abcdef  "_s, u"  gh  "_s, u"  i  "_s}));
+}
+
 TEST(OverlayTexts, Hint) {
     EXPECT_EQ(labelHintText(), u" right-click to label "_s);
 }

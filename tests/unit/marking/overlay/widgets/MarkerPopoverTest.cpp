@@ -237,7 +237,9 @@ TEST_F(MarkerPopoverTest, IsADarkBubbleWithAnArrowToThePoint) {
     const QRgb plate = test::blended(0xFF1F1F1F, 0.92, test::white);
     const QRect frame = popover.geometry();
     EXPECT_TRUE(test::isFilled(picture, QRect(frame.x() + 20, frame.y() + 1, 100, 6), plate, 2));
-    EXPECT_TRUE(test::isFilled(picture, QRect(390, frame.bottom() - 8, 20, 1), plate, 2));
+    // No edge between the bubble and its arrow.
+    EXPECT_TRUE(test::isFilled(picture, QRect(394, frame.bottom() - 9, 12, 3), plate, 2));
+    EXPECT_FALSE(test::isColor(picture, QPointF(200 + frame.x(), frame.bottom() - 8), plate, 20));
     EXPECT_TRUE(test::isColor(picture, QPointF(400, 295), plate, 2));
     EXPECT_TRUE(test::isColor(picture, QPointF(388, 297), test::white));
     EXPECT_TRUE(test::isColor(picture, QPointF(412, 297), test::white));

@@ -166,6 +166,39 @@ TEST_F(OverlayBarTest, FitsIntoAViewOf640Points) {
     EXPECT_LE(end, bar.width() - 8);
 }
 
+TEST_F(OverlayBarTest, DimsSubmitWhileThereIsNoRegion) {
+    const auto isBright = [this] {
+        const QPoint inside = button("submitButton").mapTo(&ground, QPoint(7, 14));
+        return test::isColor(test::pictureOf(ground), inside, 0xFF2F7DF6, 2);
+    };
+    EXPECT_TRUE(button("submitButton").isDimmed());
+    EXPECT_FALSE(isBright());
+    manager.setAnnotations({Annotation{.kind = Annotation::Kind::arrow}});
+    EXPECT_TRUE(button("submitButton").isDimmed());
+    const QUuid marker = manager.add({10, 10, 100, 100}, {}).id;
+    EXPECT_FALSE(button("submitButton").isDimmed());
+    EXPECT_TRUE(isBright());
+    manager.remove(marker);
+    EXPECT_TRUE(button("submitButton").isDimmed());
+    manager.add({10, 10, 100, 100}, {});
+    OverlayBar later(
+        manager, [](OverlayCommand) {}, [](const SendTarget&) { return QIcon(); }, &ground);
+    EXPECT_FALSE(later.findChild<FirstMouseButton*>(u"submitButton"_s)->isDimmed());
+}
+
+TEST_F(OverlayBarTest, HasALightEdgeOnDarkWindows) {
+    QPalette dark(ground.palette());
+    dark.setColor(QPalette::Window, Qt::black);
+    ground.setPalette(dark);
+    const QImage picture = test::pictureOf(ground);
+    const QRgb plate = test::blended(0xFF1F1F1F, 0.92, test::black);
+    for (const QPoint& place :
+         {QPoint(0, 22), QPoint(200, 0), QPoint(200, 43), QPoint(bar.width() - 1, 22)}) {
+        EXPECT_TRUE(test::isColor(picture, bar.pos() + place, test::blended(test::white, 0.26, plate), 8))
+            << place.x() << "," << place.y();
+    }
+}
+
 TEST_F(OverlayBarTest, PerformsWhatIsClicked) {
     for (const char* name : buttonNames)
         test::click(button(name));

@@ -142,6 +142,15 @@ TEST_F(OverlayViewTest, APointerThatMovesMakesOneScene) {
     EXPECT_TRUE(isShown());
 }
 
+TEST_F(OverlayViewTest, TheSceneTellsOfTheToolAndOfAllDisplays) {
+    EXPECT_TRUE(view.current().shapes.displays.empty());
+    manager.setCurrentTool(AnnotationTool::arrow);
+    EXPECT_EQ(view.current().tool, AnnotationTool::arrow);
+    overlay.displays = [] { return std::vector{QRectF(0, 0, 100, 80), QRectF(100, 0, 50, 80)}; };
+    const CountingView another(overlay, &ground);
+    EXPECT_EQ(another.current().shapes.displays, overlay.displays());
+}
+
 TEST_F(OverlayViewTest, EachStepOfARegionMakesOneScene) {
     moveTo({100, 100});
     EXPECT_EQ(scenesOf([this] { press({100, 100}); }), 1);
