@@ -159,10 +159,10 @@ TEST_P(SubmitPicturesAtScale, LabelsOfShapesStayOnDisplayAndCrop) {
         tagOn(picture.size(), {.origin = bounds().topLeft(), .scaleX = scale, .scaleY = scale});
     EXPECT_LT(inkBounds(annotated).left(), 88 * scale);
     EXPECT_LE(tag.left() + 14 * scale, inkBounds(annotated).left() + 1);
-    const QRectF region = onDisplay(80, 0, 40, 40);
+    const QRectF region = onDisplay(70, 0, 50, 40);
     QImage crop = pictures.regionCrop(region);
     pictures.drawOnCrop(crop, region, {annotation});
-    EXPECT_LT(inkBounds(crop).left(), 8 * scale);
+    EXPECT_LT(inkBounds(crop).left(), 18 * scale);
     EXPECT_EQ(inkBounds(crop).top(), 0);
 }
 
