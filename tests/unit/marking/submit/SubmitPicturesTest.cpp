@@ -136,11 +136,16 @@ TEST_P(SubmitPicturesAtScale, NumbersAndLabelsAtTheEdgesStayOnThePicture) {
         marker, QRectF(picture.rect()), scale, MarkerStyle::onImage, Spotlight::off, QRectF(picture.rect()));
     ASSERT_TRUE(QRectF(picture.rect()).contains(place.badgeRing.outer()));
     ASSERT_TRUE(QRectF(picture.rect()).contains(place.label->capsule));
-    // White letters on the badge and on the capsule.
-    const QImage badge = annotated.copy(pixelsInside(place.number));
-    EXPECT_FALSE(inkBounds(badge, marker.color.rgb(), 120).isEmpty());
+    // A number on a badge that is all there, and a text on its capsule.
+    const QPointF beside(8 * scale, 0);
+    EXPECT_TRUE(isColor(annotated, place.badge.center() - beside, marker.color.rgb(), 2));
+    EXPECT_FALSE(inkBounds(annotated.copy(pixelsInside(place.number)), marker.color.rgb(), 120).isEmpty());
+    const QPointF beforeText(place.label->text.left() - 3 * scale, place.label->text.center().y());
+    EXPECT_LT(qGray(annotated.pixel(pixelAt(beforeText))), 60);
     const QImage label = annotated.copy(pixelsInside(place.label->text));
-    EXPECT_GT(inkBounds(label, 0xFF12141A, 120).width(), place.label->text.width() * 0.8);
+    const QRect ink = inkBounds(label, annotated.pixel(pixelAt(beforeText)), 120);
+    EXPECT_GT(ink.width(), place.label->text.width() * 0.8);
+    EXPECT_LT(ink.height(), label.height());
 }
 
 TEST_P(SubmitPicturesAtScale, LabelsOfShapesStayOnDisplayAndCrop) {
