@@ -45,9 +45,10 @@ void requestDesktopOf(const X11Connection& connection, xcb_window_t client) {
     const auto pendingShown = requestProperty(connection, connection.root(), atoms.netCurrentDesktop);
     const auto wanted = pendingWanted.number();
     const auto shown = pendingShown.number();
-    if (wanted && shown && *wanted != allDesktops && *wanted != *shown)
+    if (wanted && shown && *wanted != allDesktops && *wanted != *shown) {
         tellWindowManager(connection, connection.root(), atoms.netCurrentDesktop,
                           {*wanted, XCB_CURRENT_TIME, 0});
+    }
 }
 
 void requestActivation(const X11Connection& connection, xcb_window_t client) {

@@ -105,6 +105,7 @@ TEST_F(CrowdedCaptures, HavePicturesHoweverManyAnswersComeAtOnce) {
         x11::PixelReader reader(connection);
         std::vector<QImage> pictures{static_cast<size_t>(crowd)};
         std::vector<Call> calls;
+        calls.reserve(pictures.size());
         for (QImage& picture : pictures) {
             calls.emplace_back([&] {
                 picture = reader
@@ -144,6 +145,7 @@ TEST_F(CrowdedCaptures, OfEveryKindGoOnSideBySide) {
     for (const int crowd : crowds) {
         SCOPED_TRACE(crowd);
         std::vector<Call> calls;
+        calls.reserve(static_cast<size_t>(crowd));
         for (int i = 0; i < crowd; ++i) {
             calls.emplace_back([&kinds, i] {
                 for (int round = 0; round < 5; ++round)
