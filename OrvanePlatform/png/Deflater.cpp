@@ -12,7 +12,7 @@ namespace {
 constexpr uint32_t level = 2;
 constexpr std::size_t levelMemory = ISAL_DEF_LVL2_LARGE;
 // Blocks that were waiting come with later input, and nothing shrinks noise.
-constexpr qsizetype spareBytes = 64 * 1024;
+constexpr qsizetype spareBytes = qsizetype(64) * 1024;
 
 } // namespace
 

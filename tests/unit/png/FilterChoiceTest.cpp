@@ -40,15 +40,17 @@ QRgb brighter(QRgb color, int by) {
 } // namespace
 
 TEST(FilterChoice, IsThePixelAboveWhereColumnsChangeSlowly) {
-    for (const QSize& size : {large, small})
+    for (const QSize& size : {large, small}) {
         EXPECT_EQ(chosenFor(picture(size, [](int x, int y) { return brighter(anyColor(x), y); })),
                   RowFilter::up);
+    }
 }
 
 TEST(FilterChoice, IsThePixelBeforeWhereRowsChangeSlowly) {
-    for (const QSize& size : {large, small})
+    for (const QSize& size : {large, small}) {
         EXPECT_EQ(chosenFor(picture(size, [](int x, int y) { return brighter(anyColor(y), x); })),
                   RowFilter::sub);
+    }
 }
 
 TEST(FilterChoice, IsNoneWhereTheSameComesAgain) {
@@ -69,9 +71,11 @@ TEST(FilterChoice, IsNoneWhereNothingHelps) {
     EXPECT_EQ(chosenFor(picture({1, 1}, [](int, int) { return 0xff8080c0U; })), RowFilter::none);
 }
 
-TEST(FilterChoice, LooksAtMoreThanTheTop) {
-    // A title bar of a single colour, and below it what a filter is for.
-    const auto below = [](int x, int y) { return y < 60 ? 0xff404040U : brighter(anyColor(x), y); };
+TEST(FilterChoice, LooksAtMoreThanTheTopAndTheMiddle) {
+    // A title bar of a single colour and another bar in the middle, and around it what a filter is for.
+    const auto below = [](int x, int y) {
+        return y < 60 || (y > 400 && y < 500) ? 0xff404040U : brighter(anyColor(x), y);
+    };
     EXPECT_EQ(chosenFor(picture(large, below)), RowFilter::up);
 }
 
