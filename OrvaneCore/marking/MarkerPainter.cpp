@@ -256,9 +256,10 @@ Extent marker_painter::extent(const Marker& marker, const MarkerLayout& layout, 
 void marker_painter::draw(QPainter& painter, const Marker& marker, const QRectF& rect, qreal scale,
                           const MarkerStyle& style, Spotlight spotlight,
                           const std::optional<QRectF>& display) {
-    if (isFinite(rect))
+    if (isFinite(rect)) {
         draw(painter, marker, layout(marker, rect, scale, style, spotlight, display), scale, style,
              spotlight);
+    }
 }
 
 void marker_painter::draw(QPainter& painter, const Marker& marker, const MarkerLayout& layout, qreal scale,

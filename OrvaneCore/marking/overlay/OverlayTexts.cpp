@@ -123,7 +123,7 @@ QStringList instructionsInLines(const QString& text, qreal width,
     const Piece between{separator, widthOf(separator)};
     QStringList lines = joinedUpTo(room, parts, between);
     // As narrow as that number of lines can be.
-    for (qreal narrower = room - 1; narrower > 0; --narrower) {
+    for (int narrower = static_cast<int>(std::clamp(room, 0.0, drawingLimit)); narrower > 0; --narrower) {
         const QStringList balanced = joinedUpTo(narrower, parts, between);
         if (balanced.size() > lines.size())
             break;
