@@ -108,6 +108,23 @@ TEST_F(RecordingLoopTest, LooksAtNothingWhilePaused) {
     EXPECT_EQ(looks, 3);
 }
 
+TEST_F(RecordingLoopTest, APauseDoesNotBringTheNextComparisonNearer) {
+    loop.begin(frame, video(10), 250);
+    clock.awaitSleeper();
+    clock.advance(500ms);
+    loop.setPaused(true);
+    clock.advance(500ms);
+    loop.setPaused(false);
+    clock.advance(400ms);
+    const auto end = [this] {
+        journal->tellEnd({}, clock.now());
+        return journal->takeNews().constLast();
+    };
+    EXPECT_TRUE(end().contains(u"s, 0 frames analyzed."_s));
+    clock.advance(100ms);
+    EXPECT_TRUE(end().contains(u"s, 1 frames analyzed."_s));
+}
+
 TEST_F(RecordingLoopTest, EndsFromItsSleep) {
     begin(1'000'000);
     loop.end();
