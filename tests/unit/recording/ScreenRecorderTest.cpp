@@ -422,6 +422,18 @@ TEST_F(ScreenRecorderTest, CapturesNothingWhilePaused) {
                       HasSubstr("| T+16.0s | visual_change | "), HasSubstr(" | change-006.png |")));
 }
 
+TEST_F(ScreenRecorderTest, CountsNoneOfItsPauses) {
+    start();
+    for (const auto pause : {2s, 3s}) {
+        clock.advance(1s);
+        recorder.pauseRecording();
+        clock.advance(pause);
+        recorder.resumeRecording();
+    }
+    EXPECT_EQ(recorder.activeElapsed(), 2);
+    recorder.stopRecording();
+}
+
 TEST_F(ScreenRecorderTest, StopsFromAPause) {
     const QString id = start();
     recorder.pauseRecording();
