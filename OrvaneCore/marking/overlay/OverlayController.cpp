@@ -170,15 +170,21 @@ void OverlayController::submit() {
     hideOverlay();
     m_services.tasks.run([this, request = std::move(request)]() -> TaskRunner::Continuation {
         std::optional<SubmitResult> result =
-            m_services.pipeline.submit(request, [this] { m_mainThread.post([this] { picturesTaken(); }); });
+            m_services.pipeline.submit(request, [this, modes = request.modes] {
+                m_mainThread.post([this, modes] { picturesTaken(modes); });
+            });
         return [this, request, result = std::move(result)] { submitted(result, request); };
     });
 }
 
-void OverlayController::picturesTaken() {
+void OverlayController::picturesTaken(const MarkupModes& modes) {
     m_isCapturing = false;
-    if (std::exchange(m_showAfterCapture, false))
+    if (std::exchange(m_showAfterCapture, false)) {
         showOverlay();
+    } else if (modes.ocr) {
+        // Not before the pictures, which it would be on.
+        m_services.showToast(readingToast());
+    }
     shareScreen();
 }
 

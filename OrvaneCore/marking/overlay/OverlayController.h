@@ -75,7 +75,7 @@ private:
     void openWindow(QScreen& screen, const QImage& frozen, SurfaceKeyboard keyboard);
     void screenRemoved(const QScreen* screen);
     FrozenScreens freezeScreens() const;
-    void picturesTaken();
+    void picturesTaken(const MarkupModes& modes);
     /// Tells the other windows of ours, where that has changed, whether the screen is the overlay's.
     void shareScreen();
     void submitted(const std::optional<SubmitResult>& result, const SubmitRequest& request);

@@ -60,4 +60,10 @@ SubmitToast captureFailedToast(const QString& error) {
         .title = u"Nothing was captured"_s, .subtitle = error, .icon = u"exclamationmark.triangle.fill"_s};
 }
 
+SubmitToast readingToast() {
+    return {.title = u"Reading text…"_s,
+            .subtitle = u"This can take some seconds"_s,
+            .icon = u"text.viewfinder"_s};
+}
+
 } // namespace orvane

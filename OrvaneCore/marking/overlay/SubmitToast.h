@@ -29,4 +29,7 @@ SubmitToast submitToast(int markerCount, const MarkupModes& modes, const std::op
 /// What the user is told when no display could be captured, and why.
 SubmitToast captureFailedToast(const QString& error);
 
+/// What the user is told while the text of the regions is read, which may take long.
+SubmitToast readingToast();
+
 } // namespace orvane

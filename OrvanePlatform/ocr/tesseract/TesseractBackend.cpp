@@ -47,7 +47,12 @@ QImage opaque(QImage picture) {
 } // namespace
 
 TesseractBackend::TesseractBackend()
-    : m_reader(threadsAtMost()) {}
+    : m_reader(std::make_unique<LanguageReader>(threadsAtMost())) {}
+
+TesseractBackend::~TesseractBackend() {
+    m_reader.reset();
+    TesseractEngine::releaseUnusedData();
+}
 
 QStringList TesseractBackend::supportedLanguages() {
     const std::lock_guard lock(m_mutex);
@@ -94,7 +99,7 @@ std::vector<Readings> TesseractBackend::readAll(const QImage& picture, const std
             const std::size_t index = next++;
             if (index >= lines.size())
                 return;
-            readings[index] = m_reader.read(linePicture(picture, lines[index].box), languages, isTimeUp);
+            readings[index] = m_reader->read(linePicture(picture, lines[index].box), languages, isTimeUp);
         }
     };
     std::vector<std::future<void>> others;

@@ -6,6 +6,7 @@
 
 #include <QImage>
 
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -17,6 +18,9 @@ namespace orvane::ocr {
 class TesseractBackend final : public TextRecognitionBackend {
 public:
     TesseractBackend();
+    ~TesseractBackend() override;
+    TesseractBackend(const TesseractBackend&) = delete;
+    TesseractBackend& operator=(const TesseractBackend&) = delete;
 
     QStringList supportedLanguages() override;
     PictureText recognize(const QImage& picture, const QStringList& languages,
@@ -29,7 +33,8 @@ private:
 
     std::mutex m_mutex;
     QStringList m_supported;
-    LanguageReader m_reader;
+    /// Null only while this goes.
+    std::unique_ptr<LanguageReader> m_reader;
 };
 
 } // namespace orvane::ocr

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <leptonica/allheaders.h>
+#include <malloc.h>
 #include <omp.h>
 #include <tesseract/baseapi.h>
 
@@ -83,6 +84,11 @@ QStringList TesseractEngine::installedData() {
     for (const std::string& name : names)
         installed.append(QString::fromStdString(name));
     return installed;
+}
+
+void TesseractEngine::releaseUnusedData() {
+    tesseract::TessBaseAPI::ClearPersistentCache();
+    malloc_trim(0);
 }
 
 Reading TesseractEngine::readLine(const QImage& line) {

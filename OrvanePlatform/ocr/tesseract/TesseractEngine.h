@@ -27,6 +27,10 @@ public:
     /// The names of the data files that are installed.
     static QStringList installedData();
 
+    /// Gives back what Tesseract keeps of data that no engine uses any more, and the freed memory to the
+    /// system.
+    static void releaseUnusedData();
+
     /// `line`: dark text on white, one line that fills the picture but for a small margin. Format_Grayscale8.
     /// Empty where there is nothing to read. Throws PlatformError when Tesseract fails.
     Reading readLine(const QImage& line);

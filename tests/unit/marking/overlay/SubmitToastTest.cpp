@@ -115,4 +115,9 @@ TEST(SubmitToast, RecognitionThatFoundNothingSaysSo) {
               (SubmitToast{u"No text found"_s, u"Copied screenshot instead"_s, u"text.viewfinder"_s}));
 }
 
+TEST(SubmitToast, SaysThatTextIsBeingRead) {
+    EXPECT_EQ(readingToast(),
+              (SubmitToast{u"Reading text…"_s, u"This can take some seconds"_s, u"text.viewfinder"_s}));
+}
+
 } // namespace orvane
