@@ -165,9 +165,13 @@ bool X11Connection::attachSharedMemory(uint32_t id, int descriptor) const {
     // The memory is ours and its descriptor goes with the request. Memory of the server's comes with a reply,
     // and xcb loses descriptors that arrive before their reply or behind a long one: that reply never comes,
     // or the connection is given up, and numbers are closed that belong to others by then.
-    const std::scoped_lock lock(m_descriptorMutex);
-    const auto cookie = xcb_shm_attach_fd_checked(m_connection, id, descriptor, 0);
-    const Owned<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+    Owned<xcb_generic_error_t> error;
+    {
+        // With the lock descriptors go one at a time, too: xcb keeps no more than a few.
+        const std::scoped_lock lock(m_waitMutex);
+        const auto cookie = xcb_shm_attach_fd_checked(m_connection, id, descriptor, 0);
+        error.reset(xcb_request_check(m_connection, cookie));
+    }
     throwIfLost();
     return error == nullptr;
 }

@@ -86,7 +86,11 @@ public:
         using Result = std::remove_pointer_t<
             std::invoke_result_t<decltype(ReplyFunction), xcb_connection_t*, Cookie, xcb_generic_error_t**>>;
         xcb_generic_error_t* error = nullptr;
-        Owned<Result> result(ReplyFunction(m_connection, cookie, &error));
+        Owned<Result> result;
+        {
+            const std::scoped_lock lock(m_waitMutex);
+            result.reset(ReplyFunction(m_connection, cookie, &error));
+        }
         Owned<xcb_generic_error_t> ownedError(error);
         if (!result)
             throwIfLost();
@@ -112,8 +116,10 @@ private:
     xcb_screen_t* m_screen = nullptr;
     Atoms m_atoms;
     Extensions m_extensions;
-    /// Descriptors go to the server one at a time: xcb keeps no more than a few.
-    mutable std::mutex m_descriptorMutex;
+    /// One thread at a time waits inside xcb, the others for it. When a connection is lost, xcb takes those
+    /// that wait off a list, and never ends where the one that was reading is not the first on it. Little is
+    /// lost: answers come in the order of the questions, whoever asked.
+    mutable std::mutex m_waitMutex;
     mutable std::mutex m_atomNamesMutex;
     mutable QHash<xcb_atom_t, QString> m_atomNames;
 };
