@@ -179,6 +179,24 @@ TEST_F(CrowdedCaptures, AreErrorsWhenTheConnectionIsGivenUpAndTheNextOnesHaveAno
     EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
 }
 
+TEST_F(CrowdedCaptures, AreErrorsWhoeverBeganToWaitFirst) {
+    const TestWindow window;
+    const auto connection = session.connection();
+    signalServer(SIGSTOP);
+    const auto earlier = xcb_get_input_focus(connection->raw());
+    const auto later = xcb_get_input_focus(connection->raw());
+    xcb_flush(connection->raw());
+    auto calls = startAll({[&] { connection->reply<xcb_get_input_focus_reply>(later); }});
+    EXPECT_TRUE(allWait());
+    auto others = startAll({[&] { connection->reply<xcb_get_input_focus_reply>(earlier); }});
+    calls.push_back(std::move(others.front()));
+    EXPECT_TRUE(allWait());
+    connection->abandon();
+    EXPECT_EQ(errorsOf(calls), 2);
+    signalServer(SIGCONT);
+    EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
+}
+
 // A request longer than the server takes makes xcb give up without closing anything.
 TEST_F(CrowdedCaptures, AreErrorsWhenXcbGivesTheConnectionUpByItself) {
     const TestWindow window;
