@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace orvane::test {
 
 namespace {
@@ -53,7 +51,6 @@ TEST(RectEdges, AnOutlineIsAsWideInsideAsOutside) {
 }
 
 TEST(RectEdges, AreFiniteWhereAllNumbersAre) {
-    constexpr qreal infinite = std::numeric_limits<qreal>::infinity();
     EXPECT_TRUE(isFinite(QRectF(1, 2, 3, 4)));
     EXPECT_FALSE(isFinite(QPointF(infinite, 1)));
     EXPECT_FALSE(isFinite(QPointF(1, qQNaN())));
