@@ -146,9 +146,9 @@ protected:
          .surfaces = surfaces,
          .displays = displays,
          .capture = capture,
-          .words = words,
-          .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); },
-          .holdWindowsBack = [this](bool areHeldBack) { holdWindowsBack(areHeldBack); }}};
+         .words = words,
+         .showToast = [this](const SubmitToast& toast) { toasts.push_back(toast); },
+         .holdWindowsBack = [this](bool areHeldBack) { holdWindowsBack(areHeldBack); }}};
 };
 
 } // namespace orvane::test
