@@ -247,7 +247,7 @@ TEST_F(Submission, HasNoOtherWindowOfOursInItsPictures) {
     const auto ground = cover(u"1280x780+0+0"_s);
     ToastWindow notices(surfaces);
     StatusItem item([] { return StatusMenuState(); }, [](StatusAction, const std::optional<QString>&) {},
-                    [] { return false; }, surfaces);
+                    [] { return false; }, surfaces, words);
     holdWindowsBack = [&](bool areHeldBack) {
         notices.setHeldBack(areHeldBack);
         item.setButtonHeldBack(areHeldBack);
