@@ -1,7 +1,6 @@
 #include "OrvaneCore/base/Log.h"
 
 #include <QString>
-#include <QtGlobal>
 
 #include <gtest/gtest.h>
 
@@ -16,15 +15,6 @@ TEST(Log, WritesALineForEachMessageWhateverIsInIt) {
     logLine(u"Übersicht — 日本"_s);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "orvane: window  [201~ orvane: forged     end\nbare line\norvane: Übersicht — 日本\n");
-}
-
-TEST(Log, WritesQtsMessagesOnALineToo) {
-    const QtMessageHandler before = qInstallMessageHandler(nullptr);
-    logQtMessages();
-    testing::internal::CaptureStderr();
-    qWarning("two\nlines");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "orvane: two lines\n");
-    qInstallMessageHandler(before);
 }
 
 } // namespace orvane

@@ -9,8 +9,8 @@ namespace {
 
 class QtMessagesTest : public testing::Test {
 protected:
-    QtMessagesTest() { logQtMessages(); }
-    ~QtMessagesTest() override { qInstallMessageHandler(nullptr); }
+    void SetUp() override { logQtMessages(); }
+    void TearDown() override { qInstallMessageHandler(nullptr); }
 
     static std::string logged(const char* message) {
         testing::internal::CaptureStderr();

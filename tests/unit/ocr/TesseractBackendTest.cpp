@@ -246,10 +246,12 @@ TEST_F(TesseractBackendTest, ServesSeveralThreads) {
         EXPECT_EQ(results[index], (QStringList{texts[index], texts[index], texts[index]}));
 }
 
-TEST_F(TesseractBackendTest, WritesNothingAndStartsNoThreads) {
+TEST_F(TesseractBackendTest, WritesNothingAndLeavesNoThreadsOfTheEngine) {
     const QImage picture = pictureOf(u"Use the arrow keys"_s, Qt::black, Qt::white, interfaceFont());
-    const QDir tasks(u"/proc/self/task"_s);
-    const auto before = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    const auto threads = [] {
+        return QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    };
+    const auto before = threads();
     ASSERT_GT(before, 0);
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
@@ -257,7 +259,8 @@ TEST_F(TesseractBackendTest, WritesNothingAndStartsNoThreads) {
     read(sheet(3, 12, Qt::white));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), before);
+    // One waits for the time to free the engines, unless another test has made it already.
+    EXPECT_LE(threads(), before + 1);
 }
 
 } // namespace
