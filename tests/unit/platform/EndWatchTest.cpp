@@ -17,8 +17,8 @@ using test::eventually;
 
 class EndWatchTest : public testing::Test {
 protected:
-    EndWatchTest() { EXPECT_EQ(::pipe(m_ends.data()), 0); }
-    ~EndWatchTest() override {
+    void SetUp() override { ASSERT_EQ(::pipe(m_ends.data()), 0); }
+    void TearDown() override {
         ::close(m_ends.front());
         ::close(m_ends.back());
     }

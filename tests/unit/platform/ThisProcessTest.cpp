@@ -21,13 +21,13 @@ using namespace Qt::StringLiterals;
 
 class ThisProcessTest : public testing::Test {
 protected:
-    ThisProcessTest() {
+    void SetUp() override {
         // As it is at a program's start, and in a program's that was started by one that ignores the signal.
         sigaction(SIGPIPE, nullptr, &m_before);
         std::signal(SIGPIPE, SIG_IGN);
         surviveBrokenPipes();
     }
-    ~ThisProcessTest() override {
+    void TearDown() override {
         sigaction(SIGPIPE, &m_before, nullptr);
         qputenv("HOME", m_home);
     }
