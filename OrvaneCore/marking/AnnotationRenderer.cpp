@@ -9,6 +9,7 @@
 #include <QLineF>
 #include <QPolygonF>
 #include <QTransform>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -276,7 +277,8 @@ private:
         }
         const QTransform fromDevice = toDevice.inverted();
         const QRectF onDevice = toDevice.mapRect(bounds.adjusted(-1, -1, 1, 1) & visibleArea());
-        for (qreal top = std::floor(onDevice.top()); top < onDevice.bottom(); top += bandRows) {
+        const int bottom = qCeil(onDevice.bottom());
+        for (int top = qFloor(onDevice.top()); top < bottom; top += bandRows) {
             m_painter.save();
             m_painter.setClipRect(fromDevice.mapRect(QRectF(std::floor(onDevice.left()), top,
                                                             std::ceil(onDevice.width()) + 1, bandRows)),

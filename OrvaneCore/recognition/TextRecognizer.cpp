@@ -55,9 +55,10 @@ TextRecognizer::Recognition TextRecognizer::read(const QImage& image,
         Recognition recognition{.texts = {}, .found = text.found, .unread = text.unread};
         recognition.texts.reserve(text.lines.size());
         for (const TextLine& line : text.lines) {
-            if (line.confidence >= minConfidence)
+            if (line.confidence >= minConfidence) {
                 recognition.texts.push_back(
                     {line.text, fractionsOf(image.size(), line.box), line.confidence});
+            }
         }
         return recognition;
     } catch (const PlatformError& error) {

@@ -87,9 +87,10 @@ void SubmitPictures::drawOnCrop(QImage& crop, const QRectF& region,
     if (annotations.empty())
         return;
     QPainter painter(&crop);
-    for (const Annotation& annotation : annotations)
+    for (const Annotation& annotation : annotations) {
         annotation_renderer::draw(painter, annotation, mapFrom(region.normalized().topLeft()), scale(),
                                   QRectF(crop.rect()));
+    }
 }
 
 PointMap SubmitPictures::mapFrom(const QPointF& origin) const {
