@@ -124,18 +124,14 @@ public:
         crops(corpus.englishCrops());
         const std::vector<Sample> panels = corpus.englishPanels();
         this->panels(panels);
-        Table others;
-        for (const QString& language : {u"chi_sim"_s, u"chi_tra"_s, u"jpn"_s, u"kor"_s}) {
-            for (const Sample& sample : corpus.otherCrops(language)) {
-                const auto rate = [&](const QString& read) {
-                    return errorRate(sample.lines, withoutSpaces(read, language));
-                };
-                others.add(language, rate(read(sample)), rate(readPlain(sample)));
-            }
-        }
-        others.print(m_out, u"one line, 13 to 18 px"_s);
-
+        others(corpus);
         screen(panels);
+    }
+
+    /// The languages other than English alone.
+    void runOthers(const Set& set) {
+        m_out << "\n## " << set.folder << "\n";
+        others(Corpus(set.folder, set.fonts, set.seed));
     }
 
     /// The screen alone. The engines are loaded before.
@@ -147,6 +143,20 @@ public:
     }
 
 private:
+    void others(const Corpus& corpus) {
+        Table others;
+        for (const QString& language : {u"chi_sim"_s, u"chi_tra"_s, u"jpn"_s, u"kor"_s}) {
+            for (const Sample& sample : corpus.otherCrops(language)) {
+                const auto rate = [&](const QString& read) {
+                    return errorRate(sample.lines, withoutSpaces(read, language));
+                };
+                others.add(language, rate(read(sample)), rate(readPlain(sample)));
+            }
+        }
+        others.print(m_out, u"one line, 13 to 18 px"_s);
+        m_out.flush();
+    }
+
     static QString withoutSpaces(const QString& text, const QString& language) {
         // Between Chinese and Japanese characters a space is a matter of taste.
         return language == u"kor"_s ? text : text.simplified().remove(u' ');
@@ -248,6 +258,8 @@ int main(int argc, char* argv[]) {
             const bool isWanted = !arguments.contains(u"--only"_s) || arguments.contains(set.folder);
             if (isWanted && arguments.contains(u"--screen"_s)) {
                 bench.runScreen(set);
+            } else if (isWanted && arguments.contains(u"--others"_s)) {
+                bench.runOthers(set);
             } else if (isWanted) {
                 bench.run(set);
             }

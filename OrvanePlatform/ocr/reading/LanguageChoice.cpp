@@ -59,6 +59,12 @@ bool isLatin(const Reading& japanese, const Reading& preferred) {
            static_cast<double>(strange) < fewOfHan * static_cast<double>(all);
 }
 
+/// Spaces and punctuation speak for no language, and one takes for two marks what another one takes for one.
+float lettersIn(const QString& text) {
+    return static_cast<float>(std::count_if(text.begin(), text.end(),
+                                            [](QChar character) { return character.isLetterOrNumber(); }));
+}
+
 QString languageOfPicture(const std::vector<Readings>& lines, const QStringList& languages) {
     QString leading;
     float most = 0;
@@ -69,7 +75,7 @@ QString languageOfPicture(const std::vector<Readings>& lines, const QStringList&
             if (found != readings.end() && isInOwnScript(language, found->second.text)) {
                 sum += (found->second.confidence -
                         leadOfPlace * static_cast<float>(languages.indexOf(language))) *
-                       static_cast<float>(found->second.text.size());
+                       lettersIn(found->second.text);
             }
         }
         if (sum > most) {

@@ -1,11 +1,15 @@
 #include "OrvanePlatform/ocr/tesseract/LanguageReader.h"
 
+#include "OrvanePlatform/ocr/layout/LinePicture.h"
 #include "OrvanePlatform/ocr/tesseract/LanguageData.h"
 
 namespace orvane::ocr {
 
-Readings LanguageReader::read(const QImage& line, const QStringList& languages, const IsTimeUp& isTimeUp) {
+Readings LanguageReader::read(const QImage& picture, const QRect& box, const QStringList& languages,
+                              const IsTimeUp& isTimeUp) {
     Readings readings;
+    // By height; most lines need but one.
+    std::map<int, QImage> shapes;
     const QString& preferred = languages.front();
     for (const QString& language : inOrderOfAsking(languages)) {
         if (isTimeUp())
@@ -13,6 +17,10 @@ Readings LanguageReader::read(const QImage& line, const QStringList& languages, 
         const auto engine = enginesFor(language).take(isTimeUp);
         if (!engine)
             break;
+        const LineShape shape = lineShapeFor(language);
+        QImage& line = shapes[shape.height];
+        if (line.isNull())
+            line = linePicture(picture, box, shape);
         const Reading reading = (*engine).readLine(line);
         readings[language] = reading;
         if (language == preferred ? !isDoubtful(reading)

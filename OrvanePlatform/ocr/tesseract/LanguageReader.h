@@ -6,6 +6,7 @@
 #include "OrvanePlatform/ocr/tesseract/TesseractEngine.h"
 
 #include <QImage>
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -24,9 +25,10 @@ public:
 
     /// What the line says in the preferred language, which is the first; and where that is doubtful what it
     /// says in the others, so that having them costs the preferred one neither time nor mistakes. Empty when
-    /// time was up before it was begun. `line` is as TesseractEngine::readLine takes it.
+    /// time was up before it was begun. The line is what is in `box` of `picture` (Format_RGB32).
     /// Throws PlatformError when an engine fails, or its data do not load.
-    Readings read(const QImage& line, const QStringList& languages, const IsTimeUp& isTimeUp);
+    Readings read(const QImage& picture, const QRect& box, const QStringList& languages,
+                  const IsTimeUp& isTimeUp);
 
 private:
     FairPool<TesseractEngine>& enginesFor(const QString& language);

@@ -2,7 +2,6 @@
 
 #include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/platform/PlatformError.h"
-#include "OrvanePlatform/ocr/layout/LinePicture.h"
 #include "OrvanePlatform/ocr/tesseract/LanguageData.h"
 
 #include <QPainter>
@@ -99,7 +98,7 @@ std::vector<Readings> TesseractBackend::readAll(const QImage& picture, const std
             const std::size_t index = next++;
             if (index >= lines.size())
                 return;
-            readings[index] = m_reader->read(linePicture(picture, lines[index].box), languages, isTimeUp);
+            readings[index] = m_reader->read(picture, lines[index].box, languages, isTimeUp);
         }
     };
     std::vector<std::future<void>> others;

@@ -97,6 +97,13 @@ TEST(LanguageChoiceTest, TheOtherLinesOfThePictureHaveASay) {
     EXPECT_EQ(readings[1].text, u"錯誤"_s);
 }
 
+TEST(LanguageChoiceTest, SpacesAndPunctuationDoNotSpeakForALanguage) {
+    EXPECT_EQ(chosen({{english, {}},
+                      {japanese, {u"正在下載更新 : 請勿開閉電騰"_s, 0.71F}},
+                      {traditional, {u"正在下載更新,請勿關閉電腦"_s, 0.77F}}}),
+              u"正在下載更新,請勿關閉電腦"_s);
+}
+
 TEST(LanguageChoiceTest, ALineThatNobodyReadIsEmpty) {
     EXPECT_EQ(chosen({}), QString());
     EXPECT_EQ(chosen({{english, {}}}), QString());

@@ -24,9 +24,9 @@ std::pair<int, int> extremes(const QImage& gray) {
     return {darkest, lightest};
 }
 
-QImage lineIn(const QColor& ink, const QColor& background, int size = 13) {
+QImage lineIn(const QColor& ink, const QColor& background, int size = 13, const LineShape& shape = lowLine) {
     const QImage picture = test::pictureOf(u"Highlight"_s, ink, background, test::interfaceFont(size));
-    return linePicture(picture, test::inkIn(picture, picture.rect()));
+    return linePicture(picture, test::inkIn(picture, picture.rect()), shape);
 }
 
 TEST(LinePictureTest, IsBlackOnWhiteWhateverTheColours) {
@@ -51,9 +51,20 @@ TEST(LinePictureTest, IsBlackOnWhiteWhateverTheColours) {
 }
 
 TEST(LinePictureTest, HasOneHeightForEverySizeOfText) {
-    const int height = lineIn(Qt::black, Qt::white, 11).height();
-    for (const int size : {8, 18, 40, 120})
-        EXPECT_EQ(lineIn(Qt::black, Qt::white, size).height(), height) << size;
+    for (const int size : {8, 11, 18, 40, 120}) {
+        EXPECT_EQ(lineIn(Qt::black, Qt::white, size, lowLine).height(), 36) << size;
+        EXPECT_EQ(lineIn(Qt::black, Qt::white, size, tallLine).height(), 48) << size;
+    }
+}
+
+TEST(LinePictureTest, TheInkOfALineFillsAllButItsMargins) {
+    for (const LineShape& shape : {lowLine, tallLine}) {
+        const QImage line = lineIn(Qt::black, Qt::white, 40, shape);
+        const QRect ink = test::inkIn(line.convertToFormat(QImage::Format_RGB32), line.rect());
+        const double without = shape.height / (1 + 2 * shape.marginAbove);
+        EXPECT_NEAR(ink.height(), without, 1.5) << shape.height;
+        EXPECT_NEAR(ink.center().y(), shape.height / 2.0, 1.5) << shape.height;
+    }
 }
 
 TEST(LinePictureTest, KeepsTheProportions) {
@@ -65,7 +76,7 @@ TEST(LinePictureTest, KeepsTheProportions) {
 TEST(LinePictureTest, ALineAtTheEdgeOfThePictureIsTakenWhole) {
     QImage picture(20, 10, QImage::Format_RGB32);
     picture.fill(Qt::white);
-    const QImage line = linePicture(picture, picture.rect());
+    const QImage line = linePicture(picture, picture.rect(), lowLine);
     EXPECT_EQ(extremes(line), std::pair(255, 255));
 }
 
