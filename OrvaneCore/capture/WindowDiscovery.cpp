@@ -80,7 +80,14 @@ auto askDesktop(Ask ask) -> decltype(ask()) {
 } // namespace
 
 std::vector<WindowInfo> WindowDiscovery::listWindows() {
-    const WindowSnapshot desktop = snapshot();
+    return realWindows(snapshot());
+}
+
+std::vector<WindowInfo> WindowDiscovery::findWindows(const QString& appName) {
+    return realWindows(snapshotOf(appName));
+}
+
+std::vector<WindowInfo> WindowDiscovery::realWindows(const WindowSnapshot& desktop) {
     const std::vector<Display> screens = displays();
     std::vector<WindowInfo> windows;
     for (const RunningApplication& application : desktop.applications) {
@@ -95,13 +102,6 @@ std::vector<WindowInfo> WindowDiscovery::listWindows() {
                                        matchDisplay(screens, rect)));
         }
     }
-    return windows;
-}
-
-std::vector<WindowInfo> WindowDiscovery::findWindows(const QString& appName) {
-    std::vector<WindowInfo> windows = listWindows();
-    std::erase_if(windows,
-                  [&appName](const WindowInfo& window) { return !containsName(window.appName, appName); });
     return windows;
 }
 
@@ -163,6 +163,18 @@ WindowSnapshot WindowDiscovery::snapshot() {
     return askDesktop([this] {
         return withThrowingTimeout(m_watchdog, listingLimitSeconds, [this](std::stop_token stop) {
             return withPlainNames(m_windowServer.snapshot(std::move(stop)));
+        });
+    });
+}
+
+WindowSnapshot WindowDiscovery::snapshotOf(const QString& appName) {
+    const ApplicationFilter isWanted = [&appName](const QString& name) {
+        const auto told = plain(name);
+        return told && containsName(*told, appName);
+    };
+    return askDesktop([&] {
+        return withThrowingTimeout(m_watchdog, listingLimitSeconds, [&](std::stop_token stop) {
+            return withPlainNames(m_windowServer.snapshotOf(isWanted, std::move(stop)));
         });
     });
 }

@@ -61,6 +61,8 @@ public:
 
 private:
     WindowSnapshot snapshot();
+    WindowSnapshot snapshotOf(const QString& appName);
+    std::vector<WindowInfo> realWindows(const WindowSnapshot& desktop);
     std::vector<Display> displays();
 
     WindowServer& m_windowServer;

@@ -3,6 +3,7 @@
 #include <QRectF>
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <stop_token>
 #include <vector>
@@ -54,6 +55,12 @@ struct WindowSnapshot {
     std::vector<WindowEntry> onScreen;
 };
 
+/// Whether an application is wanted, by its localised name. Runs on the thread of the call it is given to.
+using ApplicationFilter = std::function<bool(const QString& localizedName)>;
+
+/// The snapshot without the applications that are not wanted or have no name, and without their rows.
+WindowSnapshot onlyWanted(WindowSnapshot desktop, const ApplicationFilter& isWanted);
+
 /// The desktop's windows: finding and raising them. Any thread; calls may run side by side.
 /// Every call throws PlatformError when the desktop cannot be asked.
 class WindowServer {
@@ -62,6 +69,9 @@ public:
 
     /// A stop request makes a call that waits for the desktop end soon, with a PlatformError.
     virtual WindowSnapshot snapshot(std::stop_token stop) = 0;
+
+    /// What `onlyWanted` leaves of a snapshot, for less than a whole one costs.
+    virtual WindowSnapshot snapshotOf(const ApplicationFilter& isWanted, std::stop_token stop) = 0;
 
     /// Current bounds of one window, global points; nothing when there is no such window on screen.
     virtual std::optional<QRectF> bounds(qint64 windowId) = 0;

@@ -3,12 +3,14 @@
 #include "OrvaneCore/base/PlainText.h"
 #include "OrvanePlatform/freedesktop/DesktopEntryKeys.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <system_error>
+#include <utility>
 
 namespace orvane::freedesktop {
 
@@ -28,8 +30,28 @@ QStringList localeForms(const QString& locale) {
     return forms;
 }
 
-qint64 stampOf(const QString& folder) {
-    return QFileInfo(folder).lastModified().toMSecsSinceEpoch();
+/// When the folder was last changed; the earliest time there is where there is no folder.
+std::filesystem::file_time_type stampOf(const QString& folder) {
+    std::error_code error;
+    const auto stamp = std::filesystem::last_write_time(QFileInfo(folder).filesystemFilePath(), error);
+    return error ? std::filesystem::file_time_type::min() : stamp;
+}
+
+void addFolder(ApplicationNames& names, const QString& folder, const QString& locale) {
+    QDirIterator files(folder, {u'*' + fileEnding}, QDir::Files, QDirIterator::Subdirectories);
+    QStringList paths;
+    while (files.hasNext())
+        paths.append(files.next());
+    paths.sort();
+    for (const QString& path : paths) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        QString id = QDir(folder).relativeFilePath(path).replace(u'/', u'-');
+        id.chop(fileEnding.size());
+        if (const auto entry = parseDesktopEntry(id, file.readAll(), locale))
+            names.add(*entry);
+    }
 }
 
 } // namespace
@@ -70,10 +92,23 @@ QString DesktopEntries::processLocale() {
     return QStringLiteral("C");
 }
 
-std::optional<QString> DesktopEntries::applicationName(const QString& instanceName,
-                                                       const QString& className) {
+std::shared_ptr<const ApplicationNames> DesktopEntries::names() {
     const std::scoped_lock lock(m_mutex);
-    refreshIfChanged();
+    std::vector<std::filesystem::file_time_type> stamps;
+    stamps.reserve(static_cast<size_t>(m_folders.size()));
+    for (const QString& folder : m_folders)
+        stamps.push_back(stampOf(folder));
+    if (m_names && stamps == m_stamps)
+        return m_names;
+    const auto names = std::make_shared<ApplicationNames>();
+    for (const QString& folder : m_folders)
+        addFolder(*names, folder, m_locale);
+    m_stamps = std::move(stamps);
+    m_names = names;
+    return m_names;
+}
+
+std::optional<QString> ApplicationNames::of(const QString& instanceName, const QString& className) const {
     for (const auto* names : {&m_nameByWMClass, &m_nameById}) {
         for (const QString& key : {className.toLower(), instanceName.toLower()}) {
             const auto name = names->constFind(key);
@@ -84,42 +119,13 @@ std::optional<QString> DesktopEntries::applicationName(const QString& instanceNa
     return std::nullopt;
 }
 
-void DesktopEntries::refreshIfChanged() {
-    QList<qint64> stamps;
-    stamps.reserve(m_folders.size());
-    for (const QString& folder : m_folders)
-        stamps.append(stampOf(folder));
-    if (stamps == m_stamps)
-        return;
-    m_stamps = stamps;
-    m_nameByWMClass.clear();
-    m_nameById.clear();
-    for (const QString& folder : m_folders)
-        addFolder(folder);
-}
-
-void DesktopEntries::addFolder(const QString& folder) {
-    QDirIterator files(folder, {u'*' + fileEnding}, QDir::Files, QDirIterator::Subdirectories);
-    QStringList paths;
-    while (files.hasNext())
-        paths.append(files.next());
-    paths.sort();
-    for (const QString& path : paths) {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        QString id = QDir(folder).relativeFilePath(path).replace(u'/', u'-');
-        id.chop(fileEnding.size());
-        const auto entry = parseDesktopEntry(id, file.readAll(), m_locale);
-        if (!entry)
-            continue;
-        // An earlier folder is the more important one, so the first name for a key stays.
-        if (!m_nameById.contains(id.toLower()))
-            m_nameById.insert(id.toLower(), entry->name);
-        const QString windowClass = entry->startupWMClass.toLower();
-        if (!windowClass.isEmpty() && !m_nameByWMClass.contains(windowClass))
-            m_nameByWMClass.insert(windowClass, entry->name);
-    }
+void ApplicationNames::add(const DesktopEntry& entry) {
+    const QString id = entry.id.toLower();
+    if (!m_nameById.contains(id))
+        m_nameById.insert(id, entry.name);
+    const QString windowClass = entry.startupWMClass.toLower();
+    if (!windowClass.isEmpty() && !m_nameByWMClass.contains(windowClass))
+        m_nameByWMClass.insert(windowClass, entry.name);
 }
 
 } // namespace orvane::freedesktop

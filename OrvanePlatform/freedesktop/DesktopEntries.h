@@ -5,8 +5,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <filesystem>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace orvane::freedesktop {
 
@@ -23,8 +26,23 @@ struct DesktopEntry {
 std::optional<DesktopEntry> parseDesktopEntry(const QString& id, const QByteArray& contents,
                                               const QString& locale);
 
-/// The names of installed applications by the class of their windows. Read at the first question and again
-/// when an applications folder has changed. Any thread.
+/// The names of installed applications by the class of their windows, as they were at one moment. Any thread.
+class ApplicationNames {
+public:
+    /// The name of the application with such windows (the two parts of WM_CLASS): by StartupWMClass, else by
+    /// desktop id, letter case ignored. Never by executable: an interpreter is not an application.
+    std::optional<QString> of(const QString& instanceName, const QString& className) const;
+
+    /// An entry of a less important folder than all before it: the first name for a key stays.
+    void add(const DesktopEntry& entry);
+
+private:
+    QHash<QString, QString> m_nameByWMClass;
+    QHash<QString, QString> m_nameById;
+};
+
+/// The applications that are installed. Read at the first question and again when an applications folder has
+/// changed. Any thread.
 class DesktopEntries {
 public:
     /// `folders` are applications folders, the most important first.
@@ -34,20 +52,15 @@ public:
     static QStringList standardFolders();
     static QString processLocale();
 
-    /// The name of the application with such windows (the two parts of WM_CLASS): by StartupWMClass, else by
-    /// desktop id, letter case ignored. Never by executable: an interpreter is not an application.
-    std::optional<QString> applicationName(const QString& instanceName, const QString& className);
+    /// The names as they are now. Looks at the folders, so who has many windows to name asks once.
+    std::shared_ptr<const ApplicationNames> names();
 
 private:
-    void refreshIfChanged();
-    void addFolder(const QString& folder);
-
     const QStringList m_folders;
     const QString m_locale;
     std::mutex m_mutex;
-    QList<qint64> m_stamps;
-    QHash<QString, QString> m_nameByWMClass;
-    QHash<QString, QString> m_nameById;
+    std::vector<std::filesystem::file_time_type> m_stamps;
+    std::shared_ptr<const ApplicationNames> m_names;
 };
 
 } // namespace orvane::freedesktop

@@ -21,6 +21,10 @@ WindowSnapshot HeadlessDesktop::snapshot(std::stop_token /*stop*/) {
     return {};
 }
 
+WindowSnapshot HeadlessDesktop::snapshotOf(const ApplicationFilter& /*isWanted*/, std::stop_token /*stop*/) {
+    return {};
+}
+
 std::optional<QRectF> HeadlessDesktop::bounds(qint64 /*windowId*/) {
     return std::nullopt;
 }

@@ -12,6 +12,7 @@ public:
     std::vector<Display> list() override;
 
     WindowSnapshot snapshot(std::stop_token stop) override;
+    WindowSnapshot snapshotOf(const ApplicationFilter& isWanted, std::stop_token stop) override;
     std::optional<QRectF> bounds(qint64 windowId) override;
     void activate(const RunningApplication& application, const std::vector<qint64>& handles) override;
     std::optional<QString> unavailableReason() override;

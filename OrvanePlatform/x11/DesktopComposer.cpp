@@ -76,10 +76,11 @@ QSet<xcb_window_t> ownTopLevels(const X11Connection& connection, const std::vect
         if (processes[i] == self)
             own.insert(windows[i]);
     }
-    for (const ManagedWindow& window : readManagedWindows(connection)) {
-        if (window.pid == self)
-            own.insert(window.placement.frame);
-    }
+    const ClientLists lists = readClientLists(connection);
+    std::vector<WindowOwner> owners = readOwners(connection, lists.clients);
+    std::erase_if(owners, [self](const WindowOwner& owner) { return owner.pid != self; });
+    for (const ManagedWindow& window : readManagedWindows(connection, owners, lists.currentDesktop))
+        own.insert(window.placement.frame);
     return own;
 }
 

@@ -3,11 +3,8 @@
 #include "OrvanePlatform/x11/ActiveWindow.h"
 #include "OrvanePlatform/x11/Properties.h"
 
-#include <QList>
-
 #include <algorithm>
-
-#include <xcb/res.h>
+#include <utility>
 
 namespace orvane::x11 {
 
@@ -18,30 +15,6 @@ constexpr uint32_t iconicState = 3;
 
 bool contains(const std::vector<uint32_t>& atoms, xcb_atom_t atom) {
     return std::find(atoms.begin(), atoms.end(), atom) != atoms.end();
-}
-
-std::optional<xcb_res_query_client_ids_cookie_t> requestProcess(const X11Connection& connection,
-                                                                xcb_window_t window) {
-    if (!connection.extensions().resourceClientIds)
-        return std::nullopt;
-    const xcb_res_client_id_spec_t spec{.client = window, .mask = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    return xcb_res_query_client_ids(connection.raw(), 1, &spec);
-}
-
-qint32 readProcess(const X11Connection& connection,
-                   const std::optional<xcb_res_query_client_ids_cookie_t>& cookie) {
-    if (!cookie)
-        return 0;
-    const auto reply = connection.reply<xcb_res_query_client_ids_reply>(*cookie);
-    if (!reply)
-        return 0;
-    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0;
-         xcb_res_client_id_value_next(&it)) {
-        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
-            xcb_res_client_id_value_value_length(it.data) > 0)
-            return static_cast<qint32>(*xcb_res_client_id_value_value(it.data));
-    }
-    return 0;
 }
 
 struct StateRequests {
@@ -78,11 +51,8 @@ bool isOnScreen(const X11Connection& connection, const WindowState& state, const
 }
 
 struct WindowRequests {
-    std::optional<xcb_res_query_client_ids_cookie_t> process;
-    PendingProperty netWmPid;
     PendingProperty netWmName;
     PendingProperty wmName;
-    PendingProperty wmClass;
     PendingProperty windowType;
     StateRequests state;
 };
@@ -90,31 +60,21 @@ struct WindowRequests {
 WindowRequests requestWindow(const X11Connection& connection, xcb_window_t client) {
     const Atoms& atoms = connection.atoms();
     const auto property = [&](xcb_atom_t atom) { return requestProperty(connection, client, atom); };
-    return {requestProcess(connection, client), property(atoms.netWmPid),    property(atoms.netWmName),
-            property(XCB_ATOM_WM_NAME),         property(XCB_ATOM_WM_CLASS), property(atoms.netWmWindowType),
+    return {property(atoms.netWmName), property(XCB_ATOM_WM_NAME), property(atoms.netWmWindowType),
             requestState(connection, client)};
 }
 
-ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, const WindowRequests& requests,
-                         const WindowPlacement& placement, uint32_t currentDesktop) {
+ManagedWindow readWindow(const X11Connection& connection, const WindowOwner& owner,
+                         const WindowRequests& requests, const WindowPlacement& placement,
+                         uint32_t currentDesktop) {
     const Atoms& atoms = connection.atoms();
     ManagedWindow window;
-    window.client = client;
+    window.owner = owner;
     window.placement = placement;
-
-    // The server's word comes first: a window of a sandboxed program tells the number of another name space.
-    window.pid = readProcess(connection, requests.process);
-    const auto toldPid = requests.netWmPid.number();
-    if (window.pid == 0)
-        window.pid = static_cast<qint32>(toldPid.value_or(0));
 
     const QString netTitle = requests.netWmName.text();
     const QString oldTitle = requests.wmName.text();
     window.title = netTitle.isEmpty() ? oldTitle : netTitle;
-
-    const QList<QByteArray> classParts = requests.wmClass.bytes().split('\0');
-    window.instanceName = utf8OrLatin1(classParts.value(0));
-    window.className = utf8OrLatin1(classParts.value(1));
 
     const std::vector<uint32_t> types = requests.windowType.numbers();
     const WindowState state = readState(requests.state);
@@ -135,12 +95,29 @@ ManagedWindow readWindow(const X11Connection& connection, xcb_window_t client, c
 
 } // namespace
 
-std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection) {
+ClientLists readClientLists(const X11Connection& connection) {
     const Atoms& atoms = connection.atoms();
-    const auto clientList = requestProperty(connection, connection.root(), atoms.netClientList);
-    const auto currentDesktop = requestProperty(connection, connection.root(), atoms.netCurrentDesktop);
-    const std::vector<xcb_window_t> clients = clientList.numbers();
-    const uint32_t desktop = currentDesktop.number().value_or(0);
+    const auto property = [&](xcb_atom_t atom) {
+        return requestProperty(connection, connection.root(), atom);
+    };
+    const auto clientList = property(atoms.netClientList);
+    const auto stacking = property(atoms.netClientListStacking);
+    const auto currentDesktop = property(atoms.netCurrentDesktop);
+    ClientLists lists;
+    lists.clients = clientList.numbers();
+    lists.frontToBack = stacking.numbers();
+    std::reverse(lists.frontToBack.begin(), lists.frontToBack.end());
+    lists.currentDesktop = currentDesktop.number().value_or(0);
+    return lists;
+}
+
+std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection,
+                                              const std::vector<WindowOwner>& owners,
+                                              uint32_t currentDesktop) {
+    std::vector<xcb_window_t> clients;
+    clients.reserve(owners.size());
+    for (const WindowOwner& owner : owners)
+        clients.push_back(owner.client);
 
     // First, and not while hundreds of other answers wait: xcb looks for an answer from the oldest one on.
     const auto placements = readPlacements(connection, clients);
@@ -150,11 +127,11 @@ std::vector<ManagedWindow> readManagedWindows(const X11Connection& connection) {
         requests.push_back(requestWindow(connection, client));
 
     std::vector<ManagedWindow> windows;
-    windows.reserve(clients.size());
-    for (size_t i = 0; i < clients.size(); ++i) {
+    windows.reserve(owners.size());
+    for (size_t i = 0; i < owners.size(); ++i) {
         // The answers are fetched for a window that is gone, too: what is asked for must be taken.
-        ManagedWindow window = readWindow(connection, clients[i], requests[i],
-                                          placements[i].value_or(WindowPlacement()), desktop);
+        ManagedWindow window = readWindow(connection, owners[i], requests[i],
+                                          placements[i].value_or(WindowPlacement()), currentDesktop);
         if (placements[i])
             windows.push_back(std::move(window));
     }
@@ -181,25 +158,6 @@ std::vector<std::optional<WindowPlacement>> readOnScreen(const X11Connection& co
             placements[i].reset();
     }
     return placements;
-}
-
-std::vector<xcb_window_t> readStackingOrder(const X11Connection& connection) {
-    std::vector<xcb_window_t> order =
-        requestProperty(connection, connection.root(), connection.atoms().netClientListStacking).numbers();
-    std::reverse(order.begin(), order.end());
-    return order;
-}
-
-std::vector<qint32> readProcesses(const X11Connection& connection, const std::vector<xcb_window_t>& windows) {
-    std::vector<std::optional<xcb_res_query_client_ids_cookie_t>> cookies;
-    cookies.reserve(windows.size());
-    for (const xcb_window_t window : windows)
-        cookies.push_back(requestProcess(connection, window));
-    std::vector<qint32> processes;
-    processes.reserve(windows.size());
-    for (const auto& cookie : cookies)
-        processes.push_back(readProcess(connection, cookie));
-    return processes;
 }
 
 } // namespace orvane::x11

@@ -5,6 +5,7 @@
 #include "OrvanePlatform/x11/X11Displays.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <algorithm>
 #include <chrono>
@@ -33,52 +34,83 @@ std::optional<QString> optionalText(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
+/// The name a human would know the owner of a window by; nothing when there is none.
+std::optional<QString> nameOf(const WindowOwner& owner, const freedesktop::ApplicationNames& names) {
+    return optionalText(names.of(owner.instanceName, owner.className).value_or(owner.className));
+}
+
+/// Leaves the windows of processes that may be wanted: an application is named after one of its windows, and
+/// which one that is only the rest about them tells.
+void keepCandidates(std::vector<WindowOwner>& owners, const freedesktop::ApplicationNames& names,
+                    const ApplicationFilter& isWanted) {
+    QSet<qint32> candidates;
+    for (const WindowOwner& owner : owners) {
+        const auto name = nameOf(owner, names);
+        if (name && isWanted(*name))
+            candidates.insert(owner.pid);
+    }
+    std::erase_if(owners,
+                  [&candidates](const WindowOwner& owner) { return !candidates.contains(owner.pid); });
+}
+
 } // namespace
 
 WindowSnapshot X11WindowServer::snapshot(std::stop_token stop) {
+    return read({}, std::move(stop));
+}
+
+WindowSnapshot X11WindowServer::snapshotOf(const ApplicationFilter& isWanted, std::stop_token stop) {
+    return onlyWanted(read(isWanted, std::move(stop)), isWanted);
+}
+
+WindowSnapshot X11WindowServer::read(const ApplicationFilter& isWanted, std::stop_token stop) {
     const auto connection = m_session.connection();
     const std::stop_callback abandon(stop, [&connection] { connection->abandon(); });
 
-    const ScreenLayout layout = readScreenLayout(*connection);
-    std::vector<ManagedWindow> windows = readManagedWindows(*connection);
-    const auto nameOf = [this](const ManagedWindow& window) {
-        return optionalText(
-            m_entries.applicationName(window.instanceName, window.className).value_or(window.className));
-    };
+    // Asked for first, so that it costs no round trip of its own.
+    const PendingScreenLayout pendingLayout(*connection);
+    const ClientLists lists = readClientLists(*connection);
+    const ScreenLayout layout = pendingLayout.read();
+    const auto names = m_entries.names();
+    std::vector<WindowOwner> owners = readOwners(*connection, lists.clients);
+    if (isWanted)
+        keepCandidates(owners, *names, isWanted);
+    std::vector<ManagedWindow> windows = readManagedWindows(*connection, owners, lists.currentDesktop);
 
     WindowSnapshot snapshot;
     QHash<qint32, size_t> applicationOf;
     for (const ManagedWindow& window : windows) {
-        if (!window.inTaskList || window.pid == 0 || applicationOf.contains(window.pid))
+        if (!window.inTaskList || window.owner.pid == 0 || applicationOf.contains(window.owner.pid))
             continue;
-        applicationOf.insert(window.pid, snapshot.applications.size());
-        snapshot.applications.push_back({.pid = window.pid, .localizedName = nameOf(window), .windows = {}});
+        applicationOf.insert(window.owner.pid, snapshot.applications.size());
+        snapshot.applications.push_back(
+            {.pid = window.owner.pid, .localizedName = nameOf(window.owner, *names), .windows = {}});
     }
 
-    const auto ranks = frontRanks(readStackingOrder(*connection));
+    const auto ranks = frontRanks(lists.frontToBack);
     // A minimised window may keep its place in the stack, and still nobody sees it in front.
     const auto place = [&ranks](const ManagedWindow& window) {
-        return std::pair(!window.onScreen, ranks.value(window.client, ranks.size()));
+        return std::pair(!window.onScreen, ranks.value(window.owner.client, ranks.size()));
     };
     std::stable_sort(windows.begin(), windows.end(),
                      [&place](const auto& a, const auto& b) { return place(a) < place(b); });
     for (const ManagedWindow& window : windows) {
         const QRectF boundsPoints = layout.toPoints(window.placement.visibleRect);
-        const auto application = applicationOf.constFind(window.pid);
+        const auto application = applicationOf.constFind(window.owner.pid);
         if (application != applicationOf.constEnd()) {
             snapshot.applications[*application].windows.push_back(
-                {.handle = window.client,
+                {.handle = window.owner.client,
                  .role = window.desktopPart ? WindowRole::other : WindowRole::window,
                  .floating = window.floating,
                  .boundsPoints = boundsPoints,
                  .title = window.title});
         }
-        if (window.onScreen && !window.desktopPart && window.pid != 0) {
+        if (window.onScreen && !window.desktopPart && window.owner.pid != 0) {
             const auto owner = application != applicationOf.constEnd()
                                    ? snapshot.applications[*application].localizedName
-                                   : nameOf(window);
-            snapshot.onScreen.push_back({.windowId = window.client,
-                                         .pid = window.pid,
+                                   : nameOf(window.owner, *names);
+            snapshot.onScreen.push_back({.windowId = window.owner.client,
+                                         .pid = window.owner.pid,
                                          .ownerName = owner,
                                          .title = optionalText(window.title),
                                          .boundsPoints = boundsPoints});

@@ -15,11 +15,15 @@ public:
         , m_entries(entries) {}
 
     WindowSnapshot snapshot(std::stop_token stop) override;
+    WindowSnapshot snapshotOf(const ApplicationFilter& isWanted, std::stop_token stop) override;
     std::optional<QRectF> bounds(qint64 windowId) override;
     void activate(const RunningApplication& application, const std::vector<qint64>& handles) override;
     std::optional<QString> unavailableReason() override;
 
 private:
+    /// Everything where no filter is given.
+    WindowSnapshot read(const ApplicationFilter& isWanted, std::stop_token stop);
+
     X11Session& m_session;
     freedesktop::DesktopEntries& m_entries;
 };

@@ -4,8 +4,14 @@
 #include <QDir>
 #include <QFile>
 
+#include <gmock/gmock.h>
+
+#include <algorithm>
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <thread>
+#include <utility>
 
 namespace orvane::test {
 
@@ -18,6 +24,54 @@ protected:
         for (const WindowInfo& info : discovery.listWindowsByZOrder())
             ids.push_back(info.windowId);
         return ids;
+    }
+
+    bool isOnScreen(qint64 windowId) {
+        const std::vector<qint64> ids = zOrder();
+        return std::find(ids.begin(), ids.end(), windowId) != ids.end();
+    }
+
+    /// What the full list has of an application.
+    std::vector<WindowInfo> pickedFromAll(const QString& appName) {
+        std::vector<WindowInfo> windows = discovery.listWindows();
+        std::erase_if(windows, [&appName](const WindowInfo& window) {
+            return !window.appName.toLower().contains(appName.toLower());
+        });
+        return windows;
+    }
+
+    /// How many requests the X server gets for something.
+    int requestsOf(const std::function<void()>& action) {
+        xcb_connection_t* connection = session.connection()->raw();
+        const auto count = [connection] {
+            const auto cookie = xcb_get_input_focus(connection);
+            xcb_discard_reply(connection, cookie.sequence);
+            return cookie.sequence;
+        };
+        const unsigned int before = count();
+        action();
+        return static_cast<int>(count() - before) - 1;
+    }
+
+    /// A window of this process with a class of its own, which the window manager knows when it returns.
+    xcb_window_t openOwnWindow(const QByteArray& className, bool skipsTaskList) {
+        const auto connection = session.connection();
+        const xcb_window_t window = xcb_generate_id(connection->raw());
+        xcb_create_window(connection->raw(), XCB_COPY_FROM_PARENT, window, connection->root(), 50, 50, 200,
+                          150, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        const QByteArray windowClass = "instance" + QByteArray(1, '\0') + className + '\0';
+        xcb_change_property(connection->raw(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                            XCB_ATOM_STRING, 8, static_cast<uint32_t>(windowClass.size()),
+                            windowClass.constData());
+        if (skipsTaskList) {
+            xcb_change_property(connection->raw(), XCB_PROP_MODE_REPLACE, window,
+                                connection->atoms().netWmState, XCB_ATOM_ATOM, 32, 1,
+                                &connection->atoms().netWmStateSkipTaskbar);
+        }
+        xcb_map_window(connection->raw(), window);
+        connection->sync();
+        EXPECT_TRUE(eventually([&] { return isOnScreen(window); }));
+        return window;
     }
 };
 
@@ -145,6 +199,56 @@ TEST_F(WindowList, TellsBoundsOfAWindowThatMoved) {
     EXPECT_EQ(discovery.bounds(12345), std::nullopt);
 }
 
+TEST_F(WindowList, FindsByNameWhatTheFullListHolds) {
+    const TestWindow planner({u"--class"_s, u"Planner"_s, u"--title"_s, u"one"_s});
+    const TestWindow silent({u"--class"_s, u"Silent"_s, u"--no-pid"_s});
+    const TestWindow palette({u"--class"_s, u"Palette"_s, u"--type"_s, u"utility"_s});
+    const TestWindow dock({u"--class"_s, u"Dock"_s, u"--type"_s, u"dock"_s});
+    TestWindow minimised({u"--class"_s, u"Plain"_s});
+    ASSERT_TRUE(eventually([&] { return isOnScreen(minimised.id()); }));
+    minimised.command(u"iconify"_s);
+    ASSERT_TRUE(eventually([&] { return !isOnScreen(minimised.id()); }));
+    for (const auto& [appName, count] : std::vector<std::pair<QString, size_t>>{{u"PLANNER"_s, 1},
+                                                                                {u"pla"_s, 2},
+                                                                                {u"silent"_s, 1},
+                                                                                {u"palette"_s, 0},
+                                                                                {u"dock"_s, 0},
+                                                                                {u""_s, 3}}) {
+        const std::vector<WindowInfo> found = discovery.findWindows(appName);
+        EXPECT_EQ(found, pickedFromAll(appName)) << appName.toStdString();
+        EXPECT_EQ(found.size(), count) << appName.toStdString();
+    }
+}
+
+TEST_F(WindowList, FindsAnApplicationByTheWindowItIsNamedAfter) {
+    // The first window in the task list names the application; the others are its windows under that name.
+    const xcb_window_t aside = openOwnWindow("Aside", true);
+    const xcb_window_t first = openOwnWindow("First", false);
+    const xcb_window_t second = openOwnWindow("Second", false);
+    const TestWindow other({u"--class"_s, u"Secondary"_s});
+    ASSERT_TRUE(eventually([&] { return isOnScreen(other.id()); }));
+    std::vector<qint64> ids;
+    for (const WindowInfo& window : discovery.findWindows(u"first"_s))
+        ids.push_back(window.windowId);
+    EXPECT_THAT(ids, testing::UnorderedElementsAre(qint64{aside}, qint64{first}, qint64{second}));
+    for (const QString& appName : {u"first"_s, u"aside"_s, u"second"_s, u""_s})
+        EXPECT_EQ(discovery.findWindows(appName), pickedFromAll(appName)) << appName.toStdString();
+    EXPECT_EQ(discovery.findWindows(u"second"_s).size(), 1U);
+}
+
+TEST_F(WindowList, AsksWindowsOfOtherApplicationsForTheirClassAlone) {
+    const TestWindow planner({u"--class"_s, u"Planner"_s});
+    ASSERT_TRUE(listed(planner));
+    const auto find = [this] { EXPECT_EQ(discovery.findWindows(u"planner"_s).size(), 1U); };
+    const int alone = requestsOf(find);
+    std::vector<std::unique_ptr<TestWindow>> others;
+    for (int i = 0; i < 4; ++i) {
+        others.push_back(std::make_unique<TestWindow>(QStringList{u"--class"_s, u"Other"_s}));
+        ASSERT_TRUE(eventually([&] { return isOnScreen(others.back()->id()); }));
+    }
+    EXPECT_EQ(requestsOf(find), alone + 4);
+}
+
 TEST_F(WindowList, SurvivesWindowsThatComeAndGo) {
     std::atomic<bool> stop = false;
     std::jthread churn([&stop] {
@@ -153,6 +257,8 @@ TEST_F(WindowList, SurvivesWindowsThatComeAndGo) {
     });
     for (int i = 0; i < 300; ++i) {
         for (const WindowInfo& info : discovery.listWindows())
+            EXPECT_EQ(info.appName, u"TestWindow");
+        for (const WindowInfo& info : discovery.findWindows(u"test"_s))
             EXPECT_EQ(info.appName, u"TestWindow");
     }
     stop = true;

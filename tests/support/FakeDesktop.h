@@ -45,6 +45,8 @@ public:
     std::atomic<bool> hangs = false;
 
     int snapshots = 0;
+    /// Those of some applications alone.
+    int partialSnapshots = 0;
     std::atomic<int> listings = 0;
     /// The windows that each listing asked for.
     std::vector<std::vector<qint64>> listedWindows;
@@ -66,9 +68,12 @@ public:
 
     WindowSnapshot snapshot(std::stop_token stop) override {
         ++snapshots;
-        hang(stop);
-        refuse();
-        return windows;
+        return answer(stop);
+    }
+
+    WindowSnapshot snapshotOf(const ApplicationFilter& isWanted, std::stop_token stop) override {
+        ++partialSnapshots;
+        return onlyWanted(answer(stop), isWanted);
     }
 
     std::optional<QRectF> bounds(qint64 windowId) override {
@@ -156,6 +161,12 @@ public:
 
 private:
     std::mutex m_mutex;
+
+    WindowSnapshot answer(const std::stop_token& stop) {
+        hang(stop);
+        refuse();
+        return windows;
+    }
 
     void refuse() const {
         if (failure)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace orvane {
 
 namespace {
@@ -32,7 +34,37 @@ protected:
     WindowDiscovery discovery{desktop, desktop};
 };
 
+/// The pids of the applications and those of the rows on screen.
+std::pair<std::vector<qint32>, std::vector<qint32>> pidsOf(const WindowSnapshot& desktop) {
+    std::pair<std::vector<qint32>, std::vector<qint32>> pids;
+    for (const RunningApplication& application : desktop.applications)
+        pids.first.push_back(application.pid);
+    for (const WindowEntry& row : desktop.onScreen)
+        pids.second.push_back(row.pid);
+    return pids;
+}
+
 } // namespace
+
+TEST(OnlyWanted, LeavesApplicationsOfWantedNamesAndTheirRowsInOrder) {
+    FakeDesktop desktop;
+    desktop.addApplication(3, QStringLiteral("Zed"), 30, {0, 0, 10, 10});
+    desktop.addApplication(1, QStringLiteral("Abc"), 10, {0, 0, 10, 10});
+    desktop.addApplication(2, QStringLiteral("Zed"), 20, {0, 0, 10, 10});
+    desktop.windows.applications.push_back({.pid = 4, .localizedName = std::nullopt, .windows = {}});
+    // A row may name another owner than the application is called, and be of no application.
+    desktop.windows.onScreen = {row(20, 2, {}), row(40, 4, {}), row(10, 1, {}), row(31, 3, {}),
+                                row(50, 5, {})};
+    const auto pids = [&desktop](const ApplicationFilter& isWanted) {
+        return pidsOf(onlyWanted(desktop.windows, isWanted));
+    };
+    const std::vector<qint32> none;
+    EXPECT_EQ(pids([](const QString& name) { return name == u"Zed"; }),
+              std::pair(std::vector<qint32>{3, 2}, std::vector<qint32>{2, 3}));
+    EXPECT_EQ(pids([](const QString&) { return true; }),
+              std::pair(std::vector<qint32>{3, 1, 2}, std::vector<qint32>{2, 1, 3}));
+    EXPECT_EQ(pids([](const QString&) { return false; }), std::pair(none, none));
+}
 
 TEST(MatchWindowId, TakesBoundsWithinTenPoints) {
     const std::vector<WindowEntry> rows{row(1, 5, {0, 0, 100, 100}), row(2, 5, {209.9, 50, 100, 100})};
@@ -152,6 +184,33 @@ TEST_F(WindowDiscoveryTest, FindsBySubstringWhateverTheCase) {
     EXPECT_TRUE(discovery.findWindows(QStringLiteral("none")).empty());
 }
 
+TEST_F(WindowDiscoveryTest, FindsWhatTheFullListHoldsAndAsksForNoMore) {
+    // Ids that fall back to another window of the process, two processes of a name, none, and one to clean.
+    desktop.addApplication(1, QStringLiteral("Editor"), 10, {0, 0, 300, 200}, QStringLiteral("one"));
+    desktop.addApplication(2, QStringLiteral("\u001bTerm\u202einal"), 20, {10, 10, 300, 200});
+    desktop.addApplication(3, QStringLiteral("Text editor"), 30, {900, 0, 300, 200});
+    desktop.addApplication(4, QStringLiteral("\n"), 40, {0, 0, 10, 10});
+    auto& windows = desktop.windows.applications[0].windows;
+    windows.push_back(plainWindow(11, {500, 500, 80, 80}, QStringLiteral("two")));
+    windows.push_back(plainWindow(12, {500, 500, 80, 80}));
+    windows.back().floating = true;
+    desktop.windows.onScreen.insert(desktop.windows.onScreen.begin(), row(99, 9, {0, 0, 300, 200}));
+    for (const char* query : {"editor", "EDIT", "text", "Terminal", "", "none", "\n"}) {
+        const QString appName = QString::fromLatin1(query);
+        std::vector<WindowInfo> expected = discovery.listWindows();
+        std::erase_if(expected, [&appName](const WindowInfo& window) {
+            return !window.appName.toLower().contains(appName.toLower());
+        });
+        desktop.snapshots = 0;
+        desktop.partialSnapshots = 0;
+        EXPECT_EQ(discovery.findWindows(appName), expected) << query;
+        EXPECT_EQ(desktop.snapshots, 0);
+        EXPECT_EQ(desktop.partialSnapshots, 1);
+    }
+    EXPECT_EQ(discovery.findWindows(QStringLiteral("edit")).size(), 3U);
+    EXPECT_EQ(discovery.findWindows(QStringLiteral("terminal")).size(), 1U);
+}
+
 TEST_F(WindowDiscoveryTest, ListsByZOrderWithoutOurOwnAndTheTiny) {
     const auto add = [this](qint64 id, std::optional<QString> owner, const QSizeF& size) {
         desktop.windows.onScreen.push_back({.windowId = id,
@@ -203,6 +262,7 @@ TEST_F(WindowDiscoveryTest, NeverThrows) {
     desktop.failure = QStringLiteral("gone");
     EXPECT_TRUE(discovery.listWindows().empty());
     EXPECT_TRUE(discovery.listWindowsByZOrder().empty());
+    EXPECT_TRUE(discovery.findWindows(QStringLiteral("App")).empty());
     EXPECT_EQ(discovery.bounds(10), std::nullopt);
     EXPECT_EQ(discovery.findDisplay({0, 0, 10, 10}).displayId, 0U);
     EXPECT_FALSE(discovery.activate(QStringLiteral("App")).success);

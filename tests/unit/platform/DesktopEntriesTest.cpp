@@ -71,7 +71,7 @@ TEST(DesktopEntries, MatchesClassThenId) {
     write(folder.path(), "sub/inner.desktop", "Name=Inner\n");
     DesktopEntries entries({folder.path()}, QStringLiteral("C"));
     const auto name = [&entries](const char* instance, const char* windowClass) {
-        return entries.applicationName(QLatin1String(instance), QLatin1String(windowClass));
+        return entries.names()->of(QLatin1String(instance), QLatin1String(windowClass));
     };
     EXPECT_EQ(name("x", "Editor-Window"), u"By class");
     EXPECT_EQ(name("editor-window", "x"), u"By class");
@@ -101,18 +101,21 @@ TEST(DesktopEntries, PrefersTheEarlierFolder) {
     write(user.path(), "app.desktop", "Name=Mine\n");
     write(system.path(), "app.desktop", "Name=Theirs\n");
     DesktopEntries entries({user.path(), QStringLiteral("/nonexistent"), system.path()}, QStringLiteral("C"));
-    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("app")), u"Mine");
+    EXPECT_EQ(entries.names()->of(QString(), QStringLiteral("app")), u"Mine");
 }
 
 TEST(DesktopEntries, SeesWhatIsInstalledLater) {
     QTemporaryDir folder;
     DesktopEntries entries({folder.path()}, QStringLiteral("C"));
-    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("late")), std::nullopt);
+    const auto before = entries.names();
+    EXPECT_EQ(before->of(QString(), QStringLiteral("late")), std::nullopt);
+    EXPECT_EQ(entries.names(), before);
     write(folder.path(), "late.desktop", "Name=Late\n");
     // The folder's time stamp may be too coarse to show two changes in a row; a later one is set outright.
     std::filesystem::last_write_time(folder.path().toStdString(),
                                      std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
-    EXPECT_EQ(entries.applicationName(QString(), QStringLiteral("late")), u"Late");
+    EXPECT_EQ(entries.names()->of(QString(), QStringLiteral("late")), u"Late");
+    EXPECT_EQ(before->of(QString(), QStringLiteral("late")), std::nullopt);
 }
 
 } // namespace orvane::freedesktop
