@@ -75,9 +75,10 @@ private:
 void readToldProcesses(const X11Connection& connection, std::vector<WindowOwner>& owners) {
     std::vector<std::pair<WindowOwner*, PendingProperty>> requests;
     for (WindowOwner& owner : owners) {
-        if (owner.pid == 0)
+        if (owner.pid == 0) {
             requests.emplace_back(&owner,
                                   requestProperty(connection, owner.client, connection.atoms().netWmPid));
+        }
     }
     for (const auto& [owner, told] : requests)
         owner->pid = static_cast<qint32>(told.number().value_or(0));

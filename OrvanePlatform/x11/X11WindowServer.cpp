@@ -65,7 +65,7 @@ WindowSnapshot X11WindowServer::snapshotOf(const ApplicationFilter& isWanted, st
 
 WindowSnapshot X11WindowServer::read(const ApplicationFilter& isWanted, std::stop_token stop) {
     const auto connection = m_session.connection();
-    const std::stop_callback abandon(stop, [&connection] { connection->abandon(); });
+    const std::stop_callback abandon(std::move(stop), [&connection] { connection->abandon(); });
 
     // Asked for first, so that it costs no round trip of its own.
     const PendingScreenLayout pendingLayout(*connection);
