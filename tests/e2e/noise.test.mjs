@@ -63,9 +63,9 @@ describe("a window full of noise", () => {
                 assert.deepEqual(recording.sizeOfPicture(file), SIZE);
                 assert.equal(readlinkSync(join(sessionsFolder(desktop), "latest")), recording.folder);
                 assert.ok(existsSync(recording.file("frame-000-start.png")));
-                const [, left] = server.stderr.match(
-                    /orvane: (\d+) frame\(s\) came faster than they could be searched for changes\n/) ?? assert.fail(server.stderr);
-                assert.ok(Number(left) > 0);
+                // At the other pace a quick machine may search every frame.
+                if (interval === 16)
+                    assert.match(server.stderr, /orvane: [1-9]\d* frame\(s\) came faster than they could be searched/);
             } finally {
                 if (!server.finished) {
                     server.process.kill("SIGKILL");
