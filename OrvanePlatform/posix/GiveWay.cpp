@@ -1,5 +1,7 @@
 #include "OrvanePlatform/posix/GiveWay.h"
 
+#include <future>
+
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -15,8 +17,15 @@ constexpr int niceValue = 10;
 } // namespace
 
 void giveWay() {
-    // On Linux each thread has a nice value of its own, see sched(7).
+    // On Linux each thread has a nice value of its own and hands it on, see sched(7).
     ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceValue);
+}
+
+void runGivingWay(const std::function<void()>& work) {
+    std::async(std::launch::async, [&work] {
+        giveWay();
+        work();
+    }).get();
 }
 
 } // namespace orvane::posix

@@ -2,9 +2,9 @@
 
 #include "OrvaneCore/platform/PlatformError.h"
 #include "OrvanePlatform/media/ffmpeg/AvError.h"
-#include "OrvanePlatform/media/ffmpeg/GiveWay.h"
 #include "OrvanePlatform/media/video/MovieTimes.h"
 #include "OrvanePlatform/media/video/VideoLimits.h"
+#include "OrvanePlatform/posix/GiveWay.h"
 
 #include <algorithm>
 #include <thread>
@@ -62,7 +62,7 @@ H264Encoder::H264Encoder(const VideoFormat& format)
     options.set("forced-idr", 1);
     options.set("x264-params", withLeastDelay);
     // The encoder's threads are as the one that starts them.
-    runGivingWay([&] {
+    posix::runGivingWay([&] {
         checked(avcodec_open2(m_context.get(), codec, options.get()),
                 u"The H.264 encoder does not take a movie of %1 x %2 pixels"_s.arg(stored.width())
                     .arg(stored.height()));

@@ -1,8 +1,8 @@
 #include "OrvanePlatform/media/ffmpeg/Mp4Writer.h"
 
 #include "OrvaneCore/platform/PlatformError.h"
-#include "OrvanePlatform/media/ffmpeg/GiveWay.h"
 #include "OrvanePlatform/media/ffmpeg/Remuxer.h"
+#include "OrvanePlatform/posix/GiveWay.h"
 
 #include <algorithm>
 #include <exception>
@@ -78,7 +78,7 @@ void Mp4Writer::finish() {
 }
 
 void Mp4Writer::run() {
-    giveWay();
+    posix::giveWay();
     try {
         writeFrames();
     } catch (const std::exception& error) {
