@@ -57,6 +57,9 @@ private:
 QSizeF drawnTextSize(const QString& text, const QFont& font,
                      const std::optional<QSizeF>& room = std::nullopt);
 
+/// What a text that is too long for its place is wrapped to where there is room: lines that are easily read.
+constexpr qreal readableTextWidth = 480;
+
 /// The room for a text that must not take more than `most`, at scale 1: nothing where it takes less, and
 /// otherwise one of `preferredWidth` where that is high enough for it. Needs a QGuiApplication; any thread.
 std::optional<QSizeF> roomForText(const QString& text, const QFont& font, const QSizeF& most,

@@ -33,8 +33,6 @@ struct PlateStyle {
 // The sizes of all that is drawn, in points at scale 1.
 constexpr PlateStyle textPlate{.pixelSize = 15, .weight = QFont::Bold, .padding = 5};
 constexpr PlateStyle labelPlate{.pixelSize = 12, .weight = QFont::DemiBold, .padding = 4};
-/// What a label that is too long for its display is wrapped to: lines that are easily read.
-constexpr qreal readableWidth = 480;
 constexpr QSizeF emptyTextSize(80, 20);
 constexpr qreal headPerWidth = 3.5;
 constexpr qreal handleRadius = 4.5;
@@ -154,7 +152,7 @@ public:
             return std::nullopt;
         const QSizeF padding(2 * labelPlate.padding, 2 * labelPlate.padding);
         return roomForText(m_annotation.label, labelPlate.font(), m_display->size() / m_scale - padding,
-                           readableWidth);
+                           readableTextWidth);
     }
 
 private:

@@ -56,8 +56,6 @@ constexpr qreal dotGap = 6;
 constexpr qreal labelEnd = 9;
 /// Around the text of a label.
 constexpr QSizeF labelPadding(dotInset + dotDiameter + dotGap + labelEnd, 2 * labelPaddingY);
-/// What a label that is too long for its display is wrapped to: lines that are easily read.
-constexpr qreal readableWidth = 480;
 constexpr QPointF shadowOffset(0, 1);
 
 QFont numberFont(const MarkerStyle& style) {
@@ -91,7 +89,7 @@ std::optional<QSizeF> labelRoom(const QString& label, const MarkerLayout& layout
         return std::nullopt;
     const QSizeF most = layout.display->size() / scale - labelPadding;
     const qreal asRegion = layout.region.width() / scale - labelPadding.width();
-    return roomForText(label, labelFont(style), most, std::max(readableWidth, asRegion));
+    return roomForText(label, labelFont(style), most, std::max(readableTextWidth, asRegion));
 }
 
 MarkerLayout::Label labelLayout(const QString& label, const MarkerLayout& layout, qreal scale,

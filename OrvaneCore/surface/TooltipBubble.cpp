@@ -19,12 +19,12 @@ namespace {
 constexpr int textPixelSize = 12;
 /// Longer texts are wrapped.
 constexpr int widestText = 280;
-constexpr QMargins padding(10, 7, 10, 7);
+constexpr QMargins textPadding(10, 7, 10, 7);
 constexpr qreal cornerRadius = 8;
 /// Between the widget and the bubble.
-constexpr int gap = 6;
+constexpr int gapToWidget = 6;
 /// Kept free between the bubble and the edges of the screen.
-constexpr int margin = 8;
+constexpr int screenMargin = 8;
 
 QSize textSize(const QString& text) {
     const QRect room(0, 0, widestText, QWIDGETSIZE_MAX);
@@ -40,7 +40,7 @@ TooltipBubble::TooltipBubble(const QString& text, const QRect& around, QScreen& 
     setAttribute(Qt::WA_TranslucentBackground, m_isTranslucent);
     setAccessibleName(text);
     setWindowTitle(text);
-    setGeometry(place(textSize(text).grownBy(padding), around, screen.geometry()));
+    setGeometry(place(textSize(text).grownBy(textPadding), around, screen.geometry()));
     if (!m_isTranslucent) {
         QPainterPath outline;
         outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
@@ -51,10 +51,10 @@ TooltipBubble::TooltipBubble(const QString& text, const QRect& around, QScreen& 
 
 QRect TooltipBubble::place(const QSize& size, const QRect& around, const QRect& screen) {
     const auto within = [](int at, int length, int from, int space) {
-        return std::max(from + margin, std::min(at, from + space - margin - length));
+        return std::max(from + screenMargin, std::min(at, from + space - screenMargin - length));
     };
-    const int above = around.y() - gap - size.height();
-    const int top = above >= screen.y() + margin ? above : around.y() + around.height() + gap;
+    const int above = around.y() - gapToWidget - size.height();
+    const int top = above >= screen.y() + screenMargin ? above : around.y() + around.height() + gapToWidget;
     return {QPoint(within(around.x() + (around.width() - size.width()) / 2, size.width(), screen.x(),
                           screen.width()),
                    within(top, size.height(), screen.y(), screen.height())),
@@ -70,7 +70,7 @@ void TooltipBubble::paintEvent(QPaintEvent* /*event*/) {
     look::drawPlate(painter, outline);
     painter.setFont(systemFont(textPixelSize));
     painter.setPen(gray(1, 0.9F));
-    painter.drawText(rect().marginsRemoved(padding), Qt::TextWordWrap, m_text);
+    painter.drawText(rect().marginsRemoved(textPadding), Qt::TextWordWrap, m_text);
 }
 
 } // namespace orvane

@@ -21,7 +21,6 @@ namespace {
 
 using tcp_table::End;
 
-constexpr std::size_t mappedPrefix = 12;
 constexpr quint32 allStates = std::numeric_limits<quint32>::max();
 
 struct Request {
@@ -58,7 +57,7 @@ private:
 
 /// Where an address stands in a request, as the kernel wants it: that of IPv4 alone, not mapped.
 void writeAddress(bool isIpv4, const tcp_table::Address& address, __be32* words) {
-    const std::size_t begin = isIpv4 ? mappedPrefix : 0;
+    const std::size_t begin = isIpv4 ? tcp_table::mappedPrefix : 0;
     std::memcpy(words, address.data() + begin, address.size() - begin);
 }
 

@@ -29,7 +29,6 @@ constexpr int hexadecimal = 16;
 constexpr qsizetype digitsOfWord = 8;
 constexpr qsizetype digitsOfIpv4 = digitsOfWord;
 constexpr qsizetype digitsOfIpv6 = 4 * digitsOfWord;
-constexpr std::size_t mappedPrefix = 12;
 
 /// The kernel writes 32 bits of an address at a time as a number of this machine's, whose bytes are the
 /// address.

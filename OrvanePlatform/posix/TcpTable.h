@@ -4,6 +4,7 @@
 #include <QtGlobal>
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,8 @@ namespace orvane::posix::tcp_table {
 
 /// Bytes of an IPv6 address in their order; one of IPv4 is mapped, ::ffff:127.0.0.1.
 using Address = std::array<quint8, 16>;
+/// Where the bytes of IPv4 begin in a mapped one.
+constexpr std::size_t mappedPrefix = 12;
 
 Address mappedAddress(const std::array<quint8, 4>& ipv4);
 

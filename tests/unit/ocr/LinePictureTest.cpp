@@ -52,7 +52,7 @@ TEST(LinePictureTest, IsBlackOnWhiteWhateverTheColours) {
 
 TEST(LinePictureTest, HasOneHeightForEverySizeOfText) {
     for (const int size : {8, 11, 18, 40, 120}) {
-        EXPECT_EQ(lineIn(Qt::black, Qt::white, size, lowLine).height(), 36) << size;
+        EXPECT_EQ(lineIn(Qt::black, Qt::white, size, lowLine).height(), 40) << size;
         EXPECT_EQ(lineIn(Qt::black, Qt::white, size, tallLine).height(), 48) << size;
     }
 }
