@@ -9,9 +9,9 @@ namespace orvane::test {
 namespace {
 
 /// A window of this process, so that several are of one application.
-class OwnWindow {
+class WindowOfOneApplication {
 public:
-    explicit OwnWindow(const std::shared_ptr<x11::X11Connection>& connection)
+    explicit WindowOfOneApplication(const std::shared_ptr<x11::X11Connection>& connection)
         : m_connection(connection)
         , m_id(xcb_generate_id(connection->raw())) {
         const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -23,12 +23,12 @@ public:
         xcb_map_window(raw(), m_id);
         connection->sync();
     }
-    ~OwnWindow() {
+    ~WindowOfOneApplication() {
         xcb_destroy_window(raw(), m_id);
         xcb_flush(raw());
     }
-    OwnWindow(const OwnWindow&) = delete;
-    OwnWindow& operator=(const OwnWindow&) = delete;
+    WindowOfOneApplication(const WindowOfOneApplication&) = delete;
+    WindowOfOneApplication& operator=(const WindowOfOneApplication&) = delete;
 
     qint64 id() const { return m_id; }
 
@@ -136,11 +136,11 @@ TEST_F(OtherDesktops, GiveUpAMinimisedWindow) {
 
 TEST_F(OtherDesktops, AreLeftAloneWhereTheApplicationHasAWindowHere) {
     const auto connection = session.connection();
-    const OwnWindow far(connection);
+    const WindowOfOneApplication far(connection);
     awaitListed(far.id());
-    OwnWindow minimised(connection);
+    WindowOfOneApplication minimised(connection);
     awaitListed(minimised.id());
-    const OwnWindow here(connection);
+    const WindowOfOneApplication here(connection);
     awaitListed(here.id());
     const TestWindow other({u"--class"_s, u"Other"_s});
     moveTo(far.id(), 2);
@@ -155,11 +155,11 @@ TEST_F(OtherDesktops, AreLeftAloneWhereTheApplicationHasAWindowHere) {
 
 TEST_F(OtherDesktops, AreShownForTheWindowThatIsAskedForWhateverItsApplicationHasHere) {
     const auto connection = session.connection();
-    const OwnWindow far(connection);
+    const WindowOfOneApplication far(connection);
     awaitListed(far.id());
-    OwnWindow minimised(connection);
+    WindowOfOneApplication minimised(connection);
     awaitListed(minimised.id());
-    const OwnWindow here(connection);
+    const WindowOfOneApplication here(connection);
     awaitListed(here.id());
     moveTo(far.id(), 2);
     minimised.minimise();
