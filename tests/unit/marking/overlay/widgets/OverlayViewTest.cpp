@@ -47,6 +47,16 @@ protected:
     }
 };
 
+/// The child of that class. Without a meta object of its own, Qt's search would take it for any widget.
+template <typename Child>
+Child* childOf(const QObject& parent) {
+    for (QObject* child : parent.children()) {
+        if (auto* found = dynamic_cast<Child*>(child))
+            return found;
+    }
+    return nullptr;
+}
+
 class OverlayViewTest : public testing::Test {
 protected:
     OverlayViewTest()
@@ -247,8 +257,8 @@ TEST_F(OverlayViewTest, ControlZUndoes) {
 
 TEST_F(OverlayViewTest, TheCrosshairLeavesWhereThePointerIsOnTheBarOrThePalette) {
     commands.perform(OverlayCommand::toggleMarkup);
-    for (const QWidget* strip : {static_cast<QWidget*>(view.findChild<OverlayBar*>()),
-                                 static_cast<QWidget*>(view.findChild<MarkupPalette*>())}) {
+    for (const QWidget* strip : {static_cast<QWidget*>(childOf<OverlayBar>(view)),
+                                 static_cast<QWidget*>(childOf<MarkupPalette>(view))}) {
         ASSERT_TRUE(strip && strip->isVisible());
         moveTo({100, 100});
         EXPECT_EQ(view.current().mousePosition, QPointF(100, 100));
@@ -262,7 +272,7 @@ TEST_F(OverlayViewTest, TheCrosshairLeavesWhereThePointerIsOnTheBarOrThePalette)
     // A gesture goes on over both.
     manager.setCurrentTool(AnnotationTool::region);
     press({120, 110});
-    const QPoint place = view.findChild<OverlayBar*>()->geometry().center();
+    const QPoint place = childOf<OverlayBar>(view)->geometry().center();
     moveTo(place);
     EXPECT_EQ(view.current().mousePosition, QPointF(place));
     EXPECT_TRUE(view.current().currentRect);
