@@ -165,6 +165,30 @@ TEST_F(RecordingLoopTest, WaitsForALookNoLongerThanItMay) {
     EXPECT_EQ(looks, 1);
 }
 
+TEST_F(RecordingLoopTest, KeepsNothingOfALookThatItsEndOvertook) {
+    loop.begin(frame, video(1), 1000);
+    clock.awaitSleeper();
+    std::promise<void> looking;
+    std::promise<void> goOn;
+    duringLook = [&] {
+        looking.set_value();
+        goOn.get_future().wait();
+    };
+    frame.fill(Qt::white);
+    clock.jump(1s);
+    looking.get_future().wait();
+    loop.end();
+    goOn.set_value();
+    loop.join();
+    work.drain();
+    EXPECT_EQ(looks, 1);
+    EXPECT_EQ(media.movies.back().frames.size(), 1U);
+    journal->tellEnd({}, clock.now());
+    const QStringList news = journal->takeNews();
+    ASSERT_EQ(news.size(), 1);
+    EXPECT_TRUE(news.front().contains(u"s, 0 frames analyzed."_s)) << qPrintable(news.front());
+}
+
 TEST_F(RecordingLoopTest, GoesOnAfterALookThatFails) {
     begin();
     duringLook = [] { throw std::runtime_error("it closed"); };
