@@ -37,9 +37,12 @@ TEST(Observers, FollowAMovedSubscription) {
     int second = 0;
     Subscription kept = observers.add([&] { ++first; });
     kept = observers.add([&] { ++second; });
-    Subscription moved = std::move(kept);
+    std::optional<Subscription> moved = std::move(kept);
     observers.notify();
     EXPECT_EQ(first, 0);
+    EXPECT_EQ(second, 1);
+    moved.reset();
+    observers.notify();
     EXPECT_EQ(second, 1);
 }
 
@@ -60,6 +63,17 @@ TEST(Observers, MayEndAndAddSubscriptionsWhileTheyAreCalled) {
     EXPECT_EQ(calls, "a");
     observers.notify();
     EXPECT_EQ(calls, "ac");
+}
+
+TEST(Observers, ThatEndOneAnotherDoNotKeepTheNextFromItsCall) {
+    Observers observers;
+    std::string calls;
+    std::optional<Subscription> second;
+    const Subscription first = observers.add([&] { second.reset(); });
+    second = observers.add([&] { calls += 'b'; });
+    const Subscription third = observers.add([&] { calls += 'c'; });
+    observers.notify();
+    EXPECT_EQ(calls, "c");
 }
 
 TEST(Observers, MayGoBeforeTheirSubscriptionsAndWhileTheyCall) {
