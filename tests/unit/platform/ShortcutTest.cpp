@@ -14,6 +14,8 @@ TEST(Shortcut, IsStoredAsAnObjectOfTwoIntegers) {
 TEST(Shortcut, IsReadBack) {
     const Shortcut shortcut{126, Shortcut::option | Shortcut::shift};
     EXPECT_EQ(Shortcut::fromJson(shortcut.toJson()), shortcut);
+    constexpr Shortcut bareA{0, 0};
+    EXPECT_EQ(Shortcut::fromJson(bareA.toJson()), bareA);
 }
 
 TEST(Shortcut, IsReadWhateverTheLayoutOfTheText) {
@@ -28,6 +30,8 @@ TEST(Shortcut, IsReadBesideMembersOfANewerVersion) {
 
 TEST(Shortcut, KeepsNumbersThatNoKeyboardHas) {
     EXPECT_EQ(Shortcut::fromJson(uR"({"carbonKeyCode":9999,"carbonModifiers":1})"), (Shortcut{9999, 1}));
+    EXPECT_EQ(Shortcut::fromJson(uR"({"carbonKeyCode":2147483647,"carbonModifiers":2147483647})"),
+              (Shortcut{2147483647, 2147483647}));
 }
 
 class DamagedShortcut : public testing::TestWithParam<const char16_t*> {};
