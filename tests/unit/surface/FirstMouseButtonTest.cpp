@@ -1,13 +1,20 @@
 #include "OrvaneCore/surface/FirstMouseButton.h"
 
+#include "OrvaneCore/drawing/DrawnText.h"
 #include "tests/support/DrawnPixels.h"
 #include "tests/support/WidgetTest.h"
 
+#include <QFontMetricsF>
+#include <QHBoxLayout>
 #include <QLineEdit>
+#include <QPainterPath>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
 
 namespace orvane {
 
@@ -25,10 +32,38 @@ protected:
         QObject::connect(&button, &QAbstractButton::clicked, &ground, [this] { ++clicks; });
     }
 
+    void darken() {
+        QPalette dark(ground.palette());
+        dark.setColor(QPalette::Window, Qt::black);
+        ground.setPalette(dark);
+    }
+
+    QImage buttonPicture() { return test::pictureOf(ground).copy(button.geometry()); }
+
     test::WidgetGround ground;
     FirstMouseButton button;
     int clicks = 0;
 };
+
+/// Counts how often a widget is painted.
+class PaintCount : public QObject {
+public:
+    explicit PaintCount(QWidget& widget) { widget.installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+
+    int count = 0;
+};
+
+/// A square around the middle.
+QPainterPath squareGlyph() {
+    QPainterPath glyph;
+    glyph.addRect(-4, -4, 8, 8);
+    return glyph;
+}
 
 TEST_F(FirstMouseButtonTest, IsCalledByItsTitle) {
     EXPECT_EQ(button.title(), u"Save & go"_s);
@@ -58,6 +93,11 @@ TEST_F(FirstMouseButtonTest, IsAboutTheLeftButton) {
     test::click(button, Qt::RightButton);
     test::click(button, Qt::MiddleButton);
     EXPECT_EQ(clicks, 0);
+}
+
+TEST_F(FirstMouseButtonTest, HasTheArrowWhateverPointerItsParentHas) {
+    EXPECT_EQ(ground.cursor().shape(), Qt::CrossCursor);
+    EXPECT_EQ(button.cursor().shape(), Qt::ArrowCursor);
 }
 
 TEST_F(FirstMouseButtonTest, LeavesTheKeyboardWhereItIs) {
@@ -91,9 +131,7 @@ TEST_F(FirstMouseButtonTest, LooksDifferentWhenOnWhenPressedAndUnderTheMouse) {
 
     test::moveTo(ground, {5, 190});
     test::moveTo(ground, button.geometry().center());
-    QPalette dark(ground.palette());
-    dark.setColor(QPalette::Window, Qt::black);
-    ground.setPalette(dark);
+    darken();
     const QRgb hovered = test::pictureOf(ground).pixel(button.pos() + beside);
     EXPECT_GT(test::colorDistance(hovered, test::black), 20);
     test::pressAt(button, button.rect().center());
@@ -105,9 +143,7 @@ TEST_F(FirstMouseButtonTest, LooksDifferentWhenOnWhenPressedAndUnderTheMouse) {
 }
 
 TEST_F(FirstMouseButtonTest, IsDarkerWhileItIsDimmedAndCanBePressed) {
-    QPalette dark(ground.palette());
-    dark.setColor(QPalette::Window, Qt::black);
-    ground.setPalette(dark);
+    darken();
     button.setProminent(true);
     test::moveTo(ground, {5, 190});
     const QPoint beside = button.pos() + QPoint(10, 5);
@@ -135,9 +171,7 @@ TEST_F(FirstMouseButtonTest, IsDarkerWhileItIsDimmedAndCanBePressed) {
 }
 
 TEST_F(FirstMouseButtonTest, KeepsItsTitleInsideItself) {
-    QPalette dark(ground.palette());
-    dark.setColor(QPalette::Window, Qt::black);
-    ground.setPalette(dark);
+    darken();
     button.setTitle(u"A title that is far too long for a button of this width"_s);
     ASSERT_GT(button.titleWidth(), button.width());
     const QRect ink = test::inkBounds(test::pictureOf(ground), test::black, 10);
@@ -145,10 +179,104 @@ TEST_F(FirstMouseButtonTest, KeepsItsTitleInsideItself) {
     EXPECT_TRUE(button.geometry().adjusted(8, 0, -8, 0).contains(ink));
 }
 
+TEST_F(FirstMouseButtonTest, ShortensItsTitleInTheMiddle) {
+    const QString whole = u"Submit what is marked  Return"_s;
+    const QFontMetricsF metrics(systemFont(13, QFont::Normal));
+    button.setTitle(metrics.elidedText(whole, Qt::ElideMiddle, button.width() - 2 * 12));
+    ASSERT_NE(button.title(), whole);
+    const QImage expected = buttonPicture();
+    button.setTitle(whole);
+    EXPECT_EQ(buttonPicture(), expected);
+}
+
+TEST_F(FirstMouseButtonTest, IsAsWideAsItsTitleWithRoomOnBothSides) {
+    ASSERT_GT(button.titleWidth(), 0);
+    EXPECT_EQ(button.sizeHint(), QSize(button.titleWidth() + 24, 28));
+    button.setPadding(5);
+    EXPECT_EQ(button.sizeHint(), QSize(button.titleWidth() + 10, 28));
+}
+
+TEST_F(FirstMouseButtonTest, IsLaidOutAnewWithAnotherTitle) {
+    auto* layout = new QHBoxLayout(&ground);
+    layout->addWidget(&button);
+    layout->addStretch();
+    ASSERT_TRUE(test::eventuallyInLoop([this] { return button.width() == button.sizeHint().width(); }));
+    button.setTitle(u"Another title that is longer"_s);
+    EXPECT_TRUE(test::eventuallyInLoop([this] { return button.width() == button.sizeHint().width(); }));
+}
+
+TEST_F(FirstMouseButtonTest, IsPaintedAnewWhenItsOwnerChangesItsLook) {
+    const std::vector<std::function<void()>> changes{
+        [this] { button.setTitle(u"Other"_s); },
+        [this] { button.setProminent(true); },
+        [this] { button.setDimmed(true); },
+        [this] { button.setCornerRadius(4); },
+        [this] { button.setPadding(20); },
+        [this] { button.setGlyph(squareGlyph()); },
+        [this] { button.setSwatch(QColor(Qt::red)); },
+    };
+    PaintCount paints(button);
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        // What was to be painted before is not counted.
+        ASSERT_TRUE(test::eventuallyInLoop([&] { return std::exchange(paints.count, 0) == 0; }));
+        changes[i]();
+        EXPECT_TRUE(test::eventuallyInLoop([&] { return paints.count > 0; }, 1000)) << i;
+    }
+}
+
+TEST_F(FirstMouseButtonTest, StandsOutByABolderTitleToo) {
+    const int usual = button.titleWidth();
+    button.setProminent(true);
+    EXPECT_GT(button.titleWidth(), usual);
+}
+
+TEST_F(FirstMouseButtonTest, HasTheCornersThatItIsGiven) {
+    darken();
+    button.setProminent(true);
+    const QPoint nearCorner(3, 3);
+    EXPECT_TRUE(test::isColor(buttonPicture(), nearCorner, test::black));
+    button.setCornerRadius(4);
+    EXPECT_TRUE(test::isColor(buttonPicture(), nearCorner, 0xFF2F7DF6, 2));
+}
+
+TEST_F(FirstMouseButtonTest, ShowsAGlyphInPlaceOfItsTitleAndBrighterWhenOn) {
+    darken();
+    button.setGlyph(squareGlyph());
+    const QImage picture = buttonPicture();
+    EXPECT_EQ(test::inkBounds(picture, test::black, 10), QRect(56, 10, 8, 8));
+    const QRgb usual = test::blended(test::white, 0.85, test::black);
+    EXPECT_TRUE(test::isFilled(picture, QRect(57, 11, 6, 6), usual, 2));
+    button.setCheckable(true);
+    button.setChecked(true);
+    EXPECT_TRUE(test::isFilled(buttonPicture(), QRect(57, 11, 6, 6), test::white, 2));
+}
+
+TEST_F(FirstMouseButtonTest, ShowsABlackSwatchOnTheDark) {
+    darken();
+    button.setSwatch(Qt::black);
+    const QRect rim = test::inkBounds(buttonPicture(), test::black, 40);
+    EXPECT_TRUE(QRect(52, 6, 16, 16).contains(rim));
+    EXPECT_GE(rim.width(), 14);
+    EXPECT_GE(rim.height(), 14);
+}
+
+TEST_F(FirstMouseButtonTest, PutsARingAroundTheSwatchThatIsOnAndNoGround) {
+    darken();
+    button.setCheckable(true);
+    button.setSwatch(Qt::red);
+    const QPoint middle(60, 14);
+    const QPoint onRing = middle + QPoint(0, 10);
+    EXPECT_TRUE(test::isColor(buttonPicture(), middle, 0xFFFF0000));
+    EXPECT_TRUE(test::isColor(buttonPicture(), onRing, test::black));
+    button.setChecked(true);
+    const QImage picture = buttonPicture();
+    EXPECT_TRUE(test::isColor(picture, middle, 0xFFFF0000));
+    EXPECT_TRUE(test::isColor(picture, onRing, test::white, 20));
+    EXPECT_TRUE(test::isColor(picture, {20, 14}, test::black));
+}
+
 TEST_F(FirstMouseButtonTest, CentresItsTitle) {
-    QPalette dark(ground.palette());
-    dark.setColor(QPalette::Window, Qt::black);
-    ground.setPalette(dark);
+    darken();
     button.setTitle(u"HHH"_s);
     const QRect ink = test::inkBounds(test::pictureOf(ground), test::black, 60);
     EXPECT_NEAR(QRectF(ink).center().x(), QRectF(button.geometry()).center().x(), 1.5);

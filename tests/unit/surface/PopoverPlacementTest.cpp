@@ -56,6 +56,7 @@ TEST(PopoverPlacement, TakesTheSideWithMoreRoomWhereNeitherIsEnough) {
     const QRect low(0, 0, 400, 120);
     EXPECT_EQ(popoverPlacement(bubble, {200, 70}, low).side, Side::above);
     EXPECT_EQ(popoverPlacement(bubble, {200, 50}, low).side, Side::below);
+    EXPECT_EQ(popoverPlacement(bubble, {200, 60}, low).side, Side::above) << "both have as much";
     for (const qreal y : {0.0, 50.0, 70.0, 120.0})
         EXPECT_TRUE(low.contains(popoverPlacement(bubble, {200, y}, low).frame())) << y;
 }
@@ -63,6 +64,18 @@ TEST(PopoverPlacement, TakesTheSideWithMoreRoomWhereNeitherIsEnough) {
 TEST(PopoverPlacement, ShowsTheBeginningOfABubbleThatIsLargerThanTheView) {
     const PopoverPlacement placement = popoverPlacement(bubble, {50, 20}, QRect(0, 0, 100, 40));
     EXPECT_EQ(placement.frame().topLeft(), QPoint(8, 8));
+}
+
+TEST(PopoverPlacement, PointsAtTheNearestWholePoint) {
+    EXPECT_EQ(popoverPlacement(bubble, {500.6, 300.6}, view), popoverPlacement(bubble, {501, 301}, view));
+    EXPECT_EQ(popoverPlacement(bubble, {500.4, 300.4}, view), popoverPlacement(bubble, {500, 300}, view));
+}
+
+TEST(PopoverPlacement, IsInTheMiddleForAPointThatIsNotFinite) {
+    constexpr qreal infinity = std::numeric_limits<qreal>::infinity();
+    const PopoverPlacement middle = popoverPlacement(bubble, view.center(), view);
+    for (const QPointF& point : {QPointF(infinity, 300), QPointF(20, -infinity), QPointF(std::nan(""), 20)})
+        EXPECT_EQ(popoverPlacement(bubble, point, view), middle);
 }
 
 TEST(PopoverPlacement, IsInsideForAnyPoint) {

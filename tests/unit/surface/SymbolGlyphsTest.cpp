@@ -76,6 +76,25 @@ TEST(SymbolGlyphs, ACheckmarkIsCutOutOfItsDisc) {
     EXPECT_TRUE(isColor(picture, {140, 60}, white));
 }
 
+TEST(SymbolGlyphs, WhatIsOffIsCrossedOut) {
+    for (const QString& name : {u"mic.slash"_s, u"video.slash"_s}) {
+        const QImage picture = drawn(name, 280);
+        EXPECT_TRUE(isColor(picture, {140, 140}, white)) << name.toStdString();
+        // Between the line and what it goes through.
+        EXPECT_TRUE(isColor(picture, {154, 127}, black)) << name.toStdString();
+        EXPECT_TRUE(isColor(picture, {126, 153}, black)) << name.toStdString();
+    }
+}
+
+TEST(SymbolGlyphs, AreDrawnIntoTheirSquare) {
+    const QImage whole = drawn(u"xmark.circle.fill"_s, 14);
+    QImage picture = ground({60, 40}, black);
+    QPainter painter(&picture);
+    drawSymbol(painter, u"xmark.circle.fill"_s, QRectF(30, 10, 14, 14), Qt::white);
+    EXPECT_EQ(picture.copy(30, 10, 14, 14), whole);
+    EXPECT_TRUE(QRect(30, 10, 14, 14).contains(inkBounds(picture, black)));
+}
+
 TEST(SymbolGlyphs, UnknownNamesDrawNothing) {
     for (const QString& name : {u""_s, u"no.such.symbol"_s, u"Trash"_s, u"trash "_s}) {
         EXPECT_TRUE(symbolPath(name).isEmpty());

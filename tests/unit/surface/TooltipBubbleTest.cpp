@@ -1,8 +1,10 @@
 #include "OrvaneCore/surface/TooltipBubble.h"
 
+#include "OrvaneCore/drawing/DrawnText.h"
 #include "tests/support/FakeSurfaces.h"
 #include "tests/support/WidgetTest.h"
 
+#include <QFontMetrics>
 #include <QGuiApplication>
 
 #include <gtest/gtest.h>
@@ -48,6 +50,7 @@ TEST_F(TooltipBubbleTest, IsDressedAsANoticeThatTakesNothing) {
     EXPECT_EQ(surfaces.windows[0].keyboard, SurfaceKeyboard::never);
     EXPECT_TRUE(surfaces.windows[0].isClickThrough);
     EXPECT_EQ(shown.accessibleName(), u"Reads text"_s);
+    EXPECT_EQ(shown.windowTitle(), u"Reads text"_s);
     EXPECT_FALSE(shown.testAttribute(Qt::WA_QuitOnClose));
 }
 
@@ -56,6 +59,7 @@ TEST_F(TooltipBubbleTest, WrapsWhatIsLong) {
     const TooltipBubble more = bubble(u"Many words that follow each other "_s.repeated(8));
     EXPECT_GT(more.height(), 2 * one.height());
     EXPECT_LE(more.width(), 300);
+    EXPECT_GT(more.width(), 230);
     EXPECT_EQ(more.geometry().bottom(), one.geometry().bottom());
 }
 
@@ -66,12 +70,20 @@ TEST_F(TooltipBubbleTest, IsADarkPlateWithLightText) {
     const QColor ground = picture.pixelColor(picture.width() / 2, 4);
     EXPECT_GT(ground.alpha(), 200);
     EXPECT_LT(ground.red(), 60);
-    int brightest = 0;
-    for (int x = 0; x < picture.width(); ++x) {
-        for (int y = 0; y < picture.height(); ++y)
-            brightest = std::max(brightest, picture.pixelColor(x, y).red());
-    }
-    EXPECT_GT(brightest, 200);
+    const auto brightest = [&picture](const QRect& area) {
+        int most = 0;
+        for (int x = area.left(); x <= area.right(); ++x) {
+            for (int y = area.top(); y <= area.bottom(); ++y)
+                most = std::max(most, picture.pixelColor(x, y).red());
+        }
+        return most;
+    };
+    EXPECT_GT(brightest(picture.rect()), 200);
+    EXPECT_NEAR(picture.width(), 20 + QFontMetrics(systemFont(12)).horizontalAdvance(u"WWWWWWWW"_s), 2);
+    // Beside the text, within the edge.
+    const int height = picture.height();
+    EXPECT_LT(brightest({3, 8, 5, height - 16}), 60);
+    EXPECT_LT(brightest({picture.width() - 8, 8, 5, height - 16}), 60);
 }
 
 TEST_F(TooltipBubbleTest, IsOpaqueWithRoundCornersWhereNothingCanBeTranslucent) {
@@ -80,7 +92,9 @@ TEST_F(TooltipBubbleTest, IsOpaqueWithRoundCornersWhereNothingCanBeTranslucent) 
     EXPECT_FALSE(shown.testAttribute(Qt::WA_TranslucentBackground));
     EXPECT_FALSE(shown.mask().isEmpty());
     EXPECT_FALSE(shown.mask().contains(QPoint(0, 0)));
-    EXPECT_EQ(test::pictureOf(shown).pixelColor(shown.width() / 2, 4).alpha(), 255);
+    const QColor ground = test::pictureOf(shown).pixelColor(shown.width() / 2, 4);
+    EXPECT_EQ(ground.alpha(), 255);
+    EXPECT_NEAR(ground.red(), 0x1F, 2);
 }
 
 } // namespace

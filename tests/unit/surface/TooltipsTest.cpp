@@ -104,6 +104,11 @@ TEST_F(TooltipsTest, GoWhenAnythingIsPressed) {
     test::pressAt(ground, {500, 300});
     EXPECT_EQ(tooltips.shown(), nullptr);
     test::releaseAt(ground, {500, 300});
+    rest(*explained);
+    QWheelEvent wheel(QPointF(5, 5), explained->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(explained.get(), &wheel);
+    EXPECT_EQ(tooltips.shown(), nullptr);
 }
 
 TEST_F(TooltipsTest, GoWithTheirWidget) {

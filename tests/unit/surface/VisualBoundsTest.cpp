@@ -66,8 +66,8 @@ TEST(VisualBounds, InsideOfAPlaneIsSmallerThanThatOfItsExtent) {
 }
 
 TEST(VisualBounds, PlaneTooSmallForAnInside) {
-    for (const QRectF& inner : {QRectF(12, 12, 3, 50), QRectF(12, 12, 4.5, 4.5), QRectF(12, 12, -40, 50),
-                                QRectF(12, 12, -40, -50), QRectF()}) {
+    for (const QRectF& inner : {QRectF(12, 12, 3, 50), QRectF(12, 12, 4.5, 4.5), QRectF(12.3, 12.3, 4.5, 4.5),
+                                QRectF(12, 12, -40, 50), QRectF(12, 12, -40, -50), QRectF()}) {
         const VisualBounds bounds = VisualBounds::of(planeAt({10, 10, 100, 60}, inner, {}), wholeView);
         ASSERT_TRUE(bounds.plane);
         EXPECT_TRUE(bounds.plane->inner.isEmpty()) << inner.width();
