@@ -252,6 +252,28 @@ TEST_F(HumanRecordingTest, IsOverWhenSomebodyElseHasEndedIt) {
     EXPECT_TRUE(log().contains(u"orvane: stop recording failed: Invalid arguments: Not recording.\n"_s));
 }
 
+TEST_F(HumanRecordingTest, IsOverWhenSomebodyElseHasEndedItAfterOneThatTheHumanEnded) {
+    record(DisplayTarget{11});
+    human.toggle();
+    tasks.runNext();
+    clock.jump(5ms);
+    record(DisplayTarget{11});
+    recorder.stopRecording();
+    human.toggle();
+    tasks.runNext();
+    EXPECT_FALSE(human.isRecording());
+    EXPECT_EQ(view.changes, 4);
+}
+
+TEST_F(HumanRecordingTest, LooksOnceASecondWithoutAMovie) {
+    storage.setSaveRawVideo(false);
+    record(DisplayTarget{11});
+    clock.advance(10s);
+    const QString id = recorder.recordingSessionId().value();
+    recorder.stopRecording();
+    EXPECT_TRUE(report(id).contains(u"- **Frames captured:** 10\n"_s)) << qPrintable(report(id));
+}
+
 TEST_F(HumanRecordingTest, AskedTwiceToStopItIsOverWhenTheFirstStopIs) {
     record(DisplayTarget{11});
     human.toggle();

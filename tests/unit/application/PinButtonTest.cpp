@@ -1,8 +1,47 @@
 #include "Orvane/PinButton.h"
 
+#include "tests/support/FakeSurfaces.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace orvane::test {
+
+namespace {
+
+class PinButtonUnderTheMouse : public testing::Test {
+protected:
+    PinButtonUnderTheMouse() {
+        // As its surfaces make it.
+        button.setWindowFlag(Qt::FramelessWindowHint);
+        button.show();
+    }
+
+    void send(QEvent::Type type, const QPoint& place) {
+        QMouseEvent event(type, place - button.pos(), place, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&button, &event);
+    }
+
+    /// From its middle.
+    void drag(const QPoint& way) {
+        const QPoint from = button.geometry().center();
+        send(QEvent::MouseButtonPress, from);
+        send(QEvent::MouseMove, from + way / 2);
+        send(QEvent::MouseMove, from + way);
+        send(QEvent::MouseButtonRelease, from + way);
+    }
+
+    std::vector<QPoint> menus;
+    FakeSurfaces surfaces;
+    PinButton button{surfaces, [this](const QPoint& place) { menus.push_back(place); }};
+    const QRect home = button.geometry();
+};
+
+} // namespace
 
 TEST(PinButton, IsNearTheTopRightCornerOfWhatPanelsLeaveFree) {
     EXPECT_EQ(PinButton::home(QRect(0, 0, 1000, 800), QRect(0, 30, 900, 770)), QRect(856, 42, 32, 32));
@@ -27,6 +66,34 @@ TEST(PinButton, IsBroughtBackFromBeyondTheEdges) {
 
 TEST(PinButton, ShowsItsTopLeftWhereThereIsNoRoom) {
     EXPECT_EQ(PinButton::inside(QRect(50, 10, 32, 32), QRect(5, 6, 20, 20)), QRect(5, 6, 32, 32));
+}
+
+TEST_F(PinButtonUnderTheMouse, OffersItsMenuBelowOnAClick) {
+    drag({0, 0});
+    EXPECT_EQ(menus, std::vector<QPoint>{home.topLeft() + QPoint(0, PinButton::side)});
+    EXPECT_EQ(button.geometry(), home);
+}
+
+TEST_F(PinButtonUnderTheMouse, TakesAShakyClickForAClick) {
+    const int nearly = QApplication::startDragDistance() - 1;
+    drag({-nearly, 0});
+    EXPECT_EQ(menus.size(), 1U);
+    EXPECT_EQ(button.geometry(), home);
+    drag({-nearly - 1, 0});
+    EXPECT_EQ(menus.size(), 1U);
+    EXPECT_EQ(button.geometry(), home.translated(-nearly - 1, 0));
+}
+
+TEST_F(PinButtonUnderTheMouse, ComesBackOntoTheScreenWhenItIsLetGoBesideIt) {
+    const QRect available = button.screen()->availableGeometry();
+    drag({100, -300});
+    EXPECT_TRUE(menus.empty());
+    EXPECT_EQ(button.geometry(), PinButton::inside(home.translated(100, -300), available));
+    EXPECT_TRUE(available.contains(button.geometry()));
+    drag({-30, 40});
+    EXPECT_EQ(button.pos(), available.topRight() + QPoint(1 - PinButton::side - 30, 40));
+    drag({0, 0});
+    EXPECT_EQ(menus.size(), 1U);
 }
 
 } // namespace orvane::test
