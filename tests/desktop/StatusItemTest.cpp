@@ -254,6 +254,20 @@ TEST_F(StatusItems, EmbeddedIconTellsOfARecording) {
     EXPECT_TRUE(eventuallyInLoop([&] { return redPixels() == 0; })) << redPixels();
 }
 
+TEST_F(StatusItems, WhereverTheItemMovesDuringARecordingItTellsOfIt) {
+    state.isRecording = true;
+    auto tray = embeddingTray();
+    start();
+    ASSERT_TRUE(comesIntoTray());
+    const QRect icon = embeddedIcon();
+    ASSERT_TRUE(icon.isValid());
+    EXPECT_TRUE(comesToShow(QRectF(icon).center().toPoint(), red, 30));
+    tray.reset();
+    ASSERT_TRUE(comesOntoButton());
+    EXPECT_TRUE(comesToShow(buttonPlace(), red, 10));
+    EXPECT_EQ(item->pinButton()->accessibleName(), u"Orvane (Recording)"_s);
+}
+
 // ---- the menu itself
 
 TEST_F(StatusItems, RowsDoNotMoveUnderTheMouse) {
