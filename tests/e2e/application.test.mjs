@@ -76,20 +76,37 @@ describe("the application", () => {
         await client.close();
     }));
 
-    it("does without a host where no port is free", async () => {
+    /// Takes the ports from 47600 up to that one; gives what lets go of them again.
+    async function takePortsBelow(end) {
         const holders = [];
-        for (let port = 47600; port < 47650; port++) {
+        for (let port = 47600; port < end; port++) {
             const holder = createServer();
             // A port that another test's application has is taken as well.
             await new Promise((resolve) => { holder.once("error", resolve).listen(port, "127.0.0.1", resolve); });
             holders.push(holder);
         }
+        return () => Promise.all(holders.map((holder) => new Promise((resolve) => { holder.close(resolve); })));
+    }
+
+    it("hosts the tools on the next port that is free", async () => {
+        const letGo = await takePortsBelow(47603);
+        try {
+            await withApplication(desktop, async ({ endpoint: { port } }) => {
+                assert.ok(port >= 47603 && port < 47650, port);
+            });
+        } finally {
+            await letGo();
+        }
+    });
+
+    it("does without a host where no port is free", async () => {
+        const letGo = await takePortsBelow(47650);
         const application = new Application(desktop);
         await until("it says so", () =>
             application.stderr.includes("orvane: could not bind MCP HTTP host (no free port)\n"));
         assert.ok(!existsSync(endpointFile(desktop.home)));
         assert.equal(await application.stop(), 0);
-        await Promise.all(holders.map((holder) => new Promise((resolve) => { holder.close(resolve); })));
+        await letGo();
     });
 
     /// So many files in `captures` that are long past their time.
