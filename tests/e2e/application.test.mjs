@@ -282,6 +282,14 @@ describe("a second copy of the application", () => {
 
 describe("the human's recording", () => {
     const press = () => desktop.run("xdotool", "key", "super+ctrl+r");
+    /// How many windows of that name are on the screen.
+    const pins = (name) => {
+        try {
+            return desktop.run("xdotool", "search", "--onlyvisible", "--name", `^${name}$`).toString().trim().split("\n").length;
+        } catch {
+            return 0;
+        }
+    };
 
     it("starts and stops with the hotkey, and leaves its place on the clipboard", () =>
         withApplication(desktop, async (application) => {
@@ -290,6 +298,7 @@ describe("the human's recording", () => {
             await until("it records", () =>
                 application.stderr.includes("orvane: human recording started for Full Screen\n"));
             const [id] = sessionIds(desktop);
+            await until("the pin tells of it", () => pins("Orvane \\(Recording\\)") === 1);
             await pause(300);
             press();
             await until("it has stopped", () =>
@@ -304,6 +313,7 @@ describe("the human's recording", () => {
                     return false;
                 }
             });
+            await until("the pin tells of that", () => pins("Orvane \\(Recording\\)") === 0);
             const report = new Recording(desktop, null, id).report();
             assert.match(report, /^- \*\*Source:\*\* human$/m);
         }));

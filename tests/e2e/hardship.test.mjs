@@ -1,8 +1,9 @@
 // A screen that is not there, says no, dies or hangs: every call gets an answer, and the server lives on.
 import assert from "node:assert/strict";
+import { spawnSync } from "node:child_process";
 import { describe, it } from "node:test";
 import { bareHome, startDesktop } from "./lib/desktop.mjs";
-import { INVALID_ARGUMENTS, PERMISSION_DENIED, withProcess } from "./lib/orvane.mjs";
+import { EXECUTABLE, INVALID_ARGUMENTS, PERMISSION_DENIED, withProcess } from "./lib/orvane.mjs";
 
 const REGION = { x: 0, y: 0, width: 40, height: 30 };
 
@@ -28,6 +29,17 @@ async function assertFailsInWords(server, seconds) {
 }
 
 describe("no screen", () => {
+    it("is what the application says before it fails", () => {
+        const place = bareHome();
+        try {
+            const { status, stderr } = spawnSync(EXECUTABLE, { env: place.env, encoding: "utf8", timeout: 20000 });
+            assert.equal(status, 1, stderr);
+            assert.match(stderr, /^orvane: There is no display: DISPLAY is not set\. .*\n$/);
+        } finally {
+            place.remove();
+        }
+    });
+
     const unreachable = { "no DISPLAY": {}, "an empty DISPLAY": { DISPLAY: "" }, "a refused DISPLAY": { DISPLAY: ":7777" },
                           "a DISPLAY that is no name of one": { DISPLAY: "nonsense" },
                           "a DISPLAY of a host that does not exist": { DISPLAY: "127.0.0.1:7777" } };
