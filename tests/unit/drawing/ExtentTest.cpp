@@ -2,9 +2,12 @@
 
 #include "OrvaneCore/drawing/Identical.h"
 
+#include <QPainterPath>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -14,6 +17,14 @@ namespace orvane::test {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using CubicPiece = std::array<QPointF, 4>;
+
+QPointF pointOf(const CubicPiece& piece, qreal part) {
+    const qreal rest = 1 - part;
+    return rest * rest * rest * piece[0] + 3 * rest * rest * part * piece[1] +
+           3 * rest * part * part * piece[2] + part * part * part * piece[3];
+}
 
 bool covers(const Extent& extent, const QPointF& point) {
     return std::any_of(extent.parts.begin(), extent.parts.end(),
@@ -60,6 +71,21 @@ TEST(Extent, OfAnEllipseIsItsCurve) {
     Extent large;
     large.addEllipse({0, 0, 5000, 10}, 2);
     EXPECT_EQ(large.parts, std::vector<QRectF>{QRectF(-2, -2, 5004, 14)});
+}
+
+TEST(Extent, OfAnEllipseHoldsTheCubicPiecesThatAreDrawn) {
+    const QRectF rect(10, 20, 4000, 3990);
+    Extent extent;
+    extent.addEllipse(rect, 0);
+    QPainterPath path;
+    path.addEllipse(rect);
+    ASSERT_EQ(path.elementCount(), 13);
+    for (int piece = 0; piece < 4; ++piece) {
+        const auto at = [&](int point) { return QPointF(path.elementAt(3 * piece + point)); };
+        const CubicPiece curve{at(0), at(1), at(2), at(3)};
+        for (int step = 0; step <= 100; ++step)
+            EXPECT_TRUE(covers(extent, pointOf(curve, step / 100.0))) << piece << " at " << step;
+    }
 }
 
 TEST(Extent, OfALineIsNotTheRectangleAroundIt) {
