@@ -85,9 +85,12 @@ TEST_P(DrawsPictures, TurnedClockwise) {
         annotation.rotation = rotation;
         expectFourColours(drawn(annotation, s), rect, rotation);
     }
+    annotation.rotation = std::numbers::pi;
+    EXPECT_EQ(inkBounds(drawn(annotation, s), white, 8), rect.toRect());
     // A quarter to the right brings what was at the left to the top.
     annotation.rotation = std::numbers::pi / 2;
     const QImage quarter = drawn(annotation, s);
+    EXPECT_EQ(inkBounds(quarter, white, 8), QRectF(70 * s, 30 * s, 40 * s, 80 * s).toRect());
     EXPECT_TRUE(isColor(quarter, {80 * s, 50 * s}, navy));
     EXPECT_TRUE(isColor(quarter, {100 * s, 50 * s}, red));
     EXPECT_TRUE(isColor(quarter, {80 * s, 90 * s}, yellow));
@@ -211,6 +214,22 @@ TEST(AnnotationPictures, CountAllTheirPixelsWhenShrunk) {
     const QImage picture = drawn(image, 1);
     for (int x = 25; x < 95; ++x)
         EXPECT_NEAR(qGray(picture.pixel(x, 50)), 127, 30) << x;
+}
+
+TEST(AnnotationPictures, HaveAllTheirPixelsOnADisplayOfManyPixelsToThePoint) {
+    QImage striped(160, 120, QImage::Format_RGB32);
+    for (int y = 0; y < striped.height(); ++y) {
+        for (int x = 0; x < striped.width(); ++x)
+            striped.setPixel(x, y, x / 2 % 2 == 0 ? black : amber);
+    }
+    Annotation image = shape(Kind::image, {10, 10}, {50, 40});
+    image.image = striped;
+    QImage picture = ground({400, 400});
+    picture.setDevicePixelRatio(4);
+    picture = drawn(image, picture, mapAt(1), 1);
+    EXPECT_EQ(picture.copy(40, 40, 160, 120).convertToFormat(striped.format()).pixel(0, 0), black);
+    for (int x = 0; x < striped.width(); ++x)
+        EXPECT_EQ(picture.pixel(40 + x, 100), striped.pixel(x, 60)) << x;
 }
 
 TEST(AnnotationPictures, MayBeOnePixelOrMany) {

@@ -244,6 +244,18 @@ TEST_P(DrawsPlates, LabelThatIsWiderThanTheDisplayIsWrapped) {
     EXPECT_GT(countOf(picture, lastLine.toAlignedRect(), white), 10 * s);
 }
 
+TEST_P(DrawsPlates, LabelWithoutSpacesFillsTheDisplayAndNoMore) {
+    const qreal s = scale();
+    const QRectF display = QRectF(0, 0, 200 * s, 150 * s);
+    Annotation box = shape(Kind::highlight, {100, 120}, {100, 120});
+    box.label = QString(150, u'i');
+    const QRectF tag = annotation_renderer::extent(box, mapAt(s), s, display, display)
+                           .parts.at(0)
+                           .adjusted(14 * s, 14 * s, -14 * s, -14 * s);
+    EXPECT_LE(tag.right(), display.right() + 0.01);
+    EXPECT_GT(tag.width(), 190 * s);
+}
+
 INSTANTIATE_TEST_SUITE_P(AnnotationRenderer, DrawsPlates, testing::ValuesIn(displayScales), nameOfScale);
 
 TEST(AnnotationPlates, EmptyTextDrawsNothing) {

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <functional>
 #include <numbers>
 
 namespace orvane::test {
@@ -130,6 +132,20 @@ TEST_P(DrawsShapes, TranslucentShapesHaveNoSeams) {
         painter.end();
         EXPECT_EQ(drawn(highlight, s, {200, 150}, green), expected) << shift;
     }
+}
+
+TEST_P(DrawsShapes, TranslucentShapesHaveOneColourOnATurnedPainter) {
+    const qreal s = scale();
+    Annotation highlight = shape(Kind::highlight, {-60, -60}, {60, 60});
+    highlight.color = QColor(amber);
+    QImage picture = ground((QSizeF(200, 200) * s).toSize());
+    QPainter painter(&picture);
+    painter.translate(100 * s, 100 * s);
+    painter.rotate(30);
+    annotation_renderer::draw(painter, highlight, mapAt(s), s);
+    painter.end();
+    EXPECT_TRUE(
+        isFilled(picture, pixelsInside({60 * s, 60 * s, 80 * s, 80 * s}), blended(amber, 0.35, white)));
 }
 
 TEST_P(DrawsShapes, TranslucentShapesStayInTheClipOfTheirPainter) {
@@ -279,6 +295,20 @@ TEST_P(DrawsShapes, ArrowWithoutLengthPointsRight) {
     EXPECT_TRUE(isColor(picture, tip - QPointF(0.8 * head, 0), twice, 2));
 }
 
+TEST_P(DrawsShapes, ArrowShowsWhatIsOnThePictureOfItsHeadAndLine) {
+    const qreal s = scale();
+    // The tip is beyond the right edge, and the middle of the line above the upper one.
+    const QImage beyond = drawn(shape(Kind::arrow, {30, 70}, {210, 70}, 11), s);
+    const qreal behindTip = 0.7 * 3.5 * 11;
+    const qreal aside = behindTip * std::tan(halfOpening) - 3;
+    EXPECT_TRUE(isColor(beyond, QPointF(210 - behindTip, 70 - aside) * s, black));
+    EXPECT_TRUE(isColor(beyond, QPointF(210 - behindTip, 70 + aside) * s, black));
+    EXPECT_TRUE(isColor(beyond, QPointF(198, 70) * s, black));
+    const QImage above = drawn(shape(Kind::arrow, {30, -3}, {150, -3}, 11), s);
+    EXPECT_TRUE(isColor(above, QPointF(60, 1) * s, black));
+    EXPECT_TRUE(isColor(above, QPointF(150 - behindTip, 6) * s, black));
+}
+
 TEST_P(DrawsShapes, MapsPointsAndSizesApart) {
     const qreal s = scale();
     const PointMap map{.origin = {1000, -500}, .scaleX = 1.25, .scaleY = 0.75};
@@ -383,6 +413,43 @@ TEST(AnnotationRenderer, DrawsTheSameWhateverThePainterWasSetTo) {
         painter.end();
         EXPECT_EQ(picture, expected) << rawValue(kind).data();
     }
+}
+
+TEST(AnnotationRenderer, LooksAnotherAfterAChangeOfAnythingThatShows) {
+    using Change = std::function<void(Annotation&)>;
+    const std::array<Change, 11> visible{
+        [](Annotation& changed) { changed.kind = Kind::image; },
+        [](Annotation& changed) { changed.start.rx() += 1e-9; },
+        [](Annotation& changed) { changed.start.ry() += 1e-9; },
+        [](Annotation& changed) { changed.end.rx() += 1e-9; },
+        [](Annotation& changed) { changed.end.ry() += 1e-9; },
+        [](Annotation& changed) { changed.text = QStringLiteral("Others"); },
+        [](Annotation& changed) { changed.label = QStringLiteral("Another"); },
+        [](Annotation& changed) { changed.strokeWidth = 11; },
+        [](Annotation& changed) { changed.rotation = 0.7; },
+        [](Annotation& changed) { changed.color = QColor(amber); },
+        [](Annotation& changed) {
+            changed.image = ground({8, 6}, blue);
+        },
+    };
+    Annotation annotation = shape(Kind::box, {40, 50}, {160, 110});
+    annotation.text = QStringLiteral("Words");
+    annotation.label = QStringLiteral("Label");
+    annotation.image = ground({8, 6}, amber);
+    for (std::size_t i = 0; i < visible.size(); ++i) {
+        Annotation changed = annotation;
+        EXPECT_TRUE(annotation_renderer::looksSame(annotation, changed));
+        visible.at(i)(changed);
+        EXPECT_FALSE(annotation_renderer::looksSame(annotation, changed)) << "change " << i;
+        EXPECT_FALSE(annotation_renderer::looksSame(changed, annotation)) << "change " << i;
+    }
+    Annotation unseen = annotation;
+    unseen.id = QUuid::createUuid();
+    unseen.role = Annotation::Role::agent;
+    unseen.removed = true;
+    unseen.regionIndex = 3;
+    unseen.displayId = 4;
+    EXPECT_TRUE(annotation_renderer::looksSame(annotation, unseen));
 }
 
 TEST(AnnotationRenderer, PrefersDarkTextOnLightColours) {

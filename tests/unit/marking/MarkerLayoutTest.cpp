@@ -179,6 +179,26 @@ TEST_P(LaysOutMarkers, MovesNoFurtherThanItMust) {
     const MarkerLayout atTheBottom = kept({100, 400, 300, 190}, u"A label"_s);
     EXPECT_NEAR(atTheBottom.label->capsule.bottom(), 600 * scale(), rounding);
     EXPECT_NEAR(atTheBottom.label->capsule.left(), 100 * scale(), rounding);
+    // Where nothing has to move, not even for the badge of a flat region.
+    const MarkerLayout flat = kept({300, 300, 80, 2}, u"A label"_s);
+    EXPECT_TRUE(isPoint(flat.label->capsule.topLeft(), QPointF(300, 308) * scale(), rounding));
+}
+
+TEST_P(LaysOutMarkers, ALabelThatMakesWayForItsBadgeKeepsItsDistance) {
+    const auto kept = [](const QRectF& region) {
+        return marker_painter::layout({.label = u"A label"_s}, scaled(region), scale(),
+                                      MarkerStyle::onOverlay, Spotlight::off, scaled({0, 0, 800, 600}));
+    };
+    const qreal gap = 6 * scale();
+    const MarkerLayout below = kept({300, -200, 200, 195});
+    EXPECT_TRUE(isPoint(below.label->capsule.topLeft(),
+                        {300 * scale(), below.badgeRing.outer().bottom() + gap}, rounding));
+    const MarkerLayout beside = kept({300, 590, 200, 5});
+    EXPECT_TRUE(isPoint(beside.label->capsule.bottomLeft(),
+                        {beside.badgeRing.outer().right() + gap, 600 * scale()}, rounding));
+    const MarkerLayout before = kept({780, 590, 15, 5});
+    EXPECT_TRUE(isPoint(before.label->capsule.bottomRight(),
+                        {before.badgeRing.outer().left() - gap, 600 * scale()}, rounding));
 }
 
 TEST_P(LaysOutMarkers, WrapsALabelOnlyWhereItIsWiderThanTheDisplay) {
@@ -202,6 +222,7 @@ TEST_P(LaysOutMarkers, WrapsALabelOnlyWhereItIsWiderThanTheDisplay) {
     EXPECT_LE(labelOf(text, region, 1200).text.width(), 480 * scale());
     EXPECT_GT(labelOf(text, region, 1200).text.width(), 400 * scale());
     EXPECT_GT(labelOf(text, {10, 10, 900, 100}, 1200).text.width(), 800 * scale());
+    EXPECT_LE(labelOf(text, {10, 10, 900, 100}, 1200).text.width(), (900 - 31) * scale());
 }
 
 TEST_P(LaysOutMarkers, ALabelLargerThanItsDisplayIsShortened) {

@@ -1,6 +1,7 @@
 #include "OrvaneCore/marking/MarkerPainter.h"
 
 #include "OrvaneCore/drawing/DrawnText.h"
+#include "OrvaneCore/drawing/SoftShadow.h"
 #include "OrvaneCore/marking/Palettes.h"
 #include "tests/unit/marking/Drawings.h"
 
@@ -83,6 +84,20 @@ protected:
         style.hasLabelEdge = false;
         return drawnMarker(marker, rect(), scale(), style, spotlight,
                            ground((QSizeF(240, 190) * scale()).toSize(), under));
+    }
+
+    /// With white where those are.
+    static QImage besideBadgeAndRegion(QImage picture) {
+        const qreal ringReach = badgeRadius() + 2 * scale() + 2;
+        const qreal haloReach = 1.25 * scale() + 2;
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::white);
+        painter.drawRect(rect().adjusted(-haloReach, -haloReach, haloReach, haloReach));
+        painter.drawEllipse(rect().topLeft(), ringReach, ringReach);
+        painter.end();
+        return picture;
     }
 
     static QSizeF textSize(const QString& label) {
@@ -254,6 +269,21 @@ TEST_P(DrawsMarkers, ShadowBelowTheBadge) {
     EXPECT_EQ(darkness(9, 1), 0);
 }
 
+TEST_P(DrawsMarkers, ShadowIsThatOfTheBadgeALittleLower) {
+    const qreal s = scale();
+    const QPointF center = rect().topLeft();
+    QPainterPath badge;
+    badge.addEllipse(center, badgeRadius(), badgeRadius());
+    QImage expected = ground((QSizeF(240, 190) * s).toSize());
+    QPainter painter(&expected);
+    drawSoftShadow(painter, badge, QColor::fromRgbF(0, 0, 0, 0.45F), 3 * s, {0, s});
+    painter.end();
+    EXPECT_LE(
+        difference(besideBadgeAndRegion(drawn(markerOf(amber), white)), besideBadgeAndRegion(expected), 0)
+            .largest,
+        1);
+}
+
 TEST_P(DrawsMarkers, CapsuleBelowTheRegion) {
     const qreal s = scale();
     const QRectF capsule = capsuleOf(blank);
@@ -361,6 +391,20 @@ TEST_P(DrawsMarkers, ShadowBelowTheCapsule) {
     EXPECT_GT(above, 0);
     EXPECT_GT(below, darkness({x, capsule.bottom() + 3.2 * s}));
     EXPECT_EQ(darkness({x, capsule.bottom() + 12 * s}), 0);
+}
+
+TEST_P(DrawsMarkers, ShadowIsThatOfTheCapsuleALittleLower) {
+    const qreal s = scale();
+    const QRectF capsule = capsuleOf(blank);
+    QPainterPath outline;
+    outline.addRoundedRect(capsule, 6 * s, 6 * s);
+    QImage expected = ground((QSizeF(240, 190) * s).toSize());
+    QPainter painter(&expected);
+    drawSoftShadow(painter, outline, QColor::fromRgbF(0, 0, 0, 0.3F), 4 * s, {0, s});
+    painter.end();
+    const QRect below(0, qCeil(capsule.bottom()) + 1, expected.width(), qFloor(10 * s));
+    EXPECT_LE(difference(drawn(markerOf(amber, blank), white).copy(below), expected.copy(below), 0).largest,
+              1);
 }
 
 TEST_P(DrawsMarkers, NoCapsuleWithoutALabel) {
@@ -487,6 +531,26 @@ TEST_P(AnyMarker, LeavesAnyPainterAsItWas) {
                          GetParam());
     EXPECT_EQ(PainterSettings(painter), before);
     EXPECT_FALSE(inkBounds(picture).isEmpty());
+}
+
+TEST(MarkerPainter, LooksAnotherAfterAChangeOfAnythingThatShows) {
+    Marker marker = markerOf(amber, u"label"_s);
+    marker.rect = region;
+    Marker changed = marker;
+    changed.id = QUuid::createUuid();
+    changed.windowAppName = u"Terminal"_s;
+    EXPECT_TRUE(marker_painter::looksSame(marker, changed));
+    changed.rect.setWidth(region.width() + 1e-9);
+    EXPECT_FALSE(marker_painter::looksSame(marker, changed));
+    changed = marker;
+    changed.label = u"another"_s;
+    EXPECT_FALSE(marker_painter::looksSame(marker, changed));
+    changed = marker;
+    changed.color = QColor(blue);
+    EXPECT_FALSE(marker_painter::looksSame(marker, changed));
+    changed = marker;
+    changed.index = 2;
+    EXPECT_FALSE(marker_painter::looksSame(marker, changed));
 }
 
 INSTANTIATE_TEST_SUITE_P(MarkerPainter, AnyMarker, testing::Values(Spotlight::off, Spotlight::on),

@@ -169,4 +169,22 @@ TEST(MarkerReshape, APointThatIsNotFiniteChangesNothing) {
     }
 }
 
+TEST(MarkerOfAnAnnotation, HoldsTheTipOfAnArrowTheStartOfATextAndTheMiddleOfTheRest) {
+    Marker left = markerOf({0, 0, 100, 100});
+    Marker middle = markerOf({100, 0, 100, 100});
+    Marker right = markerOf({200, 0, 100, 100});
+    left.index = 1;
+    middle.index = 2;
+    right.index = 3;
+    const auto indexOf = [&](Annotation::Kind kind) {
+        const Annotation annotation{.kind = kind, .start = {50, 50}, .end = {250, 50}};
+        return resolveRegionIndex(annotation, {left, middle, right});
+    };
+    EXPECT_EQ(indexOf(Annotation::Kind::arrow), 3);
+    EXPECT_EQ(indexOf(Annotation::Kind::text), 1);
+    for (const Annotation::Kind kind : {Annotation::Kind::box, Annotation::Kind::ellipse,
+                                        Annotation::Kind::highlight, Annotation::Kind::image})
+        EXPECT_EQ(indexOf(kind), 2) << rawValue(kind).data();
+}
+
 } // namespace orvane
