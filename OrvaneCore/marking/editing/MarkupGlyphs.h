@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// The pictures on the palette's buttons: paths to fill, in points, around the origin, within a square of 18.
+/// The pictures on the palette's buttons: paths to fill, in points, around the origin, within a square of 19.
 /// Pure.
 QPainterPath toolGlyph(AnnotationTool tool);
 

@@ -278,6 +278,8 @@ TEST_F(AnnotationGesturesTest, AWrittenTextIsKept) {
     gestures.textClosed(view.editedAnnotation, u"see here"_s);
     ASSERT_EQ(document.annotations().size(), 1U);
     EXPECT_EQ(annotationNumber(1).text, u"see here"_s);
+    gestures.textClosed(view.editedAnnotation, u" "_s);
+    EXPECT_EQ(annotationNumber(1).text, u" "_s);
     EXPECT_TRUE(runs(annotationNumber(1), {100, 200}, {100, 200}));
 }
 
@@ -469,6 +471,23 @@ TEST_F(AnnotationGesturesTest, WhatIsCancelledIsNotAdded) {
     EXPECT_TRUE(document.annotations().empty());
 }
 
+TEST_F(AnnotationGesturesTest, APressDropsTheGestureThatIsGoingOn) {
+    shape(Kind::box, {300, 100}, {500, 200});
+    press({100, 100});
+    dragTo({200, 200});
+    document.setCurrentTool(AnnotationTool::select);
+    press({600, 500});
+    EXPECT_FALSE(gestures.isGoingOn());
+    release();
+    EXPECT_EQ(document.annotations().size(), 1U);
+
+    press({400, 102});
+    EXPECT_TRUE(gestures.isGoingOn());
+    press({600, 500});
+    dragTo({650, 550});
+    EXPECT_TRUE(runs(annotationNumber(1), {300, 100}, {500, 200}));
+}
+
 TEST_F(AnnotationGesturesTest, AShapeThatGoesAwayWhileItIsDraggedStaysAway) {
     for (const QPointF& place : {QPointF(200, 100), QPointF(300, 100)}) {
         const QUuid id = selectedShape(Kind::arrow, {100, 100}, {300, 100});
@@ -521,6 +540,16 @@ TEST_F(AnnotationGesturesTest, ATextIsOpenedAboveItsMiddle) {
     const QSizeF size = annotation_renderer::textSize(text, 1);
     EXPECT_TRUE(isPoint(view.place, {300 + size.width() / 2, 250 - size.height()}));
     EXPECT_FALSE(gestures.isGoingOn());
+}
+
+TEST_F(AnnotationGesturesTest, ATextThatIsOpenedIsNotDraggedOn) {
+    shape(Kind::text, {200, 300}, {200, 300}, u"words"_s);
+    press({205, 295});
+    EXPECT_TRUE(gestures.isGoingOn());
+    EXPECT_TRUE(gestures.editTextAt({205, 295}));
+    EXPECT_FALSE(gestures.isGoingOn());
+    dragTo({255, 345});
+    EXPECT_TRUE(runs(annotationNumber(1), {200, 300}, {200, 300}));
 }
 
 TEST_F(AnnotationGesturesTest, OnlyTheTopmostShapeIsOpenedAndOnlyATextWithWords) {

@@ -1,7 +1,10 @@
+#include "OrvaneCore/drawing/PointMap.h"
+#include "OrvaneCore/marking/AnnotationRenderer.h"
 #include "OrvaneCore/marking/editing/AnnotationBounds.h"
 #include "OrvaneCore/marking/editing/AnnotationDamage.h"
 #include "OrvaneCore/marking/editing/AnnotationScenePainter.h"
 #include "tests/support/DrawnPixels.h"
+#include "tests/unit/marking/ExactGeometry.h"
 
 #include <QPainter>
 #include <QRandomGenerator>
@@ -10,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <limits>
 
 namespace orvane::test {
 
@@ -134,11 +136,60 @@ TEST(AnnotationScene, IsNotShownWhereItsPlaceIsNotFinite) {
     scene.annotations = {shapeAt(Kind::highlight, {20, 20}, {60, 60})};
     scene.selectedId = scene.annotations[0].id;
     scene.draft = scene.annotations[0];
-    for (const qreal bad :
-         {std::numeric_limits<qreal>::quiet_NaN(), std::numeric_limits<qreal>::infinity()}) {
+    for (const qreal bad : {notANumber, infinite}) {
         scene.origin = {bad, 0};
         EXPECT_TRUE(inkBounds(pictureOf(scene)).isEmpty());
     }
+}
+
+TEST(AnnotationScene, IsOnTheFirstDisplayThatHoldsAPoint) {
+    AnnotationScene scene = emptyScene();
+    scene.origin = {1000, 500};
+    scene.displays = {{0, 0, 1000, 800}, {1000, 500, 300, 200}, {1200, 600, 400, 400}};
+    EXPECT_EQ(displayInView(scene, {1010, 510}), QRectF(0, 0, 300, 200));
+    EXPECT_EQ(displayInView(scene, {1299, 699}), QRectF(0, 0, 300, 200));
+    EXPECT_EQ(displayInView(scene, {1300, 699}), QRectF(200, 100, 400, 400));
+    EXPECT_EQ(displayInView(scene, {999, 510}), QRectF(-1000, -500, 1000, 800));
+    EXPECT_EQ(displayInView(scene, {1000, 900}), std::nullopt);
+    EXPECT_EQ(displayInView(scene, {notANumber, 510}), std::nullopt);
+}
+
+TEST(AnnotationScene, IsOnItsViewWhereNoDisplaysAreKnown) {
+    AnnotationScene scene = emptyScene();
+    scene.origin = {1000, 500};
+    EXPECT_EQ(displayInView(scene, {1000, 500}), QRectF(0, 0, 300, 200));
+    EXPECT_EQ(displayInView(scene, {1300, 510}), std::nullopt);
+    EXPECT_EQ(displayInView(scene, {1010, 499}), std::nullopt);
+    scene.size = {infinite, 200};
+    EXPECT_EQ(displayInView(scene, {1010, 510}), std::nullopt);
+}
+
+TEST(AnnotationScene, KeepsALabelOnTheDisplayOfItsShape) {
+    AnnotationScene scene = emptyScene({600, 200});
+    Annotation highlight = shapeAt(Kind::highlight, {280, 100}, {290, 110});
+    highlight.label = u"Words that need some room"_s;
+    scene.annotations = {highlight};
+    EXPECT_GT(inkBounds(pictureOf(scene)).right(), 310);
+    scene.displays = {{0, 0, 300, 200}, {300, 0, 300, 200}};
+    const QRect ink = inkBounds(pictureOf(scene));
+    EXPECT_LE(ink.right(), 299);
+    EXPECT_GE(ink.right(), 298);
+}
+
+TEST(AnnotationScene, LeavesNoInkWhereNobodyWipesItOff) {
+    AnnotationScene scene = emptyScene();
+    // Black on white.
+    Annotation text = shapeAt(Kind::text, {100, 150}, {100, 150}, white);
+    text.text = u'o' + QString(30, QChar(0x0301));
+    scene.annotations = {text};
+    const QRect place = AnnotationBounds(scene).annotation(text).boundingRect();
+    QImage unbounded = ground(scene.size.toSize());
+    QPainter painter(&unbounded);
+    annotation_renderer::draw(painter, text, PointMap(), 1);
+    painter.end();
+    ASSERT_FALSE(place.contains(inkBounds(unbounded)));
+    EXPECT_TRUE(place.contains(inkBounds(pictureOf(scene))));
+    EXPECT_FALSE(inkBounds(pictureOf(scene)).isEmpty());
 }
 
 TEST(AnnotationScene, LeavesThePainterAsItWas) {
@@ -156,7 +207,7 @@ TEST(AnnotationScene, LeavesThePainterAsItWas) {
 
 TEST(AnnotationDamage, IsNoneBetweenEqualScenesAndAllWhereTheViewIsAnother) {
     AnnotationScene before = largeScene();
-    before.annotations[0].strokeWidth = std::numeric_limits<qreal>::quiet_NaN();
+    before.annotations[0].strokeWidth = notANumber;
     before.draft = before.annotations[1];
     EXPECT_TRUE(damage(before, AnnotationScene(before)).isEmpty());
     AnnotationScene after = before;
@@ -165,6 +216,9 @@ TEST(AnnotationDamage, IsNoneBetweenEqualScenesAndAllWhereTheViewIsAnother) {
     after = before;
     after.size = {1000, 800.5};
     EXPECT_EQ(damage(before, after), QRegion(0, 0, 1000, 801));
+    after = before;
+    after.displays = {{0, 0, 1920, 1080}};
+    EXPECT_EQ(damage(before, after), wholeOf(after));
 }
 
 TEST(AnnotationDamage, OfOneOfManyIsThatOne) {

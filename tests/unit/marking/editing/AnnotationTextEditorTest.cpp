@@ -98,6 +98,16 @@ TEST_F(AnnotationTextEditorTest, GivesChangedWordsUnlessItIsCancelled) {
                                      Pair(first, u"by a click elsewhere"_s), Pair(first, QString())));
 }
 
+TEST_F(AnnotationTextEditorTest, GivesTheKeyboardBackWhoeverHasItMeanwhile) {
+    QLineEdit field(&view);
+    field.show();
+    AnnotationTextEditor other(view, [&field](const QUuid&, const QString&) { field.setFocus(); });
+    other.open(first, {400, 100});
+    field.setFocus();
+    other.close();
+    EXPECT_TRUE(view.hasFocus());
+}
+
 TEST_F(AnnotationTextEditorTest, TakesItsPopoverAlong) {
     editor->open(first, {400, 100});
     editor.reset();

@@ -38,6 +38,7 @@ TEST_F(AnnotationTextPopoverTest, OpensWithTheKeyboardAndAllSelected) {
     EXPECT_EQ(editor.selectedText(), u"old"_s);
     EXPECT_EQ(editor.placeholderText().toUtf8(), "Type text \xC2\xB7 Enter to place");
     EXPECT_EQ(popover.geometry().bottom() + 1, 299);
+    EXPECT_FALSE(editor.hasFrame()) << "the bubble is its frame";
 }
 
 TEST_F(AnnotationTextPopoverTest, SubmitsAndClosesOnReturn) {

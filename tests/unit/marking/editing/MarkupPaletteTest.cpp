@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
 namespace orvane {
@@ -80,8 +81,13 @@ TEST_F(MarkupPaletteTest, HasAButtonForEachToolColourAndWidth) {
         EXPECT_EQ(tool(i).accessibleName(), tools[i].second);
         EXPECT_EQ(tool(i).toolTip(), tools[i].second);
     }
+    const std::array colors{u"Red"_s, u"Orange"_s, u"Blue"_s, u"Green"_s, u"White"_s, u"Black"_s};
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        EXPECT_EQ(color(i).accessibleName(), colors[i]);
+    const std::array strokes{u"Thin"_s, u"Medium"_s, u"Thick"_s};
+    for (std::size_t i = 0; i < strokes.size(); ++i)
+        EXPECT_EQ(stroke(i).accessibleName(), strokes[i]);
     for (const FirstMouseButton* button : buttons()) {
-        EXPECT_FALSE(button->accessibleName().isEmpty());
         EXPECT_TRUE(palette.rect().adjusted(8, 8, -8, -8).contains(button->geometry()));
     }
 }
@@ -191,6 +197,7 @@ TEST_F(MarkupPaletteTest, HasChangedTheStoreWhenItTellsOfIt) {
 }
 
 TEST_F(MarkupPaletteTest, ShowsTheStateOfTheStore) {
+    EXPECT_THAT(shownAsOn(), ElementsAre(u"Select"_s, u"Red"_s, u"Medium"_s));
     store.setCurrentTool(AnnotationTool::region);
     EXPECT_THAT(shownAsOn(), ElementsAre(u"Red"_s, u"Medium"_s)) << "the tool is one that it does not have";
     store.setCurrentTool(AnnotationTool::ellipse);
@@ -221,6 +228,34 @@ TEST_F(MarkupPaletteTest, IsNotDraggedByAButtonOrWithoutLeave) {
     EXPECT_EQ(palette.pos(), QPoint(100, 100));
 }
 
+TEST_F(MarkupPaletteTest, IsDraggedWithTheLeftButtonOnly) {
+    palette.setDraggable(true);
+    QWindow* window = ground.windowHandle();
+    const auto mousePress = [&](Qt::MouseButton button) {
+        QTest::mousePress(window, button, Qt::NoModifier, palette.mapTo(&ground, QPoint(4, 22)));
+    };
+    mousePress(Qt::RightButton);
+    test::moveTo(ground, {154, 132});
+    QTest::mouseRelease(window, Qt::RightButton, Qt::NoModifier, {154, 132});
+    EXPECT_EQ(palette.pos(), QPoint(100, 100));
+
+    mousePress(Qt::LeftButton);
+    mousePress(Qt::RightButton);
+    QTest::mouseRelease(window, Qt::RightButton, Qt::NoModifier, {104, 122});
+    test::moveTo(ground, {154, 132});
+    EXPECT_EQ(palette.pos(), QPoint(150, 110));
+    test::releaseAt(ground, {154, 132});
+}
+
+TEST_F(MarkupPaletteTest, StopsWhenItMayNoLongerBeDragged) {
+    palette.setDraggable(true);
+    test::pressAt(palette, {4, 22});
+    palette.setDraggable(false);
+    test::moveTo(ground, {154, 132});
+    EXPECT_EQ(palette.pos(), QPoint(100, 100));
+    test::releaseAt(ground, {154, 132});
+}
+
 TEST_F(MarkupPaletteTest, StaysReachable) {
     palette.setDraggable(true);
     const int right = palette.width() - 4;
@@ -242,6 +277,37 @@ TEST_F(MarkupPaletteTest, HasRoomForAGripWhenItCanBeDragged) {
     EXPECT_GT(palette.width(), width);
     palette.setDraggable(false);
     EXPECT_EQ(palette.width(), width);
+}
+
+TEST_F(MarkupPaletteTest, ShowsWhereItCanBeDragged) {
+    const auto isGripShown = [this] {
+        const QImage strip = test::pictureOf(palette).copy(6, 4, tool(0).x() - 6, palette.height() - 8);
+        return !test::inkBounds(strip, strip.pixel(0, 0), 24).isEmpty();
+    };
+    const QImage fixed = test::pictureOf(palette);
+    EXPECT_FALSE(isGripShown());
+    palette.setDraggable(true);
+    EXPECT_TRUE(isGripShown());
+    palette.setDraggable(false);
+    EXPECT_EQ(test::pictureOf(palette), fixed);
+}
+
+TEST_F(MarkupPaletteTest, DividesToolsColoursAndWidths) {
+    const QImage picture = test::pictureOf(palette);
+    const auto between = [&picture](const QWidget& left, const QWidget& right) {
+        const int begin = left.geometry().right() + 1;
+        return test::inkBounds(picture.copy(begin, 4, right.x() - begin, picture.height() - 8),
+                               picture.pixel(begin, 4), 24);
+    };
+    for (const QRect& divider : {between(tool(5), color(0)), between(color(5), stroke(0))})
+        EXPECT_EQ(divider.size(), QSize(1, 24));
+    EXPECT_TRUE(between(tool(0), tool(1)).isEmpty());
+}
+
+TEST_F(MarkupPaletteTest, ShowsAnArrowAsPointer) {
+    EXPECT_EQ(palette.cursor().shape(), Qt::ArrowCursor);
+    for (const FirstMouseButton* button : buttons())
+        EXPECT_EQ(button->cursor().shape(), Qt::ArrowCursor) << button->title().toStdString();
 }
 
 TEST_F(MarkupPaletteTest, KeepsTheMouseFromTheView) {
