@@ -7,12 +7,48 @@
 #include <QTimer>
 
 #include <atomic>
+#include <csignal>
+
+#include <sys/types.h>
 
 namespace orvane::test {
 
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr QRgb noticeGround = 0xFF1F1F1F;
+constexpr QRgb buttonGround = 0xFF2B2D31;
+
+/// A notice and the pin button, as the application has them beside the overlay.
+class OtherWindows {
+public:
+    /// On a screen 1280 wide.
+    static constexpr QPoint onButton{1280 - 12 - 16, 40 + 28};
+
+    OtherWindows(Surfaces& surfaces, const PlatformWords& words)
+        : notices(surfaces)
+        , m_item([] { return StatusMenuState(); }, [](StatusAction, const std::optional<QString>&) {},
+                 [] { return false; }, surfaces, words) {
+        notices.show(u"That before"_s, 60s);
+    }
+
+    /// Beside the text of the first notice.
+    QPoint onNotice() const {
+        const QRect frame = notices.panels().front()->frame();
+        return {frame.left() + 8, frame.center().y()};
+    }
+
+    void setHeldBack(bool areHeldBack) {
+        notices.setHeldBack(areHeldBack);
+        m_item.setButtonHeldBack(areHeldBack);
+    }
+
+    ToastWindow notices;
+
+private:
+    StatusItem m_item;
+};
 
 class Submission : public OverlayFixture {
 protected:
@@ -245,19 +281,12 @@ TEST_F(Submission, MayBeginBeforeTheLastOneHasEnded) {
 TEST_F(Submission, HasNoOtherWindowOfOursInItsPictures) {
     // As large as the screen it would be above the button.
     const auto ground = cover(u"1280x780+0+0"_s);
-    ToastWindow notices(surfaces);
-    StatusItem item([] { return StatusMenuState(); }, [](StatusAction, const std::optional<QString>&) {},
-                    [] { return false; }, surfaces, words);
-    holdWindowsBack = [&](bool areHeldBack) {
-        notices.setHeldBack(areHeldBack);
-        item.setButtonHeldBack(areHeldBack);
-    };
-    notices.show(u"That before"_s, 60s);
-    const QRect noticeFrame = notices.panels().front()->frame();
-    const QPoint notice(noticeFrame.left() + 8, noticeFrame.center().y());
-    const QPoint button(1280 - 12 - 16, 40 + 28);
-    const QRgb plate = blended(0xFF1F1F1F, 0.9, white);
-    const QRgb buttonGround = 0xFF2B2D31;
+    OtherWindows others(surfaces, words);
+    holdWindowsBack = [&](bool areHeldBack) { others.setHeldBack(areHeldBack); };
+    const ToastWindow& notices = others.notices;
+    const QPoint notice = others.onNotice();
+    const QPoint button = OtherWindows::onButton;
+    const QRgb plate = blended(noticeGround, 0.9, white);
     ASSERT_TRUE(comesToShow(notice, plate));
     ASSERT_TRUE(comesToShow(button, buttonGround));
 
@@ -265,7 +294,7 @@ TEST_F(Submission, HasNoOtherWindowOfOursInItsPictures) {
     EXPECT_TRUE(comesToShow(notice, blended(black, 38.0 / 255, white)));
     EXPECT_TRUE(comesToShow(button, blended(black, 38.0 / 255, white)));
     mark({100, 200}, {300, 300});
-    notices.show(u"Meanwhile"_s, 60s);
+    others.notices.show(u"Meanwhile"_s, 60s);
     press(u"Return"_s);
     ASSERT_TRUE(isSubmitted());
     const QImage display = picture(u"display-annotated.png"_s);
@@ -325,6 +354,31 @@ TEST_F(SubmissionUncomposited, ShowsTheScreenAndNotItsFrozenPicture) {
     ASSERT_TRUE(isSubmitted());
     const QImage crop = picture(u"region-1.png"_s);
     EXPECT_TRUE(isFilled(crop, crop.rect(), 0xFF008000));
+}
+
+TEST_F(SubmissionUncomposited, FreezesNoOtherWindowOfOurs) {
+    // As large as the screen it would be above the button.
+    const auto ground = cover(u"1280x780+0+0"_s);
+    OtherWindows others(surfaces, words);
+    holdWindowsBack = [&](bool areHeldBack) { others.setHeldBack(areHeldBack); };
+    const QRgb dimmed = blended(black, 38.0 / 255, white);
+    const auto areUp = [&] {
+        return screen().pixel(others.onNotice()) == noticeGround &&
+               screen().pixel(OtherWindows::onButton) == buttonGround;
+    };
+    ASSERT_TRUE(eventuallyInLoop(areUp));
+    show();
+    EXPECT_TRUE(comesToShow(others.onNotice(), dimmed));
+    EXPECT_TRUE(comesToShow(OtherWindows::onButton, dimmed));
+    controller.cancelOverlay();
+    ASSERT_TRUE(eventuallyInLoop(areUp));
+
+    // Over one that is too slow to draw where a window has gone.
+    ::kill(static_cast<pid_t>(ground->pid()), SIGSTOP);
+    show();
+    EXPECT_TRUE(comesToShow(others.onNotice(), dimmed));
+    EXPECT_TRUE(comesToShow(OtherWindows::onButton, dimmed));
+    ::kill(static_cast<pid_t>(ground->pid()), SIGCONT);
 }
 
 TEST_F(SubmissionOnTwoDisplays, HasAPictureOfEachDisplay) {

@@ -6,6 +6,7 @@
 #include "OrvaneCore/marking/overlay/MarkerManager.h"
 #include "OrvaneCore/marking/submit/SubmitPipeline.h"
 #include "OrvaneCore/platform/Displays.h"
+#include "OrvaneCore/platform/PlatformError.h"
 #include "OrvaneCore/send/SendTargets.h"
 
 #include <QGuiApplication>
@@ -62,7 +63,6 @@ void OverlayController::showOverlay() {
         target = m_services.sendTargets.runningTargetsOrdered().front();
     manager.setCurrentSendTarget(target);
     m_isPreparing = true;
-    shareScreen();
     if (m_services.surfaces.canBeTranslucent()) {
         openWindows({});
         return;
@@ -76,6 +76,8 @@ void OverlayController::showOverlay() {
 }
 
 void OverlayController::openWindows(const FrozenScreens& frozen) {
+    // Not before the screen was frozen: who lies below a window that goes takes its time to draw there.
+    shareScreen();
     m_isPreparing = false;
     m_screenWatch = std::make_unique<QObject>();
     QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, m_screenWatch.get(),
@@ -118,7 +120,7 @@ OverlayController::FrozenScreens OverlayController::freezeScreens() const {
     FrozenScreens frozen;
     try {
         for (const Display& display : m_services.displays.list()) {
-            QImage picture = m_services.capture.captureDisplay(display.id, false);
+            QImage picture = freezeDisplay(display.id);
             QPainter(&picture).fillRect(picture.rect(), overlayDimming);
             frozen.insert(display.boundsPoints.topLeft().toPoint(), picture);
         }
@@ -126,6 +128,15 @@ OverlayController::FrozenScreens OverlayController::freezeScreens() const {
         logLine(u"the screen cannot be shown under the overlay: "_s + QString::fromUtf8(error.what()));
     }
     return frozen;
+}
+
+QImage OverlayController::freezeDisplay(quint32 displayId) const {
+    try {
+        return m_services.capture.captureDisplayExcludingOwnApp(displayId);
+    } catch (const PlatformError&) {
+        // Not every desktop can look behind windows. Then ours are better than no picture at all.
+        return m_services.capture.captureDisplay(displayId, false);
+    }
 }
 
 void OverlayController::hideOverlay() {

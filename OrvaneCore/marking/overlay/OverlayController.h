@@ -75,6 +75,8 @@ private:
     void openWindow(QScreen& screen, const QImage& frozen, SurfaceKeyboard keyboard);
     void screenRemoved(const QScreen* screen);
     FrozenScreens freezeScreens() const;
+    /// What the display shows of other programs.
+    QImage freezeDisplay(quint32 displayId) const;
     void picturesTaken(const MarkupModes& modes);
     /// Tells the other windows of ours, where that has changed, whether the screen is the overlay's.
     void shareScreen();

@@ -26,13 +26,15 @@ namespace orvane::test {
 
 using namespace Qt::StringLiterals;
 
-/// Displays with a picture each, some of which cannot be captured.
+/// Displays with a picture each, some of which cannot be captured, and most not without our own windows.
 class FakeScreens final : public ScreenSource {
 public:
     explicit FakeScreens(FakeDesktop& desktop)
         : m_desktop(desktop) {}
 
     std::map<quint32, QImage> pictures;
+    /// Without our own windows.
+    std::map<quint32, QImage> picturesWithoutOwn;
     /// What captures of a display throw.
     std::map<quint32, std::function<void()>> failures;
     std::vector<quint32> captured;
@@ -52,8 +54,11 @@ public:
             failure->second();
         return pictures[display.id];
     }
-    QImage captureWithoutOwnWindows(const Display&) override {
-        throw PlatformError(u"our windows are wanted"_s);
+    QImage captureWithoutOwnWindows(const Display& display) override {
+        const auto picture = picturesWithoutOwn.find(display.id);
+        if (picture == picturesWithoutOwn.end())
+            throw PlatformError(u"our windows are wanted"_s);
+        return picture->second;
     }
 
 private:
