@@ -75,6 +75,15 @@ TEST_F(SubmitFailure, WithoutAnyCaptureTheManifestAloneIsWritten) {
     }
 }
 
+TEST_F(SubmitFailure, OfSeveralErrorsTheLastIsTold) {
+    addLeftDisplay();
+    screens.failures[mainId] = [] { throw PlatformError(u"The first."_s); };
+    screens.failures[leftId] = [] { throw PlatformError(u"The second."_s); };
+    const auto result = submit(request({marker(1, {10, 10, 20, 20}), marker(2, {-100, 100, 20, 20})}));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->captureError, u"The second."_s);
+}
+
 TEST_F(SubmitFailure, APictureOfNothingIsSkippedInSilence) {
     screens.pictures[mainId] = QImage();
     const auto result = submit(request({marker(1, {10, 10, 20, 20})}));

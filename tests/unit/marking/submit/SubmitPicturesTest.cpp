@@ -201,6 +201,14 @@ TEST(SubmitPictures, EachAxisHasItsOwnScale) {
     EXPECT_EQ(pictures.regionCrop({10, 10, 20, 30}), picture.copy(20, 30, 40, 90));
 }
 
+TEST(SubmitPictures, StrokesHaveTheLargerOfBothScales) {
+    const QImage picture = ground({100, 200});
+    const SubmitPictures pictures(picture, {0, 0, 100, 100});
+    QImage crop = pictures.regionCrop({0, 0, 100, 100});
+    pictures.drawOnCrop(crop, {0, 0, 100, 100}, {redBox({20, 20, 60, 60})});
+    EXPECT_TRUE(isSpan(spanInRow(crop, 100, 0, 50, white, 0xFFFF0000), 16, 24));
+}
+
 TEST(SubmitPictures, AlmostWholePixelsAreWhole) {
     const QImage picture = knownPicture(150, 150, false);
     const SubmitPictures pictures(picture, {0.1, 0.2, 100, 100});
@@ -219,6 +227,12 @@ TEST(SubmitPictures, ARectangleFromAnyCornerIsTheSame) {
     const QImage picture = knownPicture(100, 100, false);
     const SubmitPictures pictures(picture, {0, 0, 100, 100});
     EXPECT_EQ(pictures.regionCrop({40, 60, -30, -40}), picture.copy(10, 20, 30, 40));
+    QImage usual = pictures.regionCrop({10, 20, 30, 40});
+    QImage fromBelow = usual;
+    pictures.drawOnCrop(usual, {10, 20, 30, 40}, {redBox({15, 30, 20, 20})});
+    pictures.drawOnCrop(fromBelow, {40, 60, -30, -40}, {redBox({15, 30, 20, 20})});
+    EXPECT_NE(usual, picture.copy(10, 20, 30, 40));
+    EXPECT_EQ(fromBelow, usual);
 }
 
 TEST(SubmitPictures, ThereIsNoCropOfWhatIsNoSize) {

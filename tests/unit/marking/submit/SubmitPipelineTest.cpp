@@ -113,6 +113,29 @@ TEST_F(Submit, CapturesComeFirstThenPicturesClipboardManifestAndLink) {
     EXPECT_TRUE(storage.latestSessionDir());
 }
 
+TEST_F(Submit, TheSessionIsTheLatestOnceItsManifestIsWritten) {
+    std::optional<QString> latest = u"nobody has asked"_s;
+    SubmitPipeline submitting({.storage = storage,
+                               .discovery = discovery,
+                               .screenCapture = screenCapture,
+                               .displays = desktop,
+                               .pngWriter = pngWriter,
+                               .textRecognizer = textRecognizer,
+                               .clipboard = clipboard,
+                               .sleep = [](std::chrono::milliseconds) {},
+                               .clock =
+                                   [&] {
+                                       latest = storage.latestSessionDir();
+                                       return now;
+                                   }});
+    testing::internal::CaptureStderr();
+    submitting.submit(
+        {.markers = {marker(1, {10, 10, 50, 50})}, .annotations = {}, .modes = {}, .sendTarget = {}}, [] {});
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(latest, std::nullopt);
+    EXPECT_EQ(storage.latestSessionDir(), QFileInfo(folder()).canonicalFilePath());
+}
+
 TEST_F(Submit, TheScreenIsLookedAtAfterTheWaitWithoutTheCursor) {
     submit({.markers = {marker(1, {10, 10, 50, 50})}, .annotations = {}, .modes = {}, .sendTarget = {}});
     EXPECT_THAT(screens.cursors, ElementsAre(false));
@@ -190,6 +213,43 @@ TEST_F(Submit, MidpointsOnEdgesBelongToTheRightAndBelow) {
     EXPECT_FALSE(result->allMarkers[2].displayId);
 }
 
+TEST_F(Submit, ADrawingIsOnTheCropOfItsRegionWhicheverDisplayHasIt) {
+    addLeftDisplay();
+    // The region's midpoint is on the main display, the middle of the drawing on the left one.
+    const auto result = submit({.markers = {marker(1, {-30, 100, 80, 40})},
+                                .annotations = {box({-28, 110, 40, 20})},
+                                .modes = {},
+                                .sendTarget = {}});
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->annotations.front().displayId, leftId);
+    EXPECT_EQ(result->annotations.front().regionIndex, 1);
+    EXPECT_EQ(picture(u"region-1.png"_s).pixel(42, 20), 0xFFFF0000);
+    EXPECT_NE(picture(u"display-annotated.png"_s).pixel(12, 120), 0xFFFF0000)
+        << "a display's picture has what is drawn on that display";
+}
+
+TEST_F(Submit, OnlyTheFirstSixteenDisplaysCount) {
+    for (quint32 id = 101; id <= 116; ++id)
+        addDisplay(makeDisplay(id, {400.0 + 100 * (id - 101), 0, 100, 100}), knownPicture(100, 100, false));
+    const auto result = submit({.markers = {marker(1, {1810, 10, 20, 20}), marker(2, {1910, 10, 20, 20})},
+                                .annotations = {},
+                                .modes = {},
+                                .sendTarget = {}});
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->allMarkers[0].displayId, 115U);
+    EXPECT_FALSE(result->allMarkers[1].displayId);
+}
+
+TEST_F(Submit, ASizeInPointsIsTruncated) {
+    desktop.displayList = {makeDisplay(mainId, {0, 0, 266.7, 200.7}, 1.5)};
+    const auto result =
+        submit({.markers = {marker(1, {10, 10, 20, 20})}, .annotations = {}, .modes = {}, .sendTarget = {}});
+    ASSERT_TRUE(result);
+    ASSERT_EQ(result->captures.size(), 1U);
+    EXPECT_EQ(result->captures.front().width, 266);
+    EXPECT_EQ(result->captures.front().height, 200);
+}
+
 TEST_F(Submit, ARegionOffAllDisplaysHasNoCropAndStillCounts) {
     const auto result = submit({.markers = {marker(1, {1000, 1000, 50, 50}), marker(2, {10, 10, 20, 20})},
                                 .annotations = {},
@@ -233,6 +293,7 @@ TEST_F(Submit, ACaptureIsNamedAfterItsFirstMarker) {
                                 .modes = {},
                                 .sendTarget = {}});
     EXPECT_EQ(result->captures.front().appName, u"Display"_s);
+    EXPECT_EQ(result->allMarkers[1].windowAppName, u"Mail"_s) << "each marker has a window of its own";
 }
 
 TEST_F(Submit, AnnotationsBelongToTheFirstRegionAroundTheirAnchor) {
@@ -297,6 +358,7 @@ TEST_F(Submit, TextIsReadInTheCleanCrops) {
     EXPECT_EQ(clipboard.text(), text);
     EXPECT_EQ(bytes(u"ocr.txt"_s), text.toUtf8());
     EXPECT_EQ(result->allMarkers[1].recognizedText, u"Hello\nWorld"_s);
+    EXPECT_EQ(result->captures.front().markers.at(1).recognizedText, u"Hello\nWorld"_s);
     EXPECT_TRUE(QString::fromUtf8(bytes(u"SESSION.md"_s))
                     .contains(u"**Recognized text:**\n\n```\nHello\nWorld\n```\n\n---\n\n### [2]"_s));
     EXPECT_TRUE(QString::fromUtf8(bytes(u"SESSION.md"_s)).contains(u"\n| ocr.txt | Recognized text"_s));
