@@ -571,6 +571,15 @@ TEST_F(OverlayOnTwoDisplays, SurvivesTheLossOfOne) {
     EXPECT_EQ(sessionFiles(), (QStringList{u"SESSION.md"_s, u"display-annotated.png"_s, u"region-2.png"_s}));
 }
 
+TEST_F(OverlayOnTwoDisplays, HasTheKeyboardOnTheOtherAfterTheLossOfThatWhichHadIt) {
+    show();
+    runCommand(u"xrandr"_s, {u"--delmonitor"_s, u"A"_s});
+    ASSERT_TRUE(eventuallyInLoop([&] { return controller.windows().size() == 1; }));
+    ASSERT_TRUE(eventuallyInLoop([&] { return window().isActiveWindow(); }));
+    press(u"Escape"_s);
+    EXPECT_TRUE(eventuallyInLoop([&] { return !controller.isShown(); }));
+}
+
 TEST_F(OverlayWithADisplayOnTheLeft, MarksOnBoth) {
     show();
     EXPECT_EQ(window().geometry(), QRect(640, 0, 1000, 700));

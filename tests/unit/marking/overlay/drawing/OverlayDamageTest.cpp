@@ -207,4 +207,16 @@ TEST(OverlayDamage, OfASelectionIsItsHandles) {
     EXPECT_LE(damagedArea(before, after), 2 * 17 * 17);
 }
 
+TEST(OverlayDamage, OfAMovedMarkerThatIsSelectedIsItsHandlesToo) {
+    OverlayScene before = emptyScene();
+    before.markers = {markerAt({60, 110, 150, 90})};
+    before.selectedMarkerId = before.markers[0].id;
+    OverlayScene after = before;
+    after.markers[0].rect.translate(40, 30);
+    const QRegion damaged = damage(before, after);
+    // Of the dots, what is outside of the outline and its halo.
+    EXPECT_TRUE(damaged.contains(QPoint(213, 203)));
+    EXPECT_TRUE(damaged.contains(QPoint(253, 233)));
+}
+
 } // namespace orvane::test

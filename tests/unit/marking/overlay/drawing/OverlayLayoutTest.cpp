@@ -99,6 +99,11 @@ TEST(OverlayLayout, SizeTagIsInsideAtTheTopOfTheView) {
     EXPECT_EQ(tag.top(), 7);
     const QRectF besideLow = overlay_layout::sizeTag(placed({100, 3, 300, 12}), view);
     EXPECT_EQ(besideLow.left(), 404);
+    // Of a display that begins further down than the view.
+    const QRectF low =
+        overlay_layout::sizeTag(placed({100, 103, 300, 150}, {}, QRectF(0, 100, 800, 500)), view);
+    EXPECT_EQ(low.right(), 396);
+    EXPECT_EQ(low.top(), 107);
 }
 
 TEST(OverlayLayout, SizeTagStaysInTheViewWithItsRegionPartlyOutside) {
@@ -140,6 +145,7 @@ TEST(OverlayLayout, DimensionLabelIsAboveTheRegionOrInside) {
     EXPECT_EQ(above.bottom(), 194);
     const QRectF inside = overlay_layout::dimensionLabel({100, 5, 300, 150}, view);
     EXPECT_EQ(inside.topLeft(), QPointF(106, 11));
+    EXPECT_EQ(overlay_layout::dimensionLabel({-30, 5, 300, 150}, view).topLeft(), QPointF(6, 11));
     EXPECT_LE(overlay_layout::dimensionLabel({790, 200, 8, 8}, view).right(), view.width());
     for (const QRectF& region : regions())
         EXPECT_TRUE(QRectF({0, 0}, view).contains(overlay_layout::dimensionLabel(region, view)));

@@ -125,6 +125,10 @@ TEST_P(PaintsOverlay, RegionThatIsDraggedOpen) {
 
     const QRectF label = overlay_layout::dimensionLabel(region, scene.shapes.size);
     EXPECT_TRUE(isWritten(shown, label.adjusted(1, 1, -1, -1), blended(plateGround, 0.9, white)));
+
+    // The last dash of a side ends with the side.
+    scene.currentRect = QRectF(60, 110, 150, 85);
+    EXPECT_TRUE(isFilled(picture(scene), pixels({56, 196, 160, 8}), white));
 }
 
 TEST_P(PaintsOverlay, CrosshairOverTheWholeView) {
@@ -139,6 +143,8 @@ TEST_P(PaintsOverlay, CrosshairOverTheWholeView) {
     EXPECT_EQ(column.width(), 1);
     EXPECT_NEAR(row.top(), 5 * ratio(), 1);
     EXPECT_NEAR(column.left(), 5 * ratio(), 1);
+    scene.mousePosition = QPointF(120.3, 150.4);
+    EXPECT_EQ(inkBounds(picture(scene, black).copy(pixels({130, 145, 270, 12})), black).height(), 1);
     // From edge to edge, dashed.
     for (const QRectF& stretch :
          {QRectF(0, 145, 12, 12), QRectF(388, 145, 12, 12), QRectF(115, 288, 12, 12), QRectF(115, 0, 12, 12)})
@@ -285,7 +291,11 @@ TEST_P(PaintsOverlay, MarksOfAnotherDisplayKeepTheirTextsThere) {
     const QRectF beside(30, 95, 300, 195);
     EXPECT_TRUE(isFilled(picture(scene), pixels(beside), white));
     EXPECT_TRUE(isFilled(picture(scene), pixels({12, 168, 300, 18}), white));
+    // One whose middle is on the view has its texts here.
+    scene.markers[0].rect = {-40, 100, 100, 60};
+    EXPECT_FALSE(isFilled(picture(scene), pixels({12, 168, 300, 18}), white));
     // Alone, the view has them.
+    scene.markers[0].rect = {-90, 100, 100, 60};
     scene.shapes.displays = {{0, 0, 400, 300}};
     EXPECT_FALSE(isFilled(picture(scene), pixels({12, 168, 300, 18}), white));
 }

@@ -81,6 +81,8 @@ TEST(OverlayBarLayout, ThenShrinksTheLabelAndThenTheLongestTitles) {
     EXPECT_EQ(narrower.parts[3].width(), 75 + 2 * narrower.padding);
     EXPECT_EQ(narrower.parts[5].width(), 55 + 2 * narrower.padding);
     EXPECT_GE(narrower.bar.width(), 640 - 8);
+    // An icon and a bit of the text remain.
+    EXPECT_EQ(narrower.parts[7].width(), 48);
 }
 
 TEST(OverlayBarLayout, StaysAtTheTopOfAViewThatIsTooLow) {

@@ -53,6 +53,13 @@ protected:
     }
     QWidget& hint() const { return *bar.findChild<QWidget*>(u"sendHintLabel"_s); }
 
+    /// So that what is white can be seen.
+    void darkenGround() {
+        QPalette dark(ground.palette());
+        dark.setColor(QPalette::Window, Qt::black);
+        ground.setPalette(dark);
+    }
+
     test::InMemorySettings settings;
     MarkerManager manager;
     std::vector<OverlayCommand> commands;
@@ -166,6 +173,37 @@ TEST_F(OverlayBarTest, FitsIntoAViewOf640Points) {
     EXPECT_LE(end, bar.width() - 8);
 }
 
+TEST_F(OverlayBarTest, TitlesAreWholeAsLongAsPaddingsCanShrink) {
+    darkenGround();
+    const auto titleOf = [](FirstMouseButton& of) {
+        const QImage picture = test::pictureOf(of);
+        return picture.copy((picture.width() - of.titleWidth()) / 2, 8, of.titleWidth(), 12);
+    };
+    const QImage whole = titleOf(button("cancelButton"));
+    const int usual = button("cancelButton").width();
+    bar.place(QRect(0, 0, bar.width() - 120, 300));
+    ASSERT_LT(button("cancelButton").width(), usual);
+    ASSERT_GT(button("cancelButton").width(), button("cancelButton").titleWidth());
+    EXPECT_EQ(titleOf(button("cancelButton")), whole);
+}
+
+TEST_F(OverlayBarTest, AHintThatIsCutShortSaysSo) {
+    manager.setDirectSend(true);
+    manager.setCurrentSendTarget(mail);
+    darkenGround();
+    const auto beforeIcon = [this] { return test::pictureOf(hint()).copy(0, 0, 25, 28); };
+    const QImage whole = beforeIcon();
+    bar.place(QRect(0, 0, 640, 300));
+    ASSERT_EQ(hint().width(), 48);
+    EXPECT_NE(beforeIcon(), whole) << "the text goes on beneath the icon";
+}
+
+TEST_F(OverlayBarTest, SaysWhatItsButtonsDo) {
+    EXPECT_EQ(button("ocrButton").toolTip(), overlay_bar_tips::ocr());
+    EXPECT_EQ(button("cancelButton").toolTip(), overlay_bar_tips::cancel());
+    EXPECT_EQ(button("ocrButton").accessibleDescription(), overlay_bar_tips::ocr());
+}
+
 TEST_F(OverlayBarTest, DimsSubmitWhileThereIsNoRegion) {
     const auto isBright = [this] {
         const QPoint inside = button("submitButton").mapTo(&ground, QPoint(7, 14));
@@ -187,9 +225,7 @@ TEST_F(OverlayBarTest, DimsSubmitWhileThereIsNoRegion) {
 }
 
 TEST_F(OverlayBarTest, HasALightEdgeOnDarkWindows) {
-    QPalette dark(ground.palette());
-    dark.setColor(QPalette::Window, Qt::black);
-    ground.setPalette(dark);
+    darkenGround();
     const QImage picture = test::pictureOf(ground);
     const QRgb plate = test::blended(0xFF1F1F1F, 0.92, test::black);
     for (const QPoint& place :

@@ -245,6 +245,93 @@ TEST_F(OverlayViewTest, EnterOfTheKeypadSubmits) {
     EXPECT_EQ(submissions, 2);
 }
 
+TEST_F(OverlayViewTest, AKeyThatIsHeldRemovesOnAndTogglesOnce) {
+    const auto repeat = [this](int key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(&view, &event);
+    };
+    test::typeKey(ground, Qt::Key_M);
+    repeat(Qt::Key_M);
+    EXPECT_TRUE(manager.markupMode());
+    repeat(Qt::Key_Return);
+    EXPECT_EQ(submissions, 0);
+    for (int i = 0; i < 3; ++i)
+        manager.add({0, 150, 200, 100}, QString());
+    test::typeKey(ground, Qt::Key_Backspace);
+    repeat(Qt::Key_Backspace);
+    EXPECT_EQ(manager.markers().size(), 1U);
+}
+
+TEST_F(OverlayViewTest, BothDeleteKeysRemove) {
+    for (const Qt::Key key : {Qt::Key_Backspace, Qt::Key_Delete}) {
+        manager.add({0, 150, 200, 100}, QString());
+        test::typeKey(ground, key);
+        EXPECT_TRUE(manager.markers().empty()) << key;
+    }
+}
+
+TEST_F(OverlayViewTest, TabGoesToTheNextApplicationAndToNoOtherWidget) {
+    targets = SendTargets({{.name = u"First"_s, .bundleID = u"first"_s},
+                           {.name = u"Second"_s, .bundleID = u"second"_s},
+                           {.name = u"Third"_s, .bundleID = u"third"_s}});
+    commands.perform(OverlayCommand::toggleSend);
+    const auto target = [this] { return manager.currentSendTarget().value_or(SendTarget()).name; };
+    test::typeKey(ground, Qt::Key_Tab);
+    EXPECT_EQ(target(), u"Second"_s);
+    test::typeKey(ground, Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(target(), u"Third"_s);
+    test::typeKey(ground, Qt::Key_Left);
+    EXPECT_EQ(target(), u"Second"_s);
+    test::typeKey(ground, Qt::Key_Right);
+    EXPECT_EQ(target(), u"Third"_s);
+    EXPECT_TRUE(view.hasFocus());
+}
+
+TEST_F(OverlayViewTest, AGestureWhoseReleaseWentElsewhereIsOver) {
+    moveTo({100, 100});
+    press({100, 100});
+    moveTo({200, 200});
+    ASSERT_TRUE(view.current().currentRect);
+    QMouseEvent move(QEvent::MouseMove, QPointF(220, 220), QPointF(220, 220), QPointF(220, 220), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &move);
+    EXPECT_FALSE(view.current().currentRect);
+    release({220, 220});
+    EXPECT_TRUE(manager.markers().empty());
+}
+
+TEST_F(OverlayViewTest, ALabelThatIsLeftForAnotherRegionIsKept) {
+    drag({100, 100}, {300, 250});
+    test::typeText(u"kept"_s);
+    drag({400, 100}, {600, 250});
+    ASSERT_EQ(manager.markers().size(), 2U);
+    EXPECT_EQ(manager.markers()[0].label, u"kept"_s);
+    test::typeText(u"another"_s);
+    test::typeKey(ground, Qt::Key_Return);
+    EXPECT_EQ(manager.markers()[0].label, u"kept"_s);
+    EXPECT_EQ(manager.markers()[1].label, u"another"_s);
+    EXPECT_TRUE(view.hasFocus());
+}
+
+TEST_F(OverlayViewTest, TheSecondOfTwoQuickRightClicksOpensALabelToo) {
+    manager.add({0, 150, 200, 100}, u"label"_s);
+    const QPointF place(150, 150);
+    QMouseEvent second(QEvent::MouseButtonDblClick, place, place, place, Qt::RightButton, Qt::RightButton,
+                       Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &second);
+    test::typeText(u"new"_s);
+    test::typeKey(ground, Qt::Key_Return);
+    EXPECT_EQ(manager.markers()[0].label, u"new"_s);
+}
+
+TEST_F(OverlayViewTest, ThePaletteStandsAboveTheBar) {
+    commands.perform(OverlayCommand::toggleMarkup);
+    const QRect bar = childOf<OverlayBar>(view)->geometry();
+    const QRect palette = childOf<MarkupPalette>(view)->geometry();
+    EXPECT_EQ(palette.bottom() + 1, bar.top() - 16);
+    EXPECT_LE(std::abs(palette.center().x() - view.rect().center().x()), 1);
+}
+
 TEST_F(OverlayViewTest, ControlZUndoes) {
     keyboard.code = 6;
     manager.add({0, 150, 200, 100}, QString());
