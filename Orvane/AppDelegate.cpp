@@ -45,7 +45,8 @@ AppDelegate::AppDelegate(Platform& platform)
                         .displays = platform.displays(),
                         .pngWriter = platform.pngWriter(),
                         .textRecognizer = m_services.textRecognizer(),
-                        .clipboard = platform.clipboard()})
+                        .clipboard = platform.clipboard(),
+                        .words = platform.words()})
     , m_overlay({.manager = m_markers,
                  .sendTargets = m_sendTargets,
                  .pipeline = m_submitPipeline,

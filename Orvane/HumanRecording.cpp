@@ -1,6 +1,7 @@
 #include "Orvane/HumanRecording.h"
 
 #include "OrvaneCore/base/Log.h"
+#include "OrvaneCore/capture/CaptureFailure.h"
 #include "OrvaneCore/capture/WindowDiscovery.h"
 #include "OrvaneCore/recording/ScreenRecorder.h"
 #include "OrvaneCore/settings/KeyboardShortcuts.h"
@@ -21,6 +22,14 @@ constexpr double toastSeconds = 4.0;
 QString clipboardText(const QString& appName, const QString& sessionId, const QString& folder) {
     return u"[Orvane] Recording of "_s + appName + u"\nSession: "_s + sessionId + u"\nTimeline: "_s + folder +
            u"/SESSION.md\nStart frame: "_s + folder + u"/frame-000-start.png\n"_s;
+}
+
+/// Why a recording did not begin, for the human.
+QString failedStartText(const std::exception& error, const PlatformWords& words) {
+    // While one of the human's own goes on, none is begun.
+    if (dynamic_cast<const AlreadyRecording*>(&error) != nullptr)
+        return u"An agent is recording: try again when it has stopped"_s;
+    return captureFailureText(error, words);
 }
 
 } // namespace
@@ -75,7 +84,7 @@ void HumanRecording::start(const std::optional<RecordingTarget>& target) {
         } catch (const std::exception& error) {
             logLine(u"recording failed: "_s + QString::fromUtf8(error.what()));
             clearFailedStart();
-            return [this] { m_isStarting = false; };
+            return [this, reason = failedStartText(error, m_words)] { failedToStart(reason); };
         }
         return [this, name] { started(name); };
     });
@@ -87,6 +96,11 @@ void HumanRecording::started(const QString& name) {
     m_appName = name;
     m_view.recordingChanged();
     logLine(u"human recording started for "_s + name);
+}
+
+void HumanRecording::failedToStart(const QString& reason) {
+    m_isStarting = false;
+    m_view.showToast(u"Nothing was recorded"_s, reason, u"exclamationmark.triangle.fill"_s, toastSeconds);
 }
 
 /// A recording whose first picture cannot be taken counts as going on until somebody stops it. Nobody but the

@@ -43,7 +43,7 @@ public:
     HumanRecording(ScreenRecorder& recorder, WindowDiscovery& discovery, const StorageManager& storage,
                    TaskRunner& tasks, View& view, const PlatformWords& words, TargetChooser chooseTarget);
 
-    /// Starts where nothing is going on, and stops what is.
+    /// Starts where nothing is going on, and stops what is. A start that fails is told by a toast.
     void toggle();
 
     /// Brings a recording to its end. Where that fails everything stays as it is, so that the human can try
@@ -57,6 +57,7 @@ public:
 private:
     void start(const std::optional<RecordingTarget>& target);
     void started(const QString& name);
+    void failedToStart(const QString& reason);
     void clearFailedStart();
     void stopped(const QString& sessionId, const QString& appName);
     void takeBack();

@@ -23,8 +23,10 @@ struct PlatformWords {
         bool operator==(const Modifiers&) const = default;
     };
 
-    /// What to do about a device that the program cannot use: the second line of a toast.
+    /// What to do about what the program cannot use: the second line of a toast.
     struct Remedies {
+        /// The desktop has not answered in time, which may mean that it does not let the program see it.
+        QString screen;
         QString camera;
         QString microphone;
 

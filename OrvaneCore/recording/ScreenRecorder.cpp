@@ -21,6 +21,9 @@ constexpr std::chrono::milliseconds lookGrace{500};
 
 } // namespace
 
+AlreadyRecording::AlreadyRecording()
+    : OrvaneError(OrvaneError::invalidArguments(u"Already recording. Call stop_recording first."_s)) {}
+
 NotRecording::NotRecording()
     : OrvaneError(OrvaneError::invalidArguments(u"Not recording."_s)) {}
 
@@ -100,7 +103,7 @@ std::shared_ptr<ScreenRecorder::Recording> ScreenRecorder::claim(const Recording
         const std::scoped_lock lock(m_mutex);
         last = m_recording;
         if (last && last->active)
-            throw OrvaneError::invalidArguments(u"Already recording. Call stop_recording first."_s);
+            throw AlreadyRecording();
     }
     // The loop of the recording before may still be in its last capture.
     if (last)

@@ -18,6 +18,13 @@
 
 namespace orvane {
 
+/// What a start throws while a recording is going on: an OrvaneError::invalidArguments that a caller can tell
+/// from others.
+class AlreadyRecording final : public OrvaneError {
+public:
+    AlreadyRecording();
+};
+
 /// What a stop throws when no recording is going on: an OrvaneError::invalidArguments that a caller can tell
 /// from others.
 class NotRecording final : public OrvaneError {
@@ -72,9 +79,9 @@ public:
 
     /// Takes the first picture, begins to record and gives the session id. `intervalMs` is the time from one
     /// look to the next where no movie is written; with a movie its rate counts. Throws
-    /// OrvaneError::invalidArguments while a recording is going on. What the first capture throws passes
-    /// unchanged, and then the recording counts as going on, with nothing captured, until it is stopped. What
-    /// a later one throws ends in the log: that look is left out, and the next one is taken when it is due.
+    /// AlreadyRecording while a recording is going on. What the first capture throws passes unchanged, and
+    /// then the recording counts as going on, with nothing captured, until it is stopped. What a later one
+    /// throws ends in the log: that look is left out, and the next one is taken when it is due.
     QString startRecording(const RecordingTarget& target, qint64 intervalMs, RecordingSource source);
 
     /// Takes the last picture, writes the report and gives the session id. Throws NotRecording when no

@@ -17,7 +17,8 @@ PlatformWords desktopWords() {
         .fileManager = u"file manager"_s,
         .tray = u"tray"_s,
         // There are no switches to turn on here: something is missing, or belongs to somebody else.
-        .remedies = {.camera = u"No camera can be opened: connect one, or join the group \"video\""_s,
+        .remedies = {.screen = u"The desktop does not answer: try again"_s,
+                     .camera = u"No camera can be opened: connect one, or join the group \"video\""_s,
                      .microphone = u"No microphone can be opened: connect one, or start the sound server"_s},
     };
 }

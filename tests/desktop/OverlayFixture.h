@@ -127,6 +127,7 @@ protected:
     std::function<void(std::chrono::milliseconds)> sleep = [](std::chrono::milliseconds time) {
         std::this_thread::sleep_for(time);
     };
+    PlatformWords words = freedesktop::desktopWords();
     SubmitPipeline pipeline{{.storage = storage,
                              .discovery = discovery,
                              .screenCapture = capture,
@@ -134,9 +135,9 @@ protected:
                              .pngWriter = pngWriter,
                              .textRecognizer = recognizer,
                              .clipboard = systemClipboard,
+                             .words = words,
                              .sleep = [this](std::chrono::milliseconds time) { sleep(time); }}};
     BackgroundTasks tasks;
-    PlatformWords words = freedesktop::desktopWords();
     OverlayController controller{
         {.manager = manager,
          .sendTargets = sendTargets,

@@ -337,6 +337,24 @@ describe("the human's recording", () => {
             });
         }));
 
+    it("tells the human where it cannot begin", async () => {
+        const waylands = await startDesktop("--size", "1280x800");
+        try {
+            waylands.settings({ SaveRawVideo: false, HasOnboarded: true });
+            // By this name an X server knows that a Wayland compositor has the screen.
+            waylands.run("xprop", "-root", "-f", "WL_SURFACE_ID", "8s", "-set", "WL_SURFACE_ID", "");
+            await withApplication(waylands, async (application) => {
+                waylands.run("xdotool", "key", "super+ctrl+r");
+                await until("it has failed", () =>
+                    application.stderr.includes("orvane: recording failed: A Wayland session shows "));
+                await until("a toast says so", () =>
+                    waylands.run("xwininfo", "-root", "-children").includes('"Nothing was recorded — Orvane"'));
+            });
+        } finally {
+            await waylands.stop();
+        }
+    });
+
     it("is not the only one that is finished when the application quits", async () => {
         rmSync(sessionsFolder(desktop), { recursive: true, force: true });
         const application = await Application.start(desktop);

@@ -18,7 +18,8 @@ inline PlatformWords macWords() {
             .deleteForward = u"Forward Delete"_s,
             .fileManager = u"Finder"_s,
             .tray = u"menu bar"_s,
-            .remedies = {.camera = u"Enable in System Settings > Privacy > Camera"_s,
+            .remedies = {.screen = u"Enable in System Settings > Privacy & Security > Screen Recording"_s,
+                         .camera = u"Enable in System Settings > Privacy > Camera"_s,
                          .microphone = u"Enable in System Settings > Privacy > Microphone"_s}};
 }
 

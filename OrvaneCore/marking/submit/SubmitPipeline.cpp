@@ -3,6 +3,7 @@
 #include "OrvaneCore/base/AtomicFile.h"
 #include "OrvaneCore/base/Log.h"
 #include "OrvaneCore/base/PlainFile.h"
+#include "OrvaneCore/capture/CaptureFailure.h"
 #include "OrvaneCore/drawing/RectEdges.h"
 #include "OrvaneCore/marking/submit/DisplayNumbers.h"
 #include "OrvaneCore/marking/submit/SnapshotManifest.h"
@@ -172,8 +173,8 @@ std::vector<SubmitPipeline::MarkedDisplay> SubmitPipeline::capture(const std::ve
         try {
             marked.back().picture = m_services.screenCapture.captureDisplay(display.id, false);
         } catch (const std::exception& error) {
-            result.captureError = QString::fromUtf8(error.what());
-            logLine(u"display capture error: "_s + *result.captureError);
+            result.captureError = captureFailureText(error, m_services.words);
+            logLine(u"display capture error: "_s + QString::fromUtf8(error.what()));
         }
     }
     return marked;

@@ -5,6 +5,7 @@
 #include "OrvaneCore/marking/submit/SubmitRequest.h"
 #include "OrvaneCore/marking/submit/SubmitResult.h"
 #include "OrvaneCore/platform/Clipboard.h"
+#include "OrvaneCore/platform/PlatformWords.h"
 #include "OrvaneCore/recognition/TextRecognizer.h"
 #include "OrvaneCore/send/DirectSender.h"
 #include "OrvaneCore/storage/StorageManager.h"
@@ -29,6 +30,7 @@ struct SubmitServices {
     const PngWriter& pngWriter;
     const TextRecognizer& textRecognizer;
     Clipboard& clipboard;
+    const PlatformWords& words;
     /// Without one nothing can be sent, and the clipboard is used in its place.
     DirectSender* directSender = nullptr;
     std::function<void(std::chrono::milliseconds)> sleep = [](std::chrono::milliseconds time) {

@@ -33,7 +33,8 @@ struct CaptureWithMarkers {
 struct SubmitResult {
     /// The order is that of capture.
     std::vector<CaptureWithMarkers> captures;
-    /// Why a display could not be captured, the last one where there are several; nothing where all could.
+    /// Why a display could not be captured, for the human: the last one where there are several; nothing
+    /// where all could.
     std::optional<QString> captureError = {};
     /// Markers with all that was found out about them.
     std::vector<Marker> allMarkers;

@@ -183,6 +183,10 @@ TEST_F(HumanRecordingTest, AFailedStartLeavesNothingBehind) {
     EXPECT_EQ(view.changes, 0);
     human.toggle();
     EXPECT_EQ(answers.size(), 1U) << "a new one can begin";
+    EXPECT_EQ(view.toasts,
+              (std::vector<RecordedView::Toast>{{u"Nothing was recorded"_s,
+                                                 u"An agent is recording: try again when it has stopped"_s,
+                                                 u"exclamationmark.triangle.fill"_s, 4.0}}));
     EXPECT_TRUE(log().contains(u"orvane: recording failed: Invalid arguments: Already recording. "_s));
 }
 
@@ -194,17 +198,35 @@ TEST_F(HumanRecordingTest, AStartWhoseFirstPictureFailsIsNoneForTheRecorderEithe
     EXPECT_FALSE(human.isRecording());
     EXPECT_EQ(recorder.recordingSessionId(), std::nullopt);
     EXPECT_EQ(view.changes, 0);
-    EXPECT_TRUE(view.toasts.empty());
+    EXPECT_EQ(view.toasts,
+              (std::vector<RecordedView::Toast>{
+                  {u"Nothing was recorded"_s,
+                   u"The human has refused to let the screen be captured. Ask them before you try again."_s,
+                   u"exclamationmark.triangle.fill"_s, 4.0}}));
     desktop.consent = test::FakeDesktop::Consent::given;
     clock.jump(5ms);
     record(DisplayTarget{11});
     EXPECT_TRUE(human.isRecording());
     EXPECT_TRUE(recorder.recordingSessionId());
+    EXPECT_EQ(view.toasts.size(), 1U) << "nothing has failed any more";
     const QString lines = log();
     EXPECT_TRUE(
         lines.contains(u"orvane: recording failed: The human has refused to let the screen be "
                        "captured. Ask them before you try again.\norvane: recording stopped (session "_s))
         << qPrintable(lines);
+}
+
+TEST_F(HumanRecordingTest, ADesktopThatDoesNotAnswerIsToldInThePlatformsWords) {
+    words.remedies.screen = u"Knock twice"_s;
+    desktop.duringCapture = [] { throw OrvaneError::permissionDenied(); };
+    human.toggle();
+    choose(WindowTarget{u"Terminal"_s, windowId});
+    const TaskRunner::Continuation failed = tasks.runWork();
+    EXPECT_TRUE(view.toasts.empty()) << "toasts are the main thread's";
+    failed();
+    ASSERT_EQ(view.toasts.size(), 1U);
+    EXPECT_EQ(view.toasts.front().subtitle, u"Knock twice"_s);
+    EXPECT_TRUE(log().contains(u"orvane: recording failed: Screen Recording permission required. "_s));
 }
 
 TEST_F(HumanRecordingTest, AFailedStartNeverEndsAnAgentsRecording) {

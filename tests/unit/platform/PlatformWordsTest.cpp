@@ -64,6 +64,7 @@ TEST(PlatformWords, AreThoseOfThisDesktop) {
     EXPECT_EQ(words.keyInWindows(u"V"), u"Ctrl+V"_s);
     EXPECT_EQ(words.fileManager, u"file manager"_s);
     EXPECT_EQ(words.tray, u"tray"_s);
+    EXPECT_EQ(words.remedies.screen, u"The desktop does not answer: try again"_s);
     EXPECT_EQ(words.remedies.camera, u"No camera can be opened: connect one, or join the group \"video\""_s);
     EXPECT_EQ(words.remedies.microphone,
               u"No microphone can be opened: connect one, or start the sound server"_s);

@@ -53,17 +53,21 @@ TEST_F(SubmitFailure, ADisplayThatCannotBeCapturedIsSkipped) {
 }
 
 TEST_F(SubmitFailure, WithoutAnyCaptureTheManifestAloneIsWritten) {
-    for (const auto& [failure, message] : std::vector<std::pair<std::function<void()>, QString>>{
-             {[] { throw OrvaneError::permissionDenied(); }, OrvaneError::permissionDenied().description()},
-             {[] { throw PlatformError(u"No screen."_s); }, u"No screen."_s},
-             {[] { throw std::runtime_error("out of luck"); }, u"out of luck"_s}}) {
+    words.remedies.screen = u"Knock twice"_s;
+    // What fails, what the log says of it and what the human is told.
+    for (const auto& [failure, message, told] :
+         std::vector<std::tuple<std::function<void()>, QString, QString>>{
+             {[] { throw OrvaneError::permissionDenied(); }, OrvaneError::permissionDenied().description(),
+              u"Knock twice"_s},
+             {[] { throw PlatformError(u"No screen."_s); }, u"No screen."_s, u"No screen."_s},
+             {[] { throw std::runtime_error("out of luck"); }, u"out of luck"_s, u"out of luck"_s}}) {
         screens.failures[mainId] = failure;
         clipboard.writes.clear();
         events.clear();
         const auto result = submit(request({marker(1, {10, 10, 20, 20})}));
         ASSERT_TRUE(result);
         EXPECT_TRUE(result->captures.empty());
-        EXPECT_EQ(result->captureError, message);
+        EXPECT_EQ(result->captureError, told);
         EXPECT_EQ(log, u"orvane: display capture error: "_s + message + u'\n' + lastLines() +
                            u"(0 capture(s), 1 region(s))\n"_s);
         EXPECT_THAT(files(), ElementsAre(u"SESSION.md"_s));
@@ -173,6 +177,7 @@ TEST_F(SubmitFailure, PicturesThatCannotBeEncodedHaveNoFile) {
                                    .pngWriter = writer,
                                    .textRecognizer = textRecognizer,
                                    .clipboard = clipboard,
+                                   .words = words,
                                    .sleep = [](std::chrono::milliseconds) {}});
         testing::internal::CaptureStderr();
         const auto result =

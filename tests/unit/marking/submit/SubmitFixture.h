@@ -7,6 +7,7 @@
 #include "tests/support/FakeTextRecognition.h"
 #include "tests/support/InMemorySettings.h"
 #include "tests/support/KnownPicture.h"
+#include "tests/support/MacWords.h"
 
 #include <QDir>
 #include <QFile>
@@ -200,6 +201,7 @@ protected:
     TextRecognizer textRecognizer{recognition};
     RecordingClipboard clipboard;
     RecordingSender sender;
+    PlatformWords words = macWords();
     QStringList events;
     QString log;
     SubmitPipeline pipeline{{.storage = storage,
@@ -209,6 +211,7 @@ protected:
                              .pngWriter = pngWriter,
                              .textRecognizer = textRecognizer,
                              .clipboard = clipboard,
+                             .words = words,
                              .directSender = &sender,
                              .sleep = [this](std::chrono::milliseconds time) { sleep(time); },
                              .clock = [this] { return now; }}};

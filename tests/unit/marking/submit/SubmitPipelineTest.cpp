@@ -390,6 +390,7 @@ TEST_F(Submit, TextInOneOfTwoRegionsStandsAlone) {
                                .pngWriter = pngWriter,
                                .textRecognizer = recognizer,
                                .clipboard = clipboard,
+                               .words = words,
                                .sleep = [](std::chrono::milliseconds) {}});
     testing::internal::CaptureStderr();
     const auto result =

@@ -122,6 +122,7 @@ TEST_F(SubmitSend, WithoutASenderTheClipboardIsUsed) {
                            .pngWriter = pngWriter,
                            .textRecognizer = textRecognizer,
                            .clipboard = clipboard,
+                           .words = words,
                            .sleep = [](std::chrono::milliseconds) {}});
     testing::internal::CaptureStderr();
     const auto result = unable.submit({.markers = {marker(1, {10, 10, 30, 30})},
