@@ -30,31 +30,48 @@ CaptureFiles::CaptureFiles(StorageManager& storage, const PngWriter& pngWriter,
     , m_clock(std::move(clock)) {}
 
 EncodedCapture CaptureFiles::encode(const QImage& image) const {
+    return encode(image, [](const QByteArray&) {});
+}
+
+EncodedCapture CaptureFiles::encodeAndSave(const QImage& image, const std::optional<QString>& appName,
+                                           const QString& suffix) const {
+    return encode(image, [&](const QByteArray& fullPng) { save(fullPng, appName, suffix); });
+}
+
+EncodedCapture CaptureFiles::encode(const QImage& image,
+                                    const std::function<void(const QByteArray&)>& handOn) const {
+    const auto encodeFull = [&] {
+        QByteArray png = m_pngWriter.encode(image);
+        if (png.isEmpty())
+            throw OrvaneError::captureEncodingFailed();
+        handOn(png);
+        return png;
+    };
     EncodedCapture capture;
     const bool small = std::max(image.width(), image.height()) <= ScreenCapture::agentMaxDimension;
     if (small) {
-        capture.fullPng = m_pngWriter.encode(image);
+        capture.fullPng = encodeFull();
         capture.agentPng = capture.fullPng;
         capture.agentSize = image.size();
     } else {
-        auto full = std::async(std::launch::async, [&] { return m_pngWriter.encode(image); });
+        auto full = std::async(std::launch::async, encodeFull);
         const QImage agentImage = ScreenCapture::resizeForLLM(image, ScreenCapture::agentMaxDimension);
         capture.agentPng = m_pngWriter.encode(agentImage);
         capture.agentSize = agentImage.size();
         capture.fullPng = full.get();
     }
-    if (capture.fullPng.isEmpty() || capture.agentPng.isEmpty())
+    if (capture.agentPng.isEmpty())
         throw OrvaneError::captureEncodingFailed();
     return capture;
 }
 
-void CaptureFiles::save(const EncodedCapture& capture, const std::optional<QString>& appName,
+void CaptureFiles::save(const QByteArray& fullPng, const std::optional<QString>& appName,
                         const QString& suffix) const {
     const QString stamp = m_clock().toLocalTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     const QString application = appName ? u'-' + legalFileName(*appName, longestAppName) : QString();
     const QString name = stamp + application + suffix + QStringLiteral(".png");
     // The result does not matter: see the header.
-    static_cast<void>(writeFileAtomically(QDir(m_storage.capturesDir()).filePath(name), capture.fullPng));
+    static_cast<void>(writeFileAtomically(QDir(m_storage.capturesDir()).filePath(name), fullPng));
 }
 
 QString legalFileName(const QString& name, qsizetype mostBytes) {

@@ -31,14 +31,22 @@ public:
     /// OrvaneError::captureEncodingFailed.
     EncodedCapture encode(const QImage& image) const;
 
+    /// encode() and save() in one, and quicker: the file is written while the agent's picture is still made.
+    /// Where that one alone cannot be encoded, the file stays.
+    EncodedCapture encodeAndSave(const QImage& image, const std::optional<QString>& appName,
+                                 const QString& suffix = QString()) const;
+
     /// Writes the full-size picture under the name "<stamp>-<appName><suffix>.png", without "-<appName>"
     /// where there is none; the stamp is local time, "yyyyMMdd-HHmmss". An application may call itself
     /// anything: what a file name cannot hold is replaced. Whoever looks for the file once this has returned
     /// finds it whole. A failure is ignored: a capture that cannot be kept is still worth showing.
-    void save(const EncodedCapture& capture, const std::optional<QString>& appName,
+    void save(const QByteArray& fullPng, const std::optional<QString>& appName,
               const QString& suffix = QString()) const;
 
 private:
+    /// `handOn` gets the full-size picture as soon as that is there, on a thread of its own where two work.
+    EncodedCapture encode(const QImage& image, const std::function<void(const QByteArray&)>& handOn) const;
+
     StorageManager& m_storage;
     const PngWriter& m_pngWriter;
     std::function<QDateTime()> m_clock;

@@ -85,8 +85,7 @@ QJsonObject CaptureTools::captureWindow(const QJsonObject& arguments) {
         return u"No window found for '%1'. Available: %2"_s.arg(appName, joinedNames(names));
     });
     const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
-    const EncodedCapture encoded = m_files.encode(captured.image);
-    m_files.save(encoded, appName);
+    const EncodedCapture encoded = m_files.encodeAndSave(captured.image, appName);
 
     const QString text =
         u"Captured %1 — %2.\n"
@@ -108,8 +107,7 @@ QJsonObject CaptureTools::captureWindowRegion(const QJsonObject& arguments) {
     const WindowInfo window = findWindow(*appName);
     const WindowCapture captured = m_screenCapture.captureWindow(window.windowId, false);
     const QImage crop = cropWindow(captured, rect->toRectF());
-    const EncodedCapture encoded = m_files.encode(crop);
-    m_files.save(encoded, *appName, u"-region"_s);
+    const EncodedCapture encoded = m_files.encodeAndSave(crop, *appName, u"-region"_s);
 
     const QString text = u"Captured region %1 of %2 - %3. Returned image: %4 px.%5"_s.arg(
         rect->toString(), window.appName, window.windowTitle,
@@ -123,8 +121,7 @@ QJsonObject CaptureTools::captureRegion(const QJsonObject& arguments) {
     if (!rect)
         throw OrvaneError::invalidArguments(u"x, y, width, height are all required as integers"_s);
     const QImage image = m_screenCapture.captureRegion(rect->x, rect->y, rect->width, rect->height, false);
-    const EncodedCapture encoded = m_files.encode(image);
-    m_files.save(encoded, std::nullopt, u"-region"_s);
+    const EncodedCapture encoded = m_files.encodeAndSave(image, std::nullopt, u"-region"_s);
 
     const QString text = u"Captured region (%1,%2) %3x%4. Returned image: %5 px.%6"_s.arg(
         QString::number(rect->x), QString::number(rect->y), QString::number(rect->width),
@@ -143,8 +140,8 @@ QJsonObject CaptureTools::captureAnnotated(const QJsonObject& arguments) {
 
     const std::vector<LabelledRegion> regions = readRegions(*given);
     const EncodedCapture encoded =
-        m_files.encode(renderAnnotations(captured.image, regions, captured.width, captured.height));
-    m_files.save(encoded, appName, u"-annotated"_s);
+        m_files.encodeAndSave(renderAnnotations(captured.image, regions, captured.width, captured.height),
+                              appName, u"-annotated"_s);
 
     QString text = u"Captured %1 - %2 (%3) with %4 annotation(s):\n"_s.arg(
         window.appName, window.windowTitle, sizeText(captured.width, captured.height, u'x'),
@@ -163,7 +160,7 @@ QJsonObject CaptureTools::captureDiff(const QJsonObject& arguments) {
     const EncodedCapture encoded = m_files.encode(captured.image);
     const PendingDiff latest{.agentPng = encoded.agentPng, .timestamp = m_clock()};
     const std::optional<PendingDiff> before = exchangeDiff(appName.toLower(), latest);
-    m_files.save(encoded, appName, before ? u"-after"_s : u"-before"_s);
+    m_files.save(encoded.fullPng, appName, before ? u"-after"_s : u"-before"_s);
 
     const QString size = sizeText(captured.width, captured.height, u'x');
     if (!before) {

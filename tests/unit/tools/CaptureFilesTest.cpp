@@ -59,9 +59,9 @@ TEST_F(CaptureFilesTest, FailsWhereNothingCanBeEncoded) {
 
 TEST_F(CaptureFilesTest, NamesAFileAfterTimeApplicationAndKind) {
     const EncodedCapture encoded = files.encode(knownPicture(10, 10, false));
-    files.save(encoded, QStringLiteral("My App"));
-    files.save(encoded, QStringLiteral("My App"), QStringLiteral("-before"));
-    files.save(encoded, std::nullopt, QStringLiteral("-region"));
+    files.save(encoded.fullPng, QStringLiteral("My App"));
+    files.save(encoded.fullPng, QStringLiteral("My App"), QStringLiteral("-before"));
+    files.save(encoded.fullPng, std::nullopt, QStringLiteral("-region"));
     EXPECT_EQ(savedNames(), (QStringList{QStringLiteral("20260304-050607-My App-before.png"),
                                          QStringLiteral("20260304-050607-My App.png"),
                                          QStringLiteral("20260304-050607-region.png")}));
@@ -69,10 +69,32 @@ TEST_F(CaptureFilesTest, NamesAFileAfterTimeApplicationAndKind) {
 
 TEST_F(CaptureFilesTest, SavesTheWholePicture) {
     const EncodedCapture encoded = files.encode(knownPicture(2048, 100, false));
-    files.save(encoded, QStringLiteral("App"));
+    files.save(encoded.fullPng, QStringLiteral("App"));
     QFile file(storage.capturesDir() + QStringLiteral("/20260304-050607-App.png"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), encoded.fullPng);
+}
+
+TEST_F(CaptureFilesTest, HasSavedWhatItHandsOut) {
+    for (const int width : {800, 2048}) {
+        const EncodedCapture encoded =
+            files.encodeAndSave(knownPicture(width, 100, false), QStringLiteral("App"), QStringLiteral("-x"));
+        EXPECT_EQ(encoded.agentPng, files.encode(knownPicture(width, 100, false)).agentPng);
+        EXPECT_EQ(QImage::fromData(encoded.fullPng), knownPicture(width, 100, false));
+        EXPECT_EQ(savedNames(), QStringList{QStringLiteral("20260304-050607-App-x.png")});
+        QFile file(storage.capturesDir() + QStringLiteral("/20260304-050607-App-x.png"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), encoded.fullPng);
+        ASSERT_TRUE(file.remove());
+    }
+}
+
+TEST_F(CaptureFilesTest, SavesNothingWhereNothingCanBeEncoded) {
+    const test::BrokenPngWriter broken;
+    const CaptureFiles brokenFiles(storage, broken, &QDateTime::currentDateTime);
+    for (const int width : {10, 2000})
+        EXPECT_THROW(brokenFiles.encodeAndSave(knownPicture(width, 10, false), std::nullopt), OrvaneError);
+    EXPECT_EQ(savedNames(), QStringList());
 }
 
 TEST_F(CaptureFilesTest, KeepsStrangeNamesInsideTheFolder) {
@@ -80,7 +102,7 @@ TEST_F(CaptureFilesTest, KeepsStrangeNamesInsideTheFolder) {
     for (const QString& name :
          {QStringLiteral("../../escape"), QStringLiteral("a/b\nc\td"), QString(10000, u'x'),
           QString(10000, u'漢'), QString(QChar(0)), QStringLiteral("..")}) {
-        files.save(encoded, name, QStringLiteral("-region"));
+        files.save(encoded.fullPng, name, QStringLiteral("-region"));
         const QStringList saved = savedNames();
         ASSERT_EQ(saved.size(), 1) << name.left(20).toStdString();
         EXPECT_TRUE(saved.front().endsWith(u"-region.png"));
@@ -96,7 +118,13 @@ TEST_F(CaptureFilesTest, GoesOnWhereNothingCanBeWritten) {
     QDir(storage.capturesDir()).removeRecursively();
     QFile inTheWay(storage.capturesDir());
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    EXPECT_NO_THROW(files.save(encoded, QStringLiteral("App")));
+    EXPECT_NO_THROW(files.save(encoded.fullPng, QStringLiteral("App")));
+    for (const int width : {10, 2048}) {
+        const EncodedCapture shown =
+            files.encodeAndSave(knownPicture(width, 10, false), QStringLiteral("App"));
+        EXPECT_EQ(QImage::fromData(shown.fullPng), knownPicture(width, 10, false));
+        EXPECT_FALSE(shown.agentPng.isEmpty());
+    }
 }
 
 TEST(LegalFileName, ReplacesOnlyWhatMustBe) {
