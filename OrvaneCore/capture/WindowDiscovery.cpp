@@ -88,6 +88,9 @@ std::vector<WindowInfo> WindowDiscovery::findWindows(const QString& appName) {
 }
 
 std::vector<WindowInfo> WindowDiscovery::realWindows(const WindowSnapshot& desktop) {
+    // A desktop that has not answered is not asked again, which might take as long once more.
+    if (desktop.applications.empty())
+        return {};
     const std::vector<Display> screens = displays();
     std::vector<WindowInfo> windows;
     for (const RunningApplication& application : desktop.applications) {
@@ -107,6 +110,8 @@ std::vector<WindowInfo> WindowDiscovery::realWindows(const WindowSnapshot& deskt
 
 std::vector<WindowInfo> WindowDiscovery::listWindowsByZOrder() {
     const WindowSnapshot desktop = snapshot();
+    if (desktop.onScreen.empty())
+        return {};
     const std::vector<Display> screens = displays();
     std::vector<WindowInfo> windows;
     for (const WindowEntry& row : desktop.onScreen) {

@@ -67,6 +67,19 @@ TEST_F(LostConnection, EndsAStoppedServersListingAfterFiveSeconds) {
     EXPECT_NO_THROW(capture.captureWindow(window.id(), false));
 }
 
+TEST_F(LostConnection, HoldsUpASearchForWindowsForOneListing) {
+    const TestWindow window;
+    ASSERT_EQ(discovery.listWindows().size(), 1U);
+    signalServer(SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(discovery.listWindows().empty());
+    EXPECT_GE(timer.elapsed(), 4900);
+    EXPECT_LT(timer.elapsed(), 9000);
+    signalServer(SIGCONT);
+    EXPECT_EQ(discovery.listWindows().size(), 1U);
+}
+
 TEST_F(LostConnection, DoesNotWaitForeverToConnect) {
     signalServer(SIGSTOP);
     QElapsedTimer timer;

@@ -44,6 +44,7 @@ public:
     /// Listings wait until they are asked to stop.
     std::atomic<bool> hangs = false;
 
+    std::atomic<int> displayLists = 0;
     int snapshots = 0;
     /// Those of some applications alone.
     int partialSnapshots = 0;
@@ -62,6 +63,7 @@ public:
     std::function<void()> duringCapture = [] {};
 
     std::vector<Display> list() override {
+        ++displayLists;
         refuse();
         return displayList;
     }

@@ -268,6 +268,21 @@ TEST_F(WindowDiscoveryTest, NeverThrows) {
     EXPECT_FALSE(discovery.activate(QStringLiteral("App")).success);
 }
 
+TEST_F(WindowDiscoveryTest, AsksForTheDisplaysOfWindowsOnly) {
+    const auto search = [this] {
+        discovery.listWindows();
+        discovery.listWindowsByZOrder();
+        discovery.findWindows(QStringLiteral("App"));
+    };
+    desktop.addApplication(1, QStringLiteral("App"), 10, {0, 0, 300, 200});
+    search();
+    EXPECT_EQ(desktop.displayLists, 3);
+    // It might be the desktop's silence once more.
+    desktop.failure = QStringLiteral("gone");
+    search();
+    EXPECT_EQ(desktop.displayLists, 3);
+}
+
 TEST_F(WindowDiscoveryTest, TellsTheBoundsOfOneWindow) {
     desktop.addApplication(1, QStringLiteral("App"), 10, {1, 2, 300, 200});
     EXPECT_EQ(discovery.bounds(10), QRectF(1, 2, 300, 200));
