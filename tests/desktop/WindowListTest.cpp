@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -208,6 +209,12 @@ TEST_F(WindowList, FindsByNameWhatTheFullListHolds) {
     ASSERT_TRUE(eventually([&] { return isOnScreen(minimised.id()); }));
     minimised.command(u"iconify"_s);
     ASSERT_TRUE(eventually([&] { return !isOnScreen(minimised.id()); }));
+    // The window manager lets a frame that it puts away shrink for a moment.
+    ASSERT_TRUE(eventually([&] {
+        const std::vector<WindowInfo> before = discovery.listWindows();
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        return discovery.listWindows() == before;
+    }));
     for (const auto& [appName, count] : std::vector<std::pair<QString, size_t>>{{u"PLANNER"_s, 1},
                                                                                 {u"pla"_s, 2},
                                                                                 {u"silent"_s, 1},
