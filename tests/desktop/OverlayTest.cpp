@@ -3,9 +3,12 @@
 #include "OrvaneCore/surface/TooltipBubble.h"
 #include "tests/desktop/OverlayFixture.h"
 
+#include <QBackingStore>
 #include <QClipboard>
 #include <QPaintEvent>
 #include <QPushButton>
+
+#include <stdexcept>
 
 namespace orvane::test {
 
@@ -61,7 +64,37 @@ protected:
         : Overlay({u"--monitors"_s, u"A:1600x1200+0+0,B:1000x700+1600+0"_s, u"--scale"_s, u"A=2;B=1"_s}) {}
 };
 
+/// At which every tenth point is half a pixel.
+class OverlayOnHalvesOfPixels : public Overlay {
+protected:
+    OverlayOnHalvesOfPixels()
+        : Overlay({u"--size"_s, u"1280x800"_s, u"--scale"_s, u"1.1"_s}) {}
+
+    /// What the overlay's window is made of once all is painted.
+    QImage painted() {
+        QCoreApplication::processEvents();
+        const QPaintDevice* pixels = window().backingStore()->paintDevice();
+        if (pixels->devType() != QInternal::Image)
+            throw std::runtime_error("the window is not painted into an image");
+        // Not a second face of the same pixels.
+        return static_cast<const QImage*>(pixels)->copy();
+    }
+};
+
 } // namespace
+
+TEST_F(OverlayOnHalvesOfPixels, LeavesNoRowOfPixelsUnpainted) {
+    show();
+    for (int i = 0; i < 20; ++i) {
+        const QImage before = painted();
+        manager.add(QRectF(300 + i, 200 + i, 150, 101), QString());
+        const QImage partial = painted();
+        window().update();
+        ASSERT_EQ(partial, painted()) << i;
+        ASSERT_NE(partial, before) << i;
+        manager.clearAll();
+    }
+}
 
 TEST_F(Overlay, DimsTheScreenAndHasTheKeyboardAtOnce) {
     const auto ground = cover(u"1280x800+0+0"_s);

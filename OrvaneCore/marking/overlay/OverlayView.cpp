@@ -9,10 +9,12 @@
 #include "OrvaneCore/marking/overlay/OverlayKeys.h"
 #include "OrvaneCore/marking/overlay/OverlayPainter.h"
 #include "OrvaneCore/platform/DesktopKeyboard.h"
+#include "OrvaneCore/surface/RepaintRegion.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
 
 #include <algorithm>
 #include <utility>
@@ -244,7 +246,7 @@ void OverlayView::refresh() {
     const QRegion changed = damage(m_shown, now);
     m_shown = std::move(now);
     if (!changed.isEmpty())
-        update(changed);
+        update(repaintRegion(changed, rect(), screen()->devicePixelRatio()));
 }
 
 OverlayScene OverlayView::scene() const {

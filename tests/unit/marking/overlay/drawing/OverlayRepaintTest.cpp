@@ -1,5 +1,6 @@
 #include "OrvaneCore/marking/Palettes.h"
 #include "OrvaneCore/marking/overlay/OverlayDamage.h"
+#include "OrvaneCore/surface/RepaintRegion.h"
 #include "tests/unit/marking/overlay/drawing/OverlayScenes.h"
 
 #include <QRandomGenerator>
@@ -223,8 +224,8 @@ std::ostream& operator<<(std::ostream& out, const Case& run) {
 
 std::vector<Case> allCases() {
     std::vector<Case> cases;
-    cases.reserve(12);
-    for (const qreal ratio : displayScales) {
+    cases.reserve(32);
+    for (const qreal ratio : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0, 2.25, 2.9}) {
         for (const bool spotlight : {false, true}) {
             for (const quint32 seed : {1U, 2U})
                 cases.push_back({ratio, spotlight, seed});
@@ -249,7 +250,8 @@ TEST_P(Repaints, DamageIsAllThatDiffers) {
     for (int i = 0; i < steps; ++i) {
         const OverlayScene before = work.scene;
         const std::string name = work.step();
-        const QRegion region = damage(before, work.scene);
+        const QRegion region =
+            repaintRegion(damage(before, work.scene), wholeOf(work.scene).boundingRect(), ratio);
         const QImage stale = picture;
         const QImage expected = pictureOf(work.scene, ratio, under);
         repaint(picture, work.scene, region, under);

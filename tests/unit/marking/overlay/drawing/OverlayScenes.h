@@ -56,11 +56,12 @@ inline Annotation shapeAt(Annotation::Kind kind, const QPointF& start, const QPo
     return {.kind = kind, .start = start, .end = end, .color = QColor(color), .strokeWidth = 3};
 }
 
-/// A picture of a view's ground with that many pixels to the point.
+/// A picture of a view's ground with that many pixels to the point; as large as what Qt shows of such a view.
 inline QImage viewGround(const QSizeF& size, qreal ratio, QRgb under) {
     const QSizeF pixels = size * ratio;
     QImage picture = ground(
-        {static_cast<int>(std::ceil(pixels.width())), static_cast<int>(std::ceil(pixels.height()))}, under);
+        {static_cast<int>(std::lround(pixels.width())), static_cast<int>(std::lround(pixels.height()))},
+        under);
     picture.setDevicePixelRatio(ratio);
     return picture;
 }
