@@ -34,7 +34,7 @@ int edgeAfter(int place, int end, qreal scale) {
 } // namespace
 
 QRegion repaintRegion(const QRegion& changed, const QRect& view, qreal scale) {
-    const QRegion shown = changed & view;
+    QRegion shown = changed & view;
     if (isExactForPainters(scale))
         return shown;
     QRegion region;
