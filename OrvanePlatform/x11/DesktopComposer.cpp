@@ -24,7 +24,9 @@ constexpr double fullyOpaque = 0xffffffff;
 
 struct TopLevel {
     xcb_window_t window;
+    /// With its border, in root-window pixels.
     QRect rect;
+    int border;
 };
 
 /// The window a compositor draws the screen on belongs to the server itself, whose resources carry no
@@ -57,8 +59,10 @@ std::vector<TopLevel> visibleTopLevels(const X11Connection& connection) {
             attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT)
             continue;
         const int borders = 2 * geometry->border_width;
-        topLevels.push_back({children[i], QRect(geometry->x, geometry->y, geometry->width + borders,
-                                                geometry->height + borders)});
+        topLevels.push_back(
+            {.window = children[i],
+             .rect = QRect(geometry->x, geometry->y, geometry->width + borders, geometry->height + borders),
+             .border = geometry->border_width});
     }
     return topLevels;
 }
@@ -99,7 +103,8 @@ QRegion shapeOf(const X11Connection& connection, const TopLevel& topLevel) {
     const xcb_rectangle_t* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
     for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i)
         region += QRect(rectangles[i].x, rectangles[i].y, rectangles[i].width, rectangles[i].height);
-    return region.translated(topLevel.rect.topLeft());
+    // Shapes are told from the corner inside the border.
+    return region.translated(topLevel.rect.topLeft() + QPoint(topLevel.border, topLevel.border));
 }
 
 /// The wallpaper where a property names it, as a tile that repeats from the root window's corner on.
