@@ -41,9 +41,8 @@ QHash<QString, QString> readDesktopEntryKeys(const QByteArray& contents) {
         const qsizetype equals = line.indexOf('=');
         if (!inGroup || equals <= 0 || line.startsWith('#'))
             continue;
-        const QString key = QString::fromUtf8(line.left(equals)).trimmed();
-        if (!values.contains(key))
-            values.insert(key, unescaped(QString::fromUtf8(line.mid(equals + 1)).trimmed()));
+        values.insert(QString::fromUtf8(line.left(equals)).trimmed(),
+                      unescaped(QString::fromUtf8(line.mid(equals + 1)).trimmed()));
     }
     return values;
 }

@@ -12,6 +12,8 @@
 
 #include <filesystem>
 
+#include <sys/stat.h>
+
 namespace orvane::freedesktop {
 namespace {
 
@@ -106,6 +108,11 @@ TEST(AutostartRules, AHiddenEntryIsNot) {
     EXPECT_FALSE(isStarted(" Hidden = true \n"));
     EXPECT_TRUE(isStarted("#Hidden=true\n"));
     EXPECT_TRUE(isStarted("[Desktop Action a]\nHidden=true\n"));
+}
+
+TEST(AutostartRules, TheLastOfAKeyThatComesAgainCounts) {
+    EXPECT_FALSE(isStarted("Hidden=false\nHidden=true\n"));
+    EXPECT_TRUE(isStarted("Hidden=true\nHidden=false\n"));
 }
 
 TEST(AutostartRules, GnomesSwitchCounts) {
@@ -269,6 +276,14 @@ TEST_F(AutostartFileTest, ALinkToNothingMasksAndIsReplaced) {
     m_entry.registerEntry();
     EXPECT_TRUE(m_entry.isRegistered());
     EXPECT_FALSE(QFileInfo(m_userFile).isSymLink());
+}
+
+// Whoever reads from it waits for somebody who writes.
+TEST_F(AutostartFileTest, APipeMasksAndIsNotWaitedFor) {
+    write(m_systemFile, shown);
+    ASSERT_TRUE(QDir().mkpath(under(u"user/autostart"_s)));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(m_userFile).constData(), 0600), 0);
+    EXPECT_FALSE(m_entry.isRegistered());
 }
 
 TEST_F(AutostartFileTest, RemovesALinkAndNotWhatItLeadsTo) {

@@ -6,8 +6,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <array>
 #include <chrono>
 #include <filesystem>
+#include <utility>
+#include <vector>
 
 namespace orvane::freedesktop {
 
@@ -26,7 +29,43 @@ void write(const QString& folder, const char* name, const QByteArray& body) {
     file.write("[Desktop Entry]\nType=Application\n" + body);
 }
 
+/// The variables that name a locale, as they were before in the end.
+class ProcessLocale : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* name : names)
+            m_before.emplace_back(name, qEnvironmentVariable(name));
+    }
+    void TearDown() override {
+        for (const auto& [name, value] : m_before) {
+            if (value.isNull()) {
+                qunsetenv(name);
+            } else {
+                qputenv(name, value.toLocal8Bit());
+            }
+        }
+    }
+
+    static constexpr std::array names{"LC_ALL", "LC_MESSAGES", "LANG"};
+
+private:
+    std::vector<std::pair<const char*, QString>> m_before;
+};
+
 } // namespace
+
+TEST_F(ProcessLocale, IsTheFirstThatIsSet) {
+    qputenv("LC_ALL", "de_DE.UTF-8");
+    qputenv("LC_MESSAGES", "fr_FR.UTF-8");
+    qputenv("LANG", "pt_BR.UTF-8");
+    EXPECT_EQ(DesktopEntries::processLocale(), u"de_DE.UTF-8");
+    qputenv("LC_ALL", "");
+    EXPECT_EQ(DesktopEntries::processLocale(), u"fr_FR.UTF-8");
+    qunsetenv("LC_MESSAGES");
+    EXPECT_EQ(DesktopEntries::processLocale(), u"pt_BR.UTF-8");
+    qunsetenv("LANG");
+    EXPECT_EQ(DesktopEntries::processLocale(), u"C");
+}
 
 TEST(DesktopEntry, HasNameAndWindowClass) {
     const auto entry = parse("# comment\n Name = Web Browser \nStartupWMClass=Browser\n");
@@ -43,6 +82,21 @@ TEST(DesktopEntry, PrefersTheMostSpecificLocale) {
     EXPECT_EQ(parse(body, "sr_RS.UTF-8@latin")->name, u"Datoteke");
     EXPECT_EQ(parse(body, "de_DE")->name, u"Files");
     EXPECT_EQ(parse(body, "C")->name, u"Files");
+}
+
+TEST(DesktopEntry, PrefersTheCountryToTheModifier) {
+    const char* body = "Name=Files\nName[sr]=Datoteke\nName[sr@latin]=Latinica\nName[sr_RS]=Srbija\n"
+                       "Name[sr_ME@latin]=Crna Gora\n";
+    EXPECT_EQ(parse(body, "sr_ME.UTF-8@latin")->name, u"Crna Gora");
+    EXPECT_EQ(parse(body, "sr_RS.UTF-8@latin")->name, u"Srbija");
+    EXPECT_EQ(parse(body, "sr_BA.UTF-8@latin")->name, u"Latinica");
+    EXPECT_EQ(parse(body, "sr_BA.UTF-8")->name, u"Datoteke");
+}
+
+// As the desktops' own readers do.
+TEST(DesktopEntry, TakesTheLastOfAKeyThatComesAgain) {
+    EXPECT_EQ(parse("Name=First\nName=Last\n")->name, u"Last");
+    EXPECT_EQ(parse("Name=First\n[Other]\nName=Other\n[Desktop Entry]\nName=Last\n")->name, u"Last");
 }
 
 TEST(DesktopEntry, ReadsOnlyItsOwnGroup) {
@@ -80,6 +134,17 @@ TEST(DesktopEntries, MatchesClassThenId) {
     EXPECT_EQ(name("x", "sub-inner"), u"Inner");
     EXPECT_EQ(name("x", "y"), std::nullopt);
     EXPECT_EQ(name("", ""), std::nullopt);
+}
+
+TEST(DesktopEntries, MatchesTheClassBeforeTheInstance) {
+    QTemporaryDir folder;
+    write(folder.path(), "editor.desktop", "Name=Editor\n");
+    write(folder.path(), "viewer.desktop", "Name=Viewer\n");
+    write(folder.path(), "a.desktop", "Name=Editor by class\nStartupWMClass=edit\n");
+    write(folder.path(), "b.desktop", "Name=Viewer by class\nStartupWMClass=view\n");
+    DesktopEntries entries({folder.path()}, QStringLiteral("C"));
+    EXPECT_EQ(entries.names()->of(QStringLiteral("viewer"), QStringLiteral("editor")), u"Editor");
+    EXPECT_EQ(entries.names()->of(QStringLiteral("view"), QStringLiteral("edit")), u"Editor by class");
 }
 
 TEST(DesktopEntries, NamesHaveNoControlCharacters) {
