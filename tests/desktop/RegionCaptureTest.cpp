@@ -1,6 +1,8 @@
 // Pictures of parts of the screen and of whole displays.
 #include "tests/desktop/DesktopFixture.h"
 
+#include <QPainter>
+
 #include <functional>
 #include <thread>
 #include <vector>
@@ -101,6 +103,31 @@ TEST_F(RegionCapture, DrawsThePointerWhenAsked) {
     plain.fill(Qt::red);
     EXPECT_EQ(capture.captureRegion(100, 100, 300, 200, false), plain);
     EXPECT_NE(capture.captureRegion(100, 100, 300, 200, true), plain);
+}
+
+TEST_F(RegionCapture, PutsThePointersHotSpotWhereItPoints) {
+    const auto window = colorWindow(u"300x200+100+100"_s, u"red"_s, {u"--undecorated"_s});
+    ASSERT_TRUE(screenShows({200, 200}, 0xffff0000U));
+    const auto connection = session.connection();
+    xcb_connection_t* const raw = connection->raw();
+    const xcb_pixmap_t square = xcb_generate_id(raw);
+    xcb_create_pixmap(raw, 1, square, connection->root(), 16, 16);
+    const xcb_gcontext_t graphics = xcb_generate_id(raw);
+    const uint32_t set = 1;
+    xcb_create_gc(raw, graphics, square, XCB_GC_FOREGROUND, &set);
+    const xcb_rectangle_t all{0, 0, 16, 16};
+    xcb_poly_fill_rectangle(raw, square, graphics, 1, &all);
+    const xcb_cursor_t cursor = xcb_generate_id(raw);
+    // Blue, its hot spot not in the middle.
+    xcb_create_cursor(raw, cursor, square, square, 0, 0, 0xffff, 0, 0, 0xffff, 4, 10);
+    xcb_change_window_attributes(raw, static_cast<xcb_window_t>(window->id()), XCB_CW_CURSOR, &cursor);
+    connection->sync();
+    runCommand(u"xdotool"_s, {u"mousemove"_s, u"210"_s, u"220"_s});
+    QImage expected(300, 200, QImage::Format_RGB32);
+    expected.fill(Qt::red);
+    QPainter(&expected).fillRect(QRect(106, 110, 16, 16), Qt::blue);
+    EXPECT_EQ(capture.captureRegion(100, 100, 300, 200, true), expected);
+    EXPECT_EQ(capture.captureWindow(window->id(), true).image, expected);
 }
 
 TEST_F(RegionCapture, ManyAtOnceDoNotMix) {
