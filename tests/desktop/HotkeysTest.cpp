@@ -266,6 +266,25 @@ TEST_F(Hotkeys, AreUnsupportedWithoutTheirKey) {
     EXPECT_EQ(firings(overlay), 1);
 }
 
+TEST_F(Hotkeys, SayOnceThatTheirKeyIsMissingHoweverOftenTheKeyboardChanges) {
+    testing::internal::CaptureStderr();
+    const auto id = add({9999, commandControl}, State::unsupported);
+    add(mode);
+    for (const QString& layout : {u"fr"_s, u"us"_s}) {
+        setLayout({layout});
+        // Found at its new place once the change is known.
+        const QString& key = layout == u"fr"_s ? keyQ : keyA;
+        const int before = fired[mode.toJson()];
+        EXPECT_TRUE(soon([&] {
+            pressChord(key);
+            return fired[mode.toJson()] > before;
+        }));
+    }
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+    EXPECT_EQ(hotkeys->state(id), State::unsupported);
+}
+
 TEST_F(Hotkeys, DoNotWaitForAServerThatHangs) {
     const auto first = add(overlay);
     const auto server = static_cast<pid_t>(desktop.xServerPid());

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
@@ -51,15 +52,19 @@ public:
 protected:
     /// The desktop's keyring daemon, with a keyring of its own that is open.
     void startKeyring() {
-        m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        // When it ends it asks its whole process group to end.
-        m_daemon.setChildProcessModifier([] { ::setsid(); });
-        m_daemon.start(u"gnome-keyring-daemon"_s,
-                       {u"--foreground"_s, u"--components=secrets"_s, u"--unlock"_s});
+        startDaemon({u"--unlock"_s});
         m_daemon.write("password");
         ASSERT_TRUE(m_daemon.waitForBytesWritten());
         m_daemon.closeWriteChannel();
         ASSERT_TRUE(eventually([this] { return !defaultKeyring().isEmpty() && !isLocked(); }, 30'000));
+    }
+
+    void startDaemon(const QStringList& options = {}) {
+        m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // When it ends it asks its whole process group to end.
+        m_daemon.setChildProcessModifier([] { ::setsid(); });
+        m_daemon.start(u"gnome-keyring-daemon"_s,
+                       QStringList{u"--foreground"_s, u"--components=secrets"_s} + options);
     }
 
     QDBusMessage ask(const QString& path, const QString& interface, const QString& method,
@@ -218,6 +223,14 @@ TEST_F(KeyringTest, UsesTheFileRatherThanAskForAPassword) {
     expectTheFile(later, "the default keyring is locked");
     EXPECT_LT(timer.elapsed(), 1900);
     EXPECT_EQ(secretsInKeyring(), 1);
+}
+
+TEST_F(KeyringTest, UsesTheFileWhereNoKeyringIsTheDefault) {
+    startDaemon();
+    ASSERT_TRUE(eventually([this] { return m_bus.interface()->isServiceRegistered(serviceName); }, 30'000));
+    ASSERT_EQ(defaultKeyring(), QString());
+    KeyringSecretStore store(program, file());
+    expectTheFile(store, "there is no default keyring");
 }
 
 TEST_F(KeyringTest, UsesTheFileOnceTheServiceHasGone) {

@@ -65,8 +65,8 @@ std::unique_ptr<Running> embeddingTray() {
 }
 
 /// A tray that is told of its icons over D-Bus.
-std::unique_ptr<Running> busTray() {
-    auto host = std::make_unique<Running>(QStringLiteral(ORVANE_TRAY_HOST), QStringList{});
+std::unique_ptr<Running> busTray(const QStringList& arguments = {}) {
+    auto host = std::make_unique<Running>(QStringLiteral(ORVANE_TRAY_HOST), arguments);
     if (host->readLine() != "ready\n")
         throw std::runtime_error("the tray on D-Bus did not come up");
     return host;
@@ -372,6 +372,11 @@ TEST_F(StatusItems, RowsThatStayTheSameKeepTheirIdentityOnTheBus) {
     EXPECT_EQ(tray->ask(u"click Replay Setup…"_s), QStringList{u"clicked"_s});
     EXPECT_TRUE(eventuallyInLoop([&] { return !requests.empty(); }));
     EXPECT_EQ(requests, (std::vector<Request>{{StatusAction::replaySetup, std::nullopt}}));
+}
+
+TEST_F(StatusItems, WhoTakesIconsAndShowsNoneIsNoTray) {
+    const auto watcher = busTray({u"--without-host"_s});
+    EXPECT_FALSE(x11::hasTrayHost(session));
 }
 
 TEST_F(StatusItems, TrayOnTheBusThatComesLateIsFound) {

@@ -1,4 +1,5 @@
 // Windows dressed for what they are for, as they are on real desktops.
+#include "OrvanePlatform/x11/Properties.h"
 #include "OrvanePlatform/x11/X11Surfaces.h"
 
 #include "tests/desktop/GuiFixture.h"
@@ -428,6 +429,37 @@ TEST_F(DressedSurfaces, PanelThatHasTheKeyboardIsTheActiveWindow) {
     EXPECT_EQ(activeWindow(), qint64(panel->winId()));
     panel->hide();
     EXPECT_TRUE(comesToHear(*before, u"b"_s)) << "the window manager gives it to somebody else";
+}
+
+TEST_F(DressedSurfaces, SeekNoKeyboardOnceTheyAreHidden) {
+    const auto before = ordinary();
+    const auto palette = shown(SurfaceRole::palette, smallPlace, Qt::red, SurfaceKeyboard::onClick);
+    ASSERT_TRUE(comesToShow(inSmall, red));
+    surfaces.takeKeyboard(*palette);
+    palette->hide();
+    palette->show();
+    EXPECT_FALSE(eventuallyInLoop([&] { return palette->isActiveWindow(); }, 300));
+    EXPECT_TRUE(comesToHear(*before, u"a"_s));
+}
+
+// By the time of the human's last action in it (EWMH 1.5), of which 0 says that it is not to be activated.
+TEST_F(DressedSurfaces, SayThatTheyAreNotToBeActivatedUntilTheyAreToHaveTheKeyboard) {
+    const auto userTime = [this](const ColorWindow& window) {
+        const auto connection = session.connection();
+        const auto atom = connection->reply<xcb_intern_atom_reply>(
+            xcb_intern_atom(connection->raw(), 0, 17, "_NET_WM_USER_TIME"));
+        return x11::requestProperty(*connection, static_cast<xcb_window_t>(window.winId()), atom->atom)
+            .number();
+    };
+    const auto before = ordinary();
+    clickAt({1200, 700});
+    ASSERT_TRUE(eventuallyInLoop([&] { return before->presses == 1; }));
+    const auto onClick = shown(SurfaceRole::panel, smallPlace, Qt::red, SurfaceKeyboard::onClick);
+    ASSERT_TRUE(comesToShow(inSmall, red));
+    EXPECT_EQ(userTime(*onClick), 0U);
+    const auto atOnce = shown(SurfaceRole::panel, smallPlace, Qt::green, SurfaceKeyboard::atOnce);
+    ASSERT_TRUE(comesToShow(inSmall, green));
+    EXPECT_NE(userTime(*atOnce), 0U);
 }
 
 TEST_F(DressedSurfaces, LeaveTheKeyboardToWhomTheHumanGaveItMeanwhile) {

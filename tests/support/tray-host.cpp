@@ -4,6 +4,7 @@
 //   menu           the titles of the first icon's menu, disabled ones in parentheses, checked ones with "*"
 //   tooltip        the title of its tooltip
 //   click TITLE    chooses that row of the menu as it was last listed
+// With --without-host it takes icons and says that nobody shows them.
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -36,6 +37,9 @@ const QString propertiesInterface = u"org.freedesktop.DBus.Properties"_s;
 
 class Watcher : public QDBusVirtualObject {
 public:
+    explicit Watcher(bool hasHost)
+        : m_hasHost(hasHost) {}
+
     QStringList items;
 
     // Clients look up what they may ask for.
@@ -61,7 +65,7 @@ public:
             const QString property = arguments.value(1).toString();
             QVariant value;
             if (property == u"IsStatusNotifierHostRegistered") {
-                value = true;
+                value = m_hasHost;
             } else if (property == u"ProtocolVersion") {
                 value = 0;
             } else if (property == u"RegisteredStatusNotifierItems") {
@@ -72,6 +76,9 @@ public:
         }
         return false;
     }
+
+private:
+    bool m_hasHost;
 };
 
 class Host {
@@ -194,7 +201,7 @@ private:
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
-    Watcher watcher;
+    Watcher watcher(!QCoreApplication::arguments().contains(u"--without-host"_s));
     QDBusConnection bus = QDBusConnection::sessionBus();
     bus.registerVirtualObject(watcherPath, &watcher);
     if (!bus.registerService(watcherName)) {
