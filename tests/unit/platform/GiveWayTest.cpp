@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <thread>
 
 #include <sys/resource.h>
@@ -24,6 +25,20 @@ TEST(GiveWayTest, TheCallingThreadGivesWayAndNoOther) {
     }).join();
     EXPECT_EQ(after, std::max(before, 10));
     EXPECT_EQ(niceValue(), before);
+}
+
+TEST(GiveWayTest, WorkGivesWayAndWhoeverWaitsForItDoesNot) {
+    const int before = niceValue();
+    int during = before;
+    std::thread::id worker;
+    runGivingWay([&] {
+        during = niceValue();
+        worker = std::this_thread::get_id();
+    });
+    EXPECT_EQ(during, std::max(before, 10));
+    EXPECT_NE(worker, std::this_thread::get_id());
+    EXPECT_EQ(niceValue(), before);
+    EXPECT_THROW(runGivingWay([] { throw std::runtime_error("refused"); }), std::runtime_error);
 }
 
 } // namespace

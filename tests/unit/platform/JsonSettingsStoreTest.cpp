@@ -287,6 +287,18 @@ TEST_F(JsonSettings, AFileThatCannotBeReadIsToldOnceAndNeverReplaced) {
     EXPECT_TRUE(QFileInfo(file() + QStringLiteral("/inside")).isDir());
 }
 
+TEST_F(JsonSettings, AFileThatCannotBeReadAgainIsToldAgain) {
+    const JsonSettingsStore store(file());
+    const auto reading = [&] { return lines(told([&] { EXPECT_TRUE(store.value(m_key).isUndefined()); })); };
+    makeFolder(file());
+    EXPECT_EQ(reading(), 1);
+    EXPECT_EQ(reading(), 0);
+    ASSERT_TRUE(QDir().rmdir(file()));
+    EXPECT_EQ(reading(), 0);
+    makeFolder(file());
+    EXPECT_EQ(reading(), 1);
+}
+
 TEST_F(JsonSettings, ANamedPipeInItsPlaceDoesNotHang) {
     makeFolder(folder());
     ASSERT_EQ(::mkfifo(QFile::encodeName(file()).constData(), 0600), 0);

@@ -7,9 +7,11 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -98,6 +100,45 @@ TEST_F(SingleInstanceGuardTest, AProgramStartedMeanwhileDoesNotHoldIt) {
     EXPECT_NE(SingleInstanceGuard::acquire(path()), nullptr);
     program.kill();
     program.waitForFinished();
+}
+
+TEST_F(SingleInstanceGuardTest, AProgramStartedMeanwhileDoesNotHoldItForOneThatDied) {
+    std::array<int, 2> ready{-1, -1};
+    ASSERT_EQ(::pipe2(ready.data(), O_CLOEXEC), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const auto lock = SingleInstanceGuard::acquire(path());
+        QProcess program;
+        program.setProgram(u"sleep"_s);
+        program.setArguments({u"60"_s});
+        qint64 id = 0;
+        if (!lock || !program.startDetached(&id))
+            id = 0;
+        [[maybe_unused]] const auto written = ::write(ready.back(), &id, sizeof id);
+        for (;;)
+            ::pause();
+    }
+    qint64 program = 0;
+    EXPECT_EQ(::read(ready.front(), &program, sizeof program), ssize_t(sizeof program));
+    kill(child);
+    ASSERT_GT(program, 0);
+    EXPECT_NE(SingleInstanceGuard::acquire(path()), nullptr);
+    ::kill(static_cast<pid_t>(program), SIGKILL);
+    ::close(ready.front());
+    ::close(ready.back());
+}
+
+// Between the two steps of starting a program it has all that its parent has.
+TEST_F(SingleInstanceGuardTest, IsFreeWhenTheLockGoesThoughAProgramIsBeingStarted) {
+    auto lock = SingleInstanceGuard::acquire(path());
+    const pid_t child = ::fork();
+    if (child == 0) {
+        for (;;)
+            ::pause();
+    }
+    lock.reset();
+    EXPECT_NE(SingleInstanceGuard::acquire(path()), nullptr);
+    kill(child);
 }
 
 } // namespace

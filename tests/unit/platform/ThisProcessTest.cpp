@@ -1,6 +1,7 @@
 #include "OrvanePlatform/posix/ThisProcess.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,8 @@
 #include <csignal>
 #include <cstdlib>
 
+#include <fcntl.h>
+#include <pty.h>
 #include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -60,6 +63,28 @@ TEST_F(ThisProcessTest, ItsChildrenDoNot) {
     // Without Qt's own care.
     const int status = std::system("exec kill -s PIPE $$");
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE) << status;
+}
+
+TEST_F(ThisProcessTest, KnowsItsExecutable) {
+    EXPECT_TRUE(QDir::isAbsolutePath(executablePath()));
+    EXPECT_EQ(QFileInfo(executablePath()).fileName(), u"unit_platform_tests");
+    EXPECT_TRUE(QFileInfo(executablePath()).isExecutable());
+}
+
+TEST_F(ThisProcessTest, KnowsWhetherItsErrorsGoToATerminal) {
+    const int before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    ASSERT_GE(before, 0);
+    int controller = -1;
+    int terminal = -1;
+    ASSERT_EQ(::openpty(&controller, &terminal, nullptr, nullptr, nullptr), 0);
+    ::dup2(terminal, STDERR_FILENO);
+    EXPECT_TRUE(standardErrorIsTerminal());
+    const int file = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ::dup2(file, STDERR_FILENO);
+    EXPECT_FALSE(standardErrorIsTerminal());
+    ::dup2(before, STDERR_FILENO);
+    for (const int descriptor : {before, controller, terminal, file})
+        ::close(descriptor);
 }
 
 TEST_F(ThisProcessTest, NamesTheHomeFolderWhereNobodyHas) {
