@@ -136,6 +136,20 @@ TEST_F(Hotkeys, ReportsWhatAnotherProgramHoldsAndGoesOnWithTheRest) {
     EXPECT_EQ(hotkeys->state(id), State::conflicting);
 }
 
+TEST_F(Hotkeys, SaysNothingOfOneBeforeItHasBeenAskedFor) {
+    OtherClient other;
+    ASSERT_TRUE(other.grab(keyR, superControl));
+    // From here on the keyboard is known, and each one is asked for by itself.
+    add(history);
+    hotkeys->add(overlay, {.released = [] {}, .stateChanged = [](State) {}});
+    std::vector<State> told;
+    const auto id = hotkeys->add(
+        recording, {.released = [] {}, .stateChanged = [&](State state) { told.push_back(state); }});
+    EXPECT_TRUE(soon([&] { return hotkeys->state(id) == State::conflicting; }));
+    EXPECT_TRUE(soon([&] { return !told.empty() && told.back() == State::conflicting; }));
+    EXPECT_EQ(told, std::vector{State::conflicting});
+}
+
 TEST_F(Hotkeys, NoticesARefusalHoweverQuicklyItComes) {
     OtherClient other;
     ASSERT_TRUE(other.grab(keyR, superControl));

@@ -6,8 +6,12 @@
 #include <QDir>
 #include <QElapsedTimer>
 
+#include <chrono>
 #include <csignal>
+#include <functional>
 #include <future>
+#include <stop_token>
+#include <utility>
 
 namespace orvane::test {
 
@@ -78,6 +82,26 @@ TEST_F(LostConnection, HoldsUpASearchForWindowsForOneListing) {
     EXPECT_LT(timer.elapsed(), 9000);
     signalServer(SIGCONT);
     EXPECT_EQ(discovery.listWindows().size(), 1U);
+}
+
+TEST_F(LostConnection, EndsListingsThatNobodyWantsAnyMore) {
+    using Listing = std::function<void(std::stop_token)>;
+    const TestWindow window;
+    const Listing listings[] = {
+        [&](std::stop_token stop) { windowServer.snapshot(std::move(stop)); },
+        [&](std::stop_token stop) { screenSource.listContent({window.id()}, std::move(stop)); },
+    };
+    for (const Listing& listing : listings) {
+        ASSERT_NO_THROW(listing({}));
+        signalServer(SIGSTOP);
+        std::stop_source stop;
+        auto call = std::async(std::launch::async, [&] { listing(stop.get_token()); });
+        EXPECT_EQ(call.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+        stop.request_stop();
+        EXPECT_EQ(call.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+        signalServer(SIGCONT);
+        EXPECT_THROW(call.get(), PlatformError);
+    }
 }
 
 TEST_F(LostConnection, DoesNotWaitForeverToConnect) {

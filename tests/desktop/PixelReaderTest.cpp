@@ -1,12 +1,19 @@
 // Pixels come out alike with and without shared memory.
 #include "tests/desktop/DesktopFixture.h"
 
+#include <QFile>
+
+#include <algorithm>
+#include <vector>
+
 namespace orvane::test {
 
 namespace {
 
 class Pixels : public DesktopFixture {
 protected:
+    using DesktopFixture::DesktopFixture;
+
     QImage readRoot(bool sharedMemory) {
         const auto connection = session.connection();
         x11::PixelReader reader(connection);
@@ -16,6 +23,25 @@ protected:
                   connection->screen().root_visual, x11::Alpha::ignored)
             .value();
     }
+
+    static qsizetype mappedPictures() {
+        QFile maps(u"/proc/self/maps"_s);
+        EXPECT_TRUE(maps.open(QIODevice::ReadOnly));
+        return maps.readAll().count("memfd:orvane-pixels");
+    }
+};
+
+class PixelsOfABareScreen : public Pixels {
+protected:
+    PixelsOfABareScreen()
+        : Pixels({u"--size"_s, u"640x480"_s, u"--no-window-manager"_s, u"--no-compositor"_s}) {}
+};
+
+class PixelsOfDepth16 : public Pixels {
+protected:
+    PixelsOfDepth16()
+        : Pixels({u"--size"_s, u"640x480"_s, u"--depth"_s, u"16"_s, u"--no-window-manager"_s,
+                  u"--no-compositor"_s}) {}
 };
 
 } // namespace
@@ -27,6 +53,50 @@ TEST_F(Pixels, AreTheSameWithoutSharedMemory) {
     const QImage shared = readRoot(true);
     EXPECT_EQ(shared, readRoot(false));
     EXPECT_EQ(shared.pixel(15, 17), knownPixel(5, 7));
+}
+
+// Pictures are compared without it, and what draws on them takes it for their alpha.
+TEST_F(PixelsOfABareScreen, AreOpaqueInTheByteThatDepth24DoesNotUse) {
+    runCommand(u"xsetroot"_s, {u"-solid"_s, u"#336699"_s});
+    for (const bool shared : {true, false}) {
+        const QImage picture = readRoot(shared);
+        ASSERT_EQ(picture.format(), QImage::Format_RGB32);
+        for (int y = 0; y < picture.height(); ++y) {
+            const auto* const row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+            EXPECT_TRUE(std::all_of(row, row + picture.width(), [](QRgb pixel) {
+                return qAlpha(pixel) == 0xff;
+            })) << y;
+        }
+    }
+}
+
+TEST_F(Pixels, KeepTheMemoryOfOnePictureAtRest) {
+    const auto connection = session.connection();
+    x11::PixelReader reader(connection);
+    {
+        std::vector<QImage> held;
+        held.reserve(10);
+        for (int i = 0; i < 10; ++i) {
+            held.push_back(reader
+                               .read(connection->root(), QRect(0, 0, 100, 100),
+                                     connection->screen().root_depth, connection->screen().root_visual,
+                                     x11::Alpha::ignored)
+                               .value());
+        }
+        EXPECT_EQ(mappedPictures(), 10);
+    }
+    EXPECT_EQ(mappedPictures(), 1);
+}
+
+TEST_F(PixelsOfDepth16, HaveTheColorsOfTheScreen) {
+    runCommand(u"xsetroot"_s, {u"-solid"_s, u"#ff0084"_s});
+    const auto connection = session.connection();
+    ASSERT_EQ(connection->screen().root_depth, 16);
+    for (const bool shared : {true, false}) {
+        const QImage picture = readRoot(shared);
+        EXPECT_EQ(picture.format(), QImage::Format_RGB32);
+        EXPECT_EQ(picture.pixel(7, 9), 0xffff0084U);
+    }
 }
 
 TEST_F(Pixels, OutliveTheReaderAndTheConnection) {

@@ -431,7 +431,7 @@ TEST_F(DressedSurfaces, PanelThatHasTheKeyboardIsTheActiveWindow) {
     EXPECT_TRUE(comesToHear(*before, u"b"_s)) << "the window manager gives it to somebody else";
 }
 
-TEST_F(DressedSurfaces, SeekNoKeyboardOnceTheyAreHidden) {
+TEST_F(DressedSurfaces, SeekNoKeyboardOnceTheyAreHiddenOrItIsGivenBack) {
     const auto before = ordinary();
     const auto palette = shown(SurfaceRole::palette, smallPlace, Qt::red, SurfaceKeyboard::onClick);
     ASSERT_TRUE(comesToShow(inSmall, red));
@@ -440,6 +440,10 @@ TEST_F(DressedSurfaces, SeekNoKeyboardOnceTheyAreHidden) {
     palette->show();
     EXPECT_FALSE(eventuallyInLoop([&] { return palette->isActiveWindow(); }, 300));
     EXPECT_TRUE(comesToHear(*before, u"a"_s));
+    surfaces.takeKeyboard(*palette);
+    surfaces.giveKeyboardBack();
+    EXPECT_FALSE(eventuallyInLoop([&] { return palette->isActiveWindow(); }, 300));
+    EXPECT_TRUE(comesToHear(*before, u"b"_s));
 }
 
 // By the time of the human's last action in it (EWMH 1.5), of which 0 says that it is not to be activated.
