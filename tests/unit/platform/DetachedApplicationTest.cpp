@@ -17,6 +17,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orvane::posix {
@@ -177,6 +178,12 @@ TEST_F(DetachedApplicationTest, MakesNoLockFile) {
 
 TEST_F(DetachedApplicationTest, StartsWhereTheLockFileCannotBeOpened) {
     ASSERT_TRUE(QDir().rmdir(at(u".orvane"_s)));
+    EXPECT_EQ(Outcome::started, start(teller()));
+    EXPECT_FALSE(told().isEmpty());
+}
+
+TEST_F(DetachedApplicationTest, APipeInTheLocksPlaceIsNotWaitedFor) {
+    ASSERT_EQ(::mkfifo(native(u".orvane/.gui.lock"_s).constData(), 0600), 0);
     EXPECT_EQ(Outcome::started, start(teller()));
     EXPECT_FALSE(told().isEmpty());
 }

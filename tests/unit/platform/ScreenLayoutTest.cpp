@@ -53,6 +53,8 @@ TEST(ScreenLayout, ScalesEachDisplayByItself) {
     // Mostly on A, so all of it is measured from A.
     EXPECT_EQ(layout.toPoints({1900, 200, 30, 50}), QRectF(950, 100, 15, 25));
     EXPECT_EQ(layout.toPoints({1910, 200, 30, 50}), QRectF(1910, 200, 30, 50));
+    // As much on one as on the other: the first one counts.
+    EXPECT_EQ(layout.toPoints({1910, 200, 20, 50}), QRectF(955, 100, 10, 25));
 }
 
 TEST(ScreenLayout, PutsThePrimaryFirst) {
