@@ -122,6 +122,7 @@ TEST_F(Submit, TheSessionIsTheLatestOnceItsManifestIsWritten) {
                                .pngWriter = pngWriter,
                                .textRecognizer = textRecognizer,
                                .clipboard = clipboard,
+                               .words = words,
                                .sleep = [](std::chrono::milliseconds) {},
                                .clock =
                                    [&] {
