@@ -224,13 +224,16 @@ std::ostream& operator<<(std::ostream& out, const Case& run) {
 
 std::vector<Case> allCases() {
     std::vector<Case> cases;
-    cases.reserve(32);
-    for (const qreal ratio : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0, 2.25, 2.9}) {
+    cases.reserve(26);
+    for (const qreal ratio : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0}) {
         for (const bool spotlight : {false, true}) {
             for (const quint32 seed : {1U, 2U})
                 cases.push_back({ratio, spotlight, seed});
         }
     }
+    // Large pictures take long.
+    for (const qreal ratio : {2.25, 2.9})
+        cases.push_back({ratio, false, 1U});
     return cases;
 }
 
