@@ -23,15 +23,25 @@ bool isDigitAt(QByteArrayView text, qsizetype at) {
     return at >= 0 && at < text.size() && text[at] >= '0' && text[at] <= '9';
 }
 
-/// QJsonDocument lets some things pass that JSON forbids: raw control characters and made-up escapes inside
-/// strings, and a decimal point without a digit on each side. What it refuses by itself is left to it.
-void refuseWhatQtLetsPass(QByteArrayView text) {
+/// The text as QJsonDocument is to have it. That lets some things pass that JSON forbids: raw control
+/// characters and made-up escapes inside strings, and a decimal point without a digit on each side; they are
+/// refused here, and what it refuses by itself is left to it. And it drops a byte order mark (U+FEFF) that a
+/// string begins with, unless the mark is escaped.
+QByteArray forQt(QByteArrayView text) {
     constexpr std::string_view escapes = "\"\\/bfnrtu";
+    constexpr QByteArrayView mark("\xEF\xBB\xBF");
+    QByteArray prepared;
+    qsizetype taken = 0;
     bool inString = false;
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char byte = text[at];
         if (byte == '"') {
             inString = !inString;
+            if (inString && text.sliced(at + 1).startsWith(mark)) {
+                prepared += text.sliced(taken, at + 1 - taken);
+                prepared += "\\ufeff";
+                taken = at + 1 + mark.size();
+            }
         } else if (inString && static_cast<unsigned char>(byte) < 0x20) {
             refuse(u"unescaped control character"_s, at);
         } else if (inString && byte == '\\') {
@@ -42,6 +52,9 @@ void refuseWhatQtLetsPass(QByteArrayView text) {
             refuse(u"illegal number"_s, at);
         }
     }
+    if (taken == 0)
+        return QByteArray::fromRawData(text.data(), text.size());
+    return prepared + text.sliced(taken).toByteArray();
 }
 
 void requireFiniteNumbers(const QJsonValue& value) {
@@ -64,11 +77,8 @@ void requireFiniteNumbers(const QJsonValue& value) {
 QJsonDocument message_codec::parse(QByteArrayView text) {
     if (!text.isValidUtf8())
         throw MessageError(u"The message is not valid UTF-8"_s);
-    refuseWhatQtLetsPass(text);
-
     QJsonParseError error;
-    QJsonDocument document =
-        QJsonDocument::fromJson(QByteArray::fromRawData(text.data(), text.size()), &error);
+    QJsonDocument document = QJsonDocument::fromJson(forQt(text), &error);
     if (error.error != QJsonParseError::NoError)
         refuse(error.errorString(), error.offset);
     return document;

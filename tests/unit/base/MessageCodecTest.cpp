@@ -82,6 +82,16 @@ TEST(MessageCodec, WhatStandsInStringsIsNotTakenForNumbersOrQuotes) {
     EXPECT_EQ(compact(R"(["a.b",".","\\","\".",{"x.":"1."}])"), R"(["a.b",".","\\","\".",{"x.":"1."}])");
 }
 
+TEST(MessageCodec, KeepsByteOrderMarksWhereverTheyStandInStrings) {
+    const QByteArray mark("\xEF\xBB\xBF");
+    for (const QByteArray& text :
+         {R"({")" + mark + R"(key":")" + mark + R"(value"})", R"([")" + mark + mark + R"("])",
+          R"(["a)" + mark + R"(b",")" + mark + R"("])", R"([["\"",")" + mark + R"(x\"",1],"y"])"})
+        EXPECT_EQ(QJsonDocument(message_codec::parse(text)).toJson(QJsonDocument::Compact), text)
+            << text.constData();
+    EXPECT_EQ(message_codec::parse(R"(["\ufeffx"])").array().at(0).toString(), u"\uFEFFx"_s);
+}
+
 TEST(MessageCodec, KeepsAllBitsOfIntegersAndTheShortestFormOfDoubles) {
     const std::string numbers = "[9223372036854775807,-9223372036854775808,9007199254740993,0,0.1,-1.5]";
     EXPECT_EQ(compact(QByteArray::fromStdString(numbers)), numbers);
