@@ -19,10 +19,11 @@ constexpr int retryLimit = 100;
 } // namespace
 
 KeyboardSeeker::KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool asksOnPress,
-                               std::function<void()> ask)
+                               std::function<void()> begin, std::function<void()> ask)
     : m_window(window)
     , m_keyboard(keyboard)
     , m_asksOnPress(asksOnPress)
+    , m_begin(std::move(begin))
     , m_ask(std::move(ask)) {
     connect(&m_timer, &QTimer::timeout, this, [this] {
         if (m_window.isActiveWindow() || ++m_tries > retryLimit) {
@@ -36,6 +37,7 @@ KeyboardSeeker::KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool a
 }
 
 void KeyboardSeeker::seek() {
+    m_begin();
     m_tries = 0;
     m_timer.start(retryPeriod);
 }
@@ -53,6 +55,8 @@ bool KeyboardSeeker::eventFilter(QObject* watched, QEvent* event) {
     // window a press lands, it brings back a keyboard that was lost.
     const bool isShowing = event->type() == QEvent::Expose && m_timer.isActive();
     const bool isPressed = event->type() == QEvent::MouseButtonPress && m_asksOnPress;
+    if (isPressed)
+        m_begin();
     if ((isShowing || isPressed) && !m_window.isActiveWindow())
         m_ask();
     return false;

@@ -15,9 +15,10 @@ namespace orvane::x11 {
 /// the keyboard in the same moment. Main thread; the window is native already and outlives this object's use.
 class KeyboardSeeker final : public QObject {
 public:
-    /// `ask` is called for each request. `asksOnPress`: also when a press lands in the window while it does
+    /// `begin` is called when it begins to ask, and `ask` for each request. `asksOnPress`: also when a press lands in the window while it does
     /// not have the keyboard, which a window manager sees to where it manages the window.
-    KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool asksOnPress, std::function<void()> ask);
+    KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool asksOnPress,
+                   std::function<void()> begin, std::function<void()> ask);
 
     /// Asks as soon as the window is on the screen, and then again and again for two seconds.
     void seek();
@@ -30,6 +31,7 @@ private:
     QWidget& m_window;
     SurfaceKeyboard m_keyboard;
     bool m_asksOnPress;
+    std::function<void()> m_begin;
     std::function<void()> m_ask;
     QTimer m_timer;
     int m_tries = 0;

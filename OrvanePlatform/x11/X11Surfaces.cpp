@@ -86,6 +86,7 @@ void X11Surfaces::dress(QWidget& window, SurfaceRole role, SurfaceKeyboard keybo
     if (keyboard == SurfaceKeyboard::never)
         return;
     m_seekers[&window] = std::make_unique<KeyboardSeeker>(window, keyboard, !isManaged(role),
+                                                          [this, &window] { endOtherSearches(window); },
                                                           [this, &window] { askForKeyboard(window); });
     QObject::connect(&window, &QObject::destroyed, &m_watch,
                      [this](const QObject* gone) { m_seekers.erase(gone); });
@@ -112,6 +113,14 @@ void X11Surfaces::giveKeyboardBack() {
     for (const auto& [window, seeker] : m_seekers)
         seeker->giveUp();
     m_focus.giveBack();
+}
+
+/// Of two windows that want it the later one is meant; both would take it from each other.
+void X11Surfaces::endOtherSearches(const QWidget& window) {
+    for (const auto& [other, seeker] : m_seekers) {
+        if (other != &window)
+            seeker->giveUp();
+    }
 }
 
 void X11Surfaces::askForKeyboard(const QWidget& window) {

@@ -28,6 +28,7 @@ public:
     void giveKeyboardBack() override;
 
 private:
+    void endOtherSearches(const QWidget& window);
     void askForKeyboard(const QWidget& window);
 
     X11Session& m_session;
