@@ -446,6 +446,27 @@ TEST_F(DressedSurfaces, SeekNoKeyboardOnceTheyAreHiddenOrItIsGivenBack) {
     EXPECT_TRUE(comesToHear(*before, u"b"_s));
 }
 
+TEST_F(DressedSurfaces, DoNotTakeTheKeyboardFromTheOneThatAskedLast) {
+    const auto first = shown(SurfaceRole::palette, smallPlace, Qt::red, SurfaceKeyboard::onClick);
+    const auto second =
+        shown(SurfaceRole::palette, QRect(700, 100, 100, 100), Qt::blue, SurfaceKeyboard::onClick);
+    ASSERT_TRUE(comesToShow(inSmall, red));
+    const auto staysWith = [](const QWidget& window) {
+        const auto isActive = [&window] { return window.isActiveWindow(); };
+        return eventuallyInLoop(isActive) && !eventuallyInLoop([&] { return !isActive(); }, 300);
+    };
+    surfaces.takeKeyboard(*first);
+    surfaces.takeKeyboard(*second);
+    EXPECT_TRUE(staysWith(*second));
+    surfaces.takeKeyboard(*second);
+    surfaces.takeKeyboard(*first);
+    EXPECT_TRUE(staysWith(*first));
+    // A press is the human's word.
+    surfaces.takeKeyboard(*first);
+    EXPECT_TRUE(comesToBePressed(*second, {750, 150}));
+    EXPECT_TRUE(staysWith(*second));
+}
+
 // By the time of the human's last action in it (EWMH 1.5), of which 0 says that it is not to be activated.
 TEST_F(DressedSurfaces, SayThatTheyAreNotToBeActivatedUntilTheyAreToHaveTheKeyboard) {
     const auto userTime = [this](const ColorWindow& window) {
