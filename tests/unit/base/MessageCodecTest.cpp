@@ -84,11 +84,11 @@ TEST(MessageCodec, WhatStandsInStringsIsNotTakenForNumbersOrQuotes) {
 
 TEST(MessageCodec, KeepsByteOrderMarksWhereverTheyStandInStrings) {
     const QByteArray mark("\xEF\xBB\xBF");
-    for (const QByteArray& text :
-         {R"({")" + mark + R"(key":")" + mark + R"(value"})", R"([")" + mark + mark + R"("])",
-          R"(["a)" + mark + R"(b",")" + mark + R"("])", R"([["\"",")" + mark + R"(x\"",1],"y"])"})
-        EXPECT_EQ(QJsonDocument(message_codec::parse(text)).toJson(QJsonDocument::Compact), text)
-            << text.constData();
+    const QByteArray texts[] = {R"({")" + mark + R"(key":")" + mark + R"(value"})",
+                                R"([")" + mark + mark + R"("])", R"(["a)" + mark + R"(b",")" + mark + R"("])",
+                                R"([["\"",")" + mark + R"(x\"",1],"y"])"};
+    for (const QByteArray& text : texts)
+        EXPECT_EQ(compact(text), text.toStdString());
     EXPECT_EQ(message_codec::parse(R"(["\ufeffx"])").array().at(0).toString(), u"\uFEFFx"_s);
 }
 
