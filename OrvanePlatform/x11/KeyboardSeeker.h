@@ -15,10 +15,11 @@ namespace orvane::x11 {
 /// the keyboard in the same moment. Main thread; the window is native already and outlives this object's use.
 class KeyboardSeeker final : public QObject {
 public:
-    /// `begin` is called when it begins to ask, and `ask` for each request. `asksOnPress`: also when a press lands in the window while it does
-    /// not have the keyboard, which a window manager sees to where it manages the window.
-    KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool asksOnPress,
-                   std::function<void()> begin, std::function<void()> ask);
+    /// `begin` is called when it begins to ask, and `ask` for each request. `asksOnPress`: also when a press
+    /// lands in the window while it does not have the keyboard, which a window manager sees to where it
+    /// manages the window.
+    KeyboardSeeker(QWidget& window, SurfaceKeyboard keyboard, bool asksOnPress, std::function<void()> begin,
+                   std::function<void()> ask);
 
     /// Asks as soon as the window is on the screen, and then again and again for two seconds.
     void seek();

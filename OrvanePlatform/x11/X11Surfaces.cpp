@@ -85,9 +85,9 @@ void X11Surfaces::dress(QWidget& window, SurfaceRole role, SurfaceKeyboard keybo
         m_stack.add(window, levelOf(role));
     if (keyboard == SurfaceKeyboard::never)
         return;
-    m_seekers[&window] = std::make_unique<KeyboardSeeker>(window, keyboard, !isManaged(role),
-                                                          [this, &window] { endOtherSearches(window); },
-                                                          [this, &window] { askForKeyboard(window); });
+    m_seekers[&window] = std::make_unique<KeyboardSeeker>(
+        window, keyboard, !isManaged(role), [this, &window] { endOtherSearches(window); },
+        [this, &window] { askForKeyboard(window); });
     QObject::connect(&window, &QObject::destroyed, &m_watch,
                      [this](const QObject* gone) { m_seekers.erase(gone); });
 }
